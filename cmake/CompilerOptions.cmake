@@ -1,0 +1,49 @@
+# One interface target carries the language level, the warnings and the
+# hardening of every target of this project.
+add_library(corvane_options INTERFACE)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+target_compile_options(corvane_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
+    -Wformat=2 -Wundef -Werror
+    # Images carry no path of the machine that built them.
+    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
+    -ffile-prefix-map=${CMAKE_BINARY_DIR}/=
+    -fstack-protector-strong)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  target_compile_options(corvane_options INTERFACE -Wthread-safety)
+endif()
+
+target_compile_definitions(corvane_options INTERFACE _GLIBCXX_ASSERTIONS)
+if(CMAKE_BUILD_TYPE STREQUAL "Release" OR CMAKE_BUILD_TYPE STREQUAL "RelWithDebInfo")
+  target_compile_definitions(corvane_options INTERFACE _FORTIFY_SOURCE=2)
+endif()
+
+if(WIN32)
+  target_compile_definitions(corvane_options INTERFACE
+      WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0601 _WIN32_WINNT=0x0601)
+  # -static: the DLL and the test programs depend on Windows' own libraries
+  # only. Without a time stamp two builds of one source are the same bytes.
+  target_link_options(corvane_options INTERFACE
+      -static -Wl,--no-insert-timestamp
+      -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+else()
+  find_package(Threads REQUIRED)
+  target_link_libraries(corvane_options INTERFACE Threads::Threads ${CMAKE_DL_LIBS})
+endif()
+
+set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
+if(CORVANE_SANITIZE)
+  target_compile_options(corvane_options INTERFACE
+      -fsanitize=${CORVANE_SANITIZE} -fno-sanitize-recover=all
+      -fno-omit-frame-pointer)
+  target_link_options(corvane_options INTERFACE -fsanitize=${CORVANE_SANITIZE})
+endif()

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Vask::Platform {
+
+// A moment of the local calendar. month and day count from 1.
+struct LocalTime {
+  unsigned year = 0;
+  unsigned month = 0;
+  unsigned day = 0;
+  unsigned hour = 0;
+  unsigned minute = 0;
+  unsigned second = 0;
+  unsigned millisecond = 0;
+};
+
+// Every reading of time in the agent goes through one Clock that is handed in,
+// so that tests can hand in their own. All operations may be called from any
+// thread, none fails, none but SleepMs blocks.
+class Clock {
+ public:
+  // Milliseconds since some fixed moment; wraps to 0 after 49.7 days
+  // (GetTickCount on Windows, CLOCK_MONOTONIC elsewhere).
+  virtual std::uint32_t TickMs() noexcept = 0;
+
+  // Seconds since 1970-01-01 00:00 UTC.
+  virtual std::int64_t EpochSeconds() noexcept = 0;
+
+  // The present moment in local time.
+  virtual LocalTime LocalNow() noexcept = 0;
+
+  // Breaks a moment down in local time, with millisecond 0.
+  virtual LocalTime ToLocal(std::int64_t epochSeconds) noexcept = 0;
+
+  // The moment that a local time names; where daylight saving makes it
+  // ambiguous or void, as mktime decides. -1 if it cannot be represented.
+  virtual std::int64_t FromLocal(const LocalTime& local) noexcept = 0;
+
+  // Blocks the calling thread for about that many milliseconds.
+  virtual void SleepMs(std::uint32_t milliseconds) noexcept = 0;
+
+ protected:
+  ~Clock() = default;
+};
+
+// The machine's clock. Lives as long as the process.
+Clock& SystemClock() noexcept;
+
+}  // namespace Vask::Platform

@@ -1,0 +1,14 @@
+#pragma once
+
+// The contract between the Windows SNMP service and its extension agents: the
+// types of a request, the utility functions for object identifiers, and the
+// entry points. On Windows the system's own header; elsewhere the same
+// declarations.
+
+#if defined(_WIN32)
+#include <windows.h>
+
+#include <snmp.h>
+#else
+#include "platform/posix/Snmp.h"
+#endif

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+
+// The declarations of the Windows SNMP extension-agent contract that the agent
+// and its hosts use, for systems that have no <snmp.h>. Names, types and rules
+// are the contract's: whoever receives dynamic memory frees it with
+// SnmpUtilMemFree, and the functions answer 0 and non-zero, not exceptions.
+
+using BYTE = std::uint8_t;
+using BOOL = std::int32_t;
+using UINT = std::uint32_t;
+using INT = std::int32_t;
+using DWORD = std::uint32_t;
+using LPVOID = void*;
+using HANDLE = void*;
+#ifndef TRUE
+#define TRUE 1
+#define FALSE 0
+#endif
+
+#define SNMP_FUNC_TYPE
+#define SNMPAPI INT
+#define SNMPAPI_NOERROR TRUE
+#define SNMPAPI_ERROR FALSE
+
+struct AsnOctetString {
+  BYTE* stream;
+  UINT length;
+  BOOL dynamic;
+};
+
+struct AsnObjectIdentifier {
+  UINT idLength;
+  UINT* ids;
+};
+
+using AsnInteger = std::int32_t;
+using AsnObjectName = AsnObjectIdentifier;
+
+struct AsnAny {
+  BYTE asnType;
+  union {
+    AsnInteger number;
+    AsnOctetString string;
+    AsnObjectIdentifier object;
+  } asnValue;
+};
+using AsnObjectSyntax = AsnAny;
+
+struct SnmpVarBind {
+  AsnObjectName name;
+  AsnObjectSyntax value;
+};
+
+struct SnmpVarBindList {
+  SnmpVarBind* list;
+  UINT len;
+};
+
+#define ASN_INTEGER 0x02
+#define ASN_OCTETSTRING 0x04
+#define ASN_NULL 0x05
+#define ASN_OBJECTIDENTIFIER 0x06
+#define ASN_SEQUENCE 0x30
+
+#define SNMP_PDU_GET 0xA0
+#define SNMP_PDU_GETNEXT 0xA1
+#define SNMP_PDU_RESPONSE 0xA2
+#define SNMP_PDU_SET 0xA3
+
+#define SNMP_ERRORSTATUS_NOERROR 0
+#define SNMP_ERRORSTATUS_NOSUCHNAME 2
+#define SNMP_ERRORSTATUS_GENERR 5
+#define SNMP_ERRORSTATUS_NOTWRITABLE 17
+
+#define SNMP_GENERICTRAP_ENTERSPECIFIC 6
+
+extern "C" {
+// Copies source into destination, allocating its identifiers.
+SNMPAPI SnmpUtilOidCpy(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
+// Appends source to destination, growing its identifiers.
+SNMPAPI SnmpUtilOidAppend(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
+// Below, equal to or above 0: sub-identifier by sub-identifier, then the shorter first.
+SNMPAPI SnmpUtilOidCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second);
+// The same over at most `count` leading sub-identifiers.
+SNMPAPI SnmpUtilOidNCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second, UINT count);
+// Frees the identifiers and leaves an empty one.
+void SnmpUtilOidFree(AsnObjectIdentifier* oid);
+// Null when there is no memory left.
+LPVOID SnmpUtilMemAlloc(UINT bytes);
+void SnmpUtilMemFree(LPVOID memory);
+}
