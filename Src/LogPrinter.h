@@ -1,7 +1,16 @@
 #pragma once
 
-#include "Src/IDailyLog.h"
+#include <atomic>
+#include <cstdarg>
+#include <cstddef>
 
+#include "Src/IDailyLog.h"
+#include "Src/SingletonRef.h"
+#include "platform/Clock.h"
+#include "platform/CriticalSection.h"
+#include "platform/Files.h"
+
+// Formats mean on Windows what they mean elsewhere (%llu, %zu and so on).
 #if defined(__MINGW32__)
 #define VASK_PRINTF_FORMAT(formatIndex, firstArgument) \
   __attribute__((format(gnu_printf, formatIndex, firstArgument)))
@@ -23,18 +32,72 @@ class ILoggingOutput {
   ~ILoggingOutput() = default;
 };
 
-// The one printer of the process.
-class LogPrinter final : public ILoggingOutput {
+// The one printer of the process: formats a message and passes the finished
+// text to the daily log, or to the console while there is none. It knows
+// nothing of files. Every operation may be called from any thread; nothing is
+// ever reported as failed.
+//
+// It holds nothing but itself, so it can be asked for at any time: whoever logs
+// after it was destroyed at unload gets a new one that writes to the console.
+class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogPrinter> {
  public:
-  static LogPrinter& Instance();
+  // vsnprintf or a stand-in with the same contract; a negative answer says that
+  // the arguments cannot be formatted.
+  using Formatter = int (*)(char* text, std::size_t capacity, const char* format,
+                            std::va_list arguments) noexcept;
 
+  // Both with the terminating zero: what is longer is cut.
+  static constexpr std::size_t kTextCapacity = 2048;
+  static constexpr std::size_t kLastErrorCapacity = 1024;
+
+  // The default arguments make the process's own printer.
+  explicit LogPrinter(Platform::Clock& clock = Platform::SystemClock(),
+                      Platform::Files& files = Platform::SystemFiles(),
+                      Formatter formatter = nullptr) noexcept;
+  LogPrinter(const LogPrinter&) = delete;
+  LogPrinter& operator=(const LogPrinter&) = delete;
+
+  // The text carries its own line end. A message that cannot be formatted is
+  // replaced by "Invalid message format: '%s'!\n" with the format.
   void Info(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
   void Warning(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
   void Error(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
 
   // Messages go to this log from now on; null sends them to the console again.
-  // Any thread. The target must outlive its being set.
-  void SetTarget(IDailyLog* target);
+  // The target must outlive its being set.
+  void SetTarget(IDailyLog* target) noexcept;
+  // For a log that goes away: back to the console if messages go to this one.
+  void RemoveTarget(IDailyLog* target) noexcept;
+
+  // How lines look on the console: "09:05:03.007: Error: text" while only
+  // `console` is on (as at first), "Etext" with `compact`, none with neither.
+  void SetConsole(bool console) noexcept;
+  void SetCompact(bool compact) noexcept;
+
+  // The last text given to Error, "No error" at first; cut to `capacity` - 1
+  // characters. `capacity` is at least 1.
+  void CopyLastError(char* text, std::size_t capacity) const noexcept;
+
+ private:
+  struct Level;
+  static const Level kInfo;
+  static const Level kWarning;
+  static const Level kError;
+
+  void Format(char (&text)[kTextCapacity], const char* format,
+              std::va_list arguments) const noexcept;
+  void Deliver(const Level& level, const char* text);
+  void PrintToConsole(const char* levelName, const char* text);
+  void RememberError(const char* text) noexcept;
+
+  std::atomic<IDailyLog*> m_target{nullptr};
+  mutable Platform::CriticalSection m_lastErrorLock;
+  char m_lastError[kLastErrorCapacity] VASK_GUARDED_BY(m_lastErrorLock) = "No error";
+  std::atomic<bool> m_console{true};
+  std::atomic<bool> m_compact{false};
+  Platform::Clock& m_clock;
+  Platform::Files& m_files;
+  const Formatter m_formatter;
 };
 
 }  // namespace Vask
