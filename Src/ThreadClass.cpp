@@ -1,0 +1,48 @@
+#include "Src/ThreadClass.h"
+
+#include <utility>
+
+#include "Src/LogPrinter.h"
+
+namespace Vask {
+
+// The destructor may log: asking for the printer here makes it live longer.
+ThreadClass::ThreadClass(Platform::Threading& threading)
+    : m_started(Platform::EventReset::Automatic, threading),
+      m_finished(Platform::EventReset::Automatic, threading),
+      m_threading(threading) {
+  LogPrinter::Instance();
+}
+
+ThreadClass::~ThreadClass() {
+  if (m_pTask == nullptr) return;
+  LogPrinter::Instance().Error("+++ ASSERT(%s) failed at %s(%d)\n", "m_pTask==0",
+                               "..\\..\\Src\\ThreadClass", 26);
+}
+
+bool ThreadClass::Start() {
+  if (m_pTask != nullptr || !m_started.Valid() || !m_finished.Valid()) return false;
+  OnStart();
+  auto task = std::make_unique<Win32Task>(m_threading,
+                                          Platform::ThreadEntry{&Enter, this, m_finished.Handle()});
+  if (!task->Valid()) return false;
+  m_pTask = std::move(task);
+  return m_started.Wait(Platform::kInfinite);
+}
+
+void ThreadClass::Stop() {
+  if (m_pTask == nullptr) return;
+  OnStop();
+  m_threading.JoinThread(m_pTask->Handle(), m_finished.Handle());
+  m_pTask.reset();
+}
+
+// The platform's entry refuses a null argument, signals `finished` after this
+// has returned and ends the thread with 1.
+void ThreadClass::Enter(void* self) noexcept {
+  auto* const thread = static_cast<ThreadClass*>(self);
+  thread->m_started.Set();
+  thread->Run();
+}
+
+}  // namespace Vask

@@ -1,0 +1,160 @@
+#include "Src/TimerService.h"
+
+#include <algorithm>
+
+namespace Vask {
+
+namespace {
+
+// What a repeated timer gains on its period, so that waking up late does not
+// make it later from call to call.
+constexpr std::uint32_t kWakeUpAllowanceMs = 5;
+
+std::uint32_t RepeatPeriod(std::uint32_t periodMs) noexcept {
+  return periodMs > kWakeUpAllowanceMs ? periodMs - kWakeUpAllowanceMs : periodMs;
+}
+
+}  // namespace
+
+TimerService::TimerService(Platform::Clock& clock, Platform::Threading& threading)
+    : ThreadClass(threading), m_wake(Platform::EventReset::Automatic, threading), m_clock(clock) {}
+
+TimerService::~TimerService() {
+  StopService();
+}
+
+bool TimerService::StartService() {
+  if (HasThread() || !m_wake.Valid()) return false;
+  m_running.store(true, std::memory_order_relaxed);
+  if (Start()) return true;
+  m_running.store(false, std::memory_order_relaxed);
+  return false;
+}
+
+void TimerService::StopService() {
+  Stop();
+}
+
+void TimerService::OnStop() {
+  m_running.store(false, std::memory_order_relaxed);
+  m_wake.Set();
+}
+
+void TimerService::SetTimer(std::uint32_t periodMs, ITimerServiceClient* client) {
+  const Platform::CriticalSectionLock lock(m_lock);
+  RemoveUnnamed(client);
+  Add(periodMs, client);
+}
+
+void TimerService::KillTimer(ITimerServiceClient* client) {
+  const Platform::CriticalSectionLock lock(m_lock);
+  RemoveAll(client);
+}
+
+bool TimerService::KillTimerIf(ITimerServiceClient* client, bool (*condition)(void* context),
+                               void* context) {
+  const Platform::CriticalSectionLock lock(m_lock);
+  if (!condition(context)) return false;
+  RemoveAll(client);
+  return true;
+}
+
+void TimerService::ReplaceTimerAnd(std::uint32_t periodMs, ITimerServiceClient* client,
+                                   void (*change)(void* context), void* context) {
+  const Platform::CriticalSectionLock lock(m_lock);
+  RemoveAll(client);
+  Add(periodMs, client);
+  change(context);
+}
+
+void TimerService::Run() {
+  std::uint32_t timeoutMs = 0;
+  for (;;) {
+    (void)m_wake.Wait(timeoutMs);  // woken or timed out: both are a reason to look
+    if (!m_running.load(std::memory_order_relaxed)) return;
+    timeoutMs = Step();
+  }
+}
+
+std::uint32_t TimerService::Step() {
+  std::uint64_t nowMs = 0;
+  TimerNode due;
+  {
+    const Platform::CriticalSectionLock lock(m_lock);
+    nowMs = Now();
+    if (m_first == nullptr || m_first->dueMs > nowMs) return WaitFrom(nowMs);
+    due = TakeFirstAndRearm();
+  }
+  due.client->OnTimer(due.timerId, due.parameter);
+  const Platform::CriticalSectionLock lock(m_lock);
+  return WaitFrom(nowMs);
+}
+
+// The system's tick, carried on past its wrap. It is read often enough while
+// there are timers: none is due later than one wrap from now.
+std::uint64_t TimerService::Now() {
+  const std::uint32_t tick = m_clock.TickMs();
+  if (tick < m_lastTick) m_tickExtension += std::uint64_t{1} << 32;
+  m_lastTick = tick;
+  return m_tickExtension + tick;
+}
+
+void TimerService::Add(std::uint32_t periodMs, ITimerServiceClient* client) {
+  TimerNode* const node = m_nodes.Take();
+  *node =
+      TimerNode{.dueMs = Now() + periodMs, .periodMs = RepeatPeriod(periodMs), .client = client};
+  Insert(node);
+  m_wake.Set();
+}
+
+// Ahead of those that are due at the same moment.
+void TimerService::Insert(TimerNode* node) {
+  TimerNode** link = &m_first;
+  while (*link != nullptr && (*link)->dueMs < node->dueMs) link = &(*link)->next;
+  node->next = *link;
+  *link = node;
+}
+
+// Answers a copy: the node itself may be killed and used again during the call
+// that follows. It is armed before that call, so that the call can kill it.
+TimerNode TimerService::TakeFirstAndRearm() {
+  TimerNode* const node = m_first;
+  m_first = node->next;
+  node->dueMs = Now() + node->periodMs;
+  Insert(node);
+  m_wake.Set();
+  return *node;
+}
+
+void TimerService::RemoveUnnamed(ITimerServiceClient* client) {
+  TimerNode** link = &m_first;
+  while (*link != nullptr && ((*link)->client != client || (*link)->timerId != 0)) {
+    link = &(*link)->next;
+  }
+  TimerNode* const node = *link;
+  if (node == nullptr) return;
+  *link = node->next;
+  m_nodes.GiveBack(node);
+}
+
+void TimerService::RemoveAll(ITimerServiceClient* client) {
+  TimerNode** link = &m_first;
+  while (TimerNode* const node = *link) {
+    if (node->client == client) {
+      *link = node->next;
+      m_nodes.GiveBack(node);
+    } else {
+      link = &node->next;
+    }
+  }
+}
+
+std::uint32_t TimerService::WaitFrom(std::uint64_t nowMs) const {
+  if (m_first == nullptr) return Platform::kInfinite;
+  if (m_first->dueMs <= nowMs) return 0;
+  // The longest period must not read as "wait for ever".
+  constexpr std::uint64_t kLongestWait = Platform::kInfinite - 1;
+  return static_cast<std::uint32_t>(std::min(m_first->dueMs - nowMs, kLongestWait));
+}
+
+}  // namespace Vask
