@@ -1,0 +1,62 @@
+# Reads the output of `ctest -V` (or, with -v single=NAME -v status=N, that of
+# one program) and prints "PASSED FAILED", then one line for each program that
+# did not end well. Counts the cases inside the programs: GoogleTest's closing
+# lines, and the "N passed, N failed" of a script. A program that fails without
+# saying so in its closing line (a crash, a time-out, a sanitizer's report), or
+# that has no closing line, counts as one failed case.
+
+{ sub(/\r$/, "") }
+
+function note(id, text) {
+  if (match(text, /^\[  PASSED  \] [0-9]+ tests?\.$/)) {
+    passed[id] += numberAfter(text, "[  PASSED  ] "); closed[id] = 1
+  } else if (match(text, /^\[  FAILED  \] [0-9]+ tests?, listed below:$/)) {
+    failed[id] += numberAfter(text, "[  FAILED  ] "); closed[id] = 1
+  } else if (match(text, /^[0-9]+ passed, [0-9]+ failed$/)) {
+    split(text, words, " ")
+    passed[id] += words[1]; failed[id] += words[3]; closed[id] = 1
+  } else if (text ~ /^Test command: [^ ]*cmake"? .*"-P"/) {
+    checkOnly[id] = 1
+  }
+}
+
+function numberAfter(text, prefix) { return substr(text, length(prefix) + 1) + 0 }
+
+function close_program(id, name, good, how) {
+  if (checkOnly[id]) {  # a script of CMake's own says it all with its exit status
+    closed[id] = 1
+    if (good) passed[id] = 1
+  }
+  if (!closed[id] || (!good && !failed[id])) failed[id]++
+  if (failed[id]) bad[++badCount] = name ": " failed[id] " failed (" (closed[id] ? how : "no closing line, " how) ")"
+  allPassed += passed[id]; allFailed += failed[id]
+}
+
+single == "" && /^ *[0-9]+\/[0-9]+ Test +#[0-9]+: / {
+  line = $0
+  sub(/^ *[0-9]+\/[0-9]+ Test +#/, "", line)
+  id = line + 0
+  sub(/^[0-9]+: /, "", line)
+  name = line
+  sub(/ .*/, "", name)
+  how = line
+  sub(/^[^ ]+ \.*/, "", how)
+  gsub(/\*/, "", how)
+  sub(/^ +/, "", how)
+  close_program(id, name, how ~ /^Passed/, how)
+  next
+}
+
+single == "" && /^[0-9]+: / {
+  text = $0
+  sub(/^[0-9]+: /, "", text)
+  note($0 + 0, text)
+}
+
+single != "" { note(1, $0) }
+
+END {
+  if (single != "") close_program(1, single, status == 0, "exit status " status)
+  print allPassed + 0, allFailed + 0
+  for (i = 1; i <= badCount; i++) print bad[i]
+}

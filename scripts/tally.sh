@@ -1,0 +1,63 @@
+# Adds up test cases over all programs and steps. To be sourced after console.sh.
+
+total_passed=0
+total_failed=0
+complaints=()
+
+# add_tally: takes the lines of tally.awk from standard input.
+add_tally() {
+  local passed failed line
+  read -r passed failed
+  total_passed=$((total_passed + passed))
+  total_failed=$((total_failed + failed))
+  say "$1: $passed passed, $failed failed"
+  while read -r line; do
+    complaints+=("$1: $line")
+    say "  $line"
+  done
+}
+
+# A step that could not even be built or prepared: one failed case.
+add_failure() {
+  total_failed=$((total_failed + 1))
+  complaints+=("$1")
+}
+
+# run_ctest STEP BUILD-FOLDER CTEST-ARGUMENTS...: runs the programs that ctest
+# knows of, shows each one's verdict as it ends, and adds their cases.
+run_ctest() {
+  local step=$1 folder=$2 log="$top/build/logs/$1.log"
+  shift 2
+  mkdir -p "$top/build/logs"
+  say "$step ..."
+  ctest --test-dir "$folder" --verbose -j2 "$@" </dev/null 2>&1 | tee "$log" |
+    grep --line-buffered -aE '^ *[0-9]+/[0-9]+ Test' || true
+  grep -qaE '^ *[0-9]+/[0-9]+ Test' "$log" || fail_step "$step" "no test ran; see $log"
+  add_tally "$step" < <(awk -f "$top/scripts/tally.awk" "$log")
+}
+
+fail_step() {
+  say "$1: $2"
+  add_failure "$1: $2"
+}
+
+# run_program STEP COMMAND...: one program or script that closes with a line of
+# its own; its output is shown as it comes.
+run_program() {
+  local step=$1 log="$top/build/logs/$1.log" status=0
+  shift
+  mkdir -p "$top/build/logs"
+  say "$step ..."
+  "$@" </dev/null 2>&1 | tee "$log" || status=${PIPESTATUS[0]}
+  add_tally "$step" < <(awk -v single="$step" -v status="$status" -f "$top/scripts/tally.awk" "$log")
+}
+
+# close_tally: the last line of all; status 1 if anything failed.
+close_tally() {
+  local line
+  for line in "${complaints[@]}"; do
+    echo "FAILED $line"
+  done
+  echo "$total_passed passed, $total_failed failed"
+  ((total_failed == 0 && total_passed > 0))
+}
