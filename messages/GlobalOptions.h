@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+
+#include "messages/Codec.h"
+
+namespace Messages {
+
+// The main process's settings as its first clients know them. Their meaning and
+// units are the main process's own; nothing here limits a number.
+struct GlobalOptions {
+  char m_adminpass[257] = "";
+  char m_adminuser[257] = "";
+  char m_fromemail[257] = "";
+  char m_fromname[257] = "";
+  char m_notifyemail[257] = "";
+  char m_smtpusername[257] = "";
+  char m_smtppassword[257] = "";
+  char m_smtpserver[257] = "";
+  std::int32_t m_reconnecttimeout = 0;
+  std::int32_t m_emailonerror = 0;
+  std::int32_t m_httpport = 0;
+  std::int32_t m_httpsport = 0;
+  std::int32_t m_smtpserverport = 0;
+  std::int32_t m_streamserverport = 0;
+  std::int32_t m_usessl = 0;
+  std::int32_t m_waitintervalsec = 0;
+};
+
+template <>
+struct Description<GlobalOptions> {
+  static constexpr char kDecoder[] = "DecodeStruct_GlobalOptions";
+  static constexpr Field kRows[] = {
+      Text<&GlobalOptions::m_adminpass>("adminpass"),
+      Text<&GlobalOptions::m_adminuser>("adminuser"),
+      Text<&GlobalOptions::m_fromemail>("fromemail"),
+      Text<&GlobalOptions::m_fromname>("fromname"),
+      Text<&GlobalOptions::m_notifyemail>("notifyemail"),
+      Text<&GlobalOptions::m_smtpusername>("smtpusername"),
+      Text<&GlobalOptions::m_smtppassword>("smtppassword"),
+      Text<&GlobalOptions::m_smtpserver>("smtpserver"),
+      Integer<&GlobalOptions::m_reconnecttimeout>("reconnecttimeout"),
+      Integer<&GlobalOptions::m_emailonerror>("emailonerror"),
+      Integer<&GlobalOptions::m_httpport>("httpport"),
+      Integer<&GlobalOptions::m_httpsport>("httpsport"),
+      Integer<&GlobalOptions::m_smtpserverport>("smtpserverport"),
+      Integer<&GlobalOptions::m_streamserverport>("streamserverport"),
+      Integer<&GlobalOptions::m_usessl>("usessl"),
+      Integer<&GlobalOptions::m_waitintervalsec>("waitintervalsec"),
+  };
+};
+
+inline bool DecodeStruct_GlobalOptions(const Vask::JsonObject& object, GlobalOptions& record) {
+  return Decode(object, record);
+}
+
+}  // namespace Messages

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Vask {
+class JsonObject;
+}
+
+namespace Messages {
+
+// Typed reading and writing of one member of a JSON object. Names are
+// zero-terminated and, in the objects of this system, matched without regard to
+// case. Every fault is reported through messages/ErrorReport.h. The caller's
+// thread must be the only one that changes the object meanwhile.
+//
+// "Optional" silences the report of an absent member; the answer stays false.
+
+// Copies a text of at most `maximum` bytes and its terminating zero into
+// `destination`, which has room for maximum + 1. A longer one is refused, never
+// cut. The destination is the empty text whenever the answer is false.
+bool GetStrProperty(const Vask::JsonObject& object, const char* name, char* destination,
+                    std::uint32_t maximum, bool optional);
+
+// Takes an integral number's low 32 bits. A number written with a decimal point
+// is refused. 0 whenever the answer is false.
+bool GetIntProperty(const Vask::JsonObject& object, const char* name, std::int32_t& destination,
+                    bool optional);
+
+// Takes any number. 0.0 whenever the answer is false.
+bool GetFloatProperty(const Vask::JsonObject& object, const char* name, double& destination);
+
+// The nested object, which stays owned by the enclosing one; null when there is
+// none. A member that is not an object is never reported.
+Vask::JsonObject* GetObjProperty(const Vask::JsonObject& object, const char* name, bool optional);
+
+// Store a new value under the name; the object holds the only reference to it.
+void SetStrProperty(Vask::JsonObject& object, const char* name, const char* text);
+void SetIntProperty(Vask::JsonObject& object, const char* name, std::int32_t value);
+
+}  // namespace Messages
