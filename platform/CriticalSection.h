@@ -1,29 +1,45 @@
 #pragma once
 
+#if defined(_WIN32)
+#include <atomic>
+#include <cstdint>
+#else
 #include <mutex>
+#endif
 
 #include "platform/ThreadAnnotations.h"
 
 namespace Vask::Platform {
 
-// A re-entrant lock. Any thread may use it; constructing it allocates nothing
-// and cannot fail, so objects with static lifetime may hold one.
+// A re-entrant lock. Any thread may use it; constructing and destroying it
+// allocates and frees nothing, so objects with static lifetime may hold one.
 //
 // When a Windows process ends, every other thread is killed before the module
-// hears of it, possibly in the middle of a locked stretch. Lock therefore does
-// not wait once ProcessIsExiting() says so (platform/ProcessExit.h): the only
-// thread left takes what nobody can give back any more.
+// hears of it, possibly in the middle of a locked stretch. From the moment that
+// ProcessIsExiting() says so (platform/ProcessExit.h) only one thread is left,
+// which nobody can disturb and nobody could let in: Lock and Unlock do nothing
+// any more, whoever holds the lock.
 class VASK_CAPABILITY("mutex") CriticalSection {
  public:
   constexpr CriticalSection() = default;
   CriticalSection(const CriticalSection&) = delete;
   CriticalSection& operator=(const CriticalSection&) = delete;
 
+  // Waits without limit for other threads. The holder may lock again, and
+  // unlocks as often as it locked.
   void Lock() noexcept VASK_ACQUIRE();
   void Unlock() noexcept VASK_RELEASE();
 
  private:
+#if defined(_WIN32)
+  // Not std::recursive_mutex, which allocates at its first use and never frees:
+  // a module that is loaded and unloaded often would leave that behind.
+  void* m_slimLock = nullptr;              // an SRWLOCK
+  std::atomic<std::uint32_t> m_holder{0};  // id of the thread that holds it, else 0
+  std::uint32_t m_depth = 0;               // the holder's alone
+#else
   std::recursive_mutex m_mutex;
+#endif
 };
 
 // Holds a CriticalSection for a scope.

@@ -31,8 +31,8 @@ class Files {
   // Creates one folder whose parent exists; false when it cannot, also when it is there.
   [[nodiscard]] virtual bool CreateFolder(const char* path) noexcept = 0;
 
-  // Calls `visit` for every file that matches folder + pattern (with * and ?)
-  // until it answers false; false exactly then.
+  // Calls `visit` for every file (no folder) that matches folder + pattern
+  // (with * and ?) until it answers false; false exactly then.
   virtual bool List(const char* pattern, FileVisitor visit, void* context) noexcept = 0;
   virtual bool Delete(const char* path) noexcept = 0;
 
@@ -40,8 +40,9 @@ class Files {
   // rename and delete meanwhile. kNoFile on failure.
   [[nodiscard]] virtual FileHandle OpenForAppend(const char* path) noexcept = 0;
   // Text mode: every line feed is written as the system's line end (CR LF on
-  // Windows). One call appends its bytes in one piece. False when not all of
-  // it was written.
+  // Windows). One call appends its bytes in one piece, which nobody else's can
+  // split, as long as they are at most 4,096. False when not all of it was
+  // written. Never allocates.
   virtual bool Append(FileHandle file, const char* text, std::size_t length) noexcept = 0;
   // Present length in bytes; 0 when it cannot be had.
   [[nodiscard]] virtual std::uint64_t Length(FileHandle file) noexcept = 0;

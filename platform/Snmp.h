@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <snmp.h>
+#undef CreateEvent  // would rename Platform::Threading's operation in this file alone
 #else
 #include "platform/posix/Snmp.h"
 #endif

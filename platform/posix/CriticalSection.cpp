@@ -5,13 +5,11 @@
 namespace Vask::Platform {
 
 void CriticalSection::Lock() noexcept {
-  if (m_mutex.try_lock()) return;
-  if (ProcessIsExiting()) return;  // held by a thread that is dead: nobody else is left
-  m_mutex.lock();
+  if (!ProcessIsExiting()) m_mutex.lock();
 }
 
 void CriticalSection::Unlock() noexcept {
-  m_mutex.unlock();
+  if (!ProcessIsExiting()) m_mutex.unlock();
 }
 
 }  // namespace Vask::Platform

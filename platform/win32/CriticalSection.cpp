@@ -1,0 +1,37 @@
+#include "platform/CriticalSection.h"
+
+#include <windows.h>
+
+#include "platform/ProcessExit.h"
+
+namespace Vask::Platform {
+
+namespace {
+
+// A null pointer is an SRWLOCK at rest.
+SRWLOCK* AsSlimLock(void*& lock) noexcept {
+  static_assert(sizeof(SRWLOCK) == sizeof(void*));
+  return reinterpret_cast<SRWLOCK*>(&lock);
+}
+
+}  // namespace
+
+// Only its own thread ever stores a thread's id, so a relaxed look suffices to
+// know whether it is the holder.
+void CriticalSection::Lock() noexcept {
+  if (ProcessIsExiting()) return;
+  const DWORD self = GetCurrentThreadId();
+  if (m_holder.load(std::memory_order_relaxed) != self) {
+    AcquireSRWLockExclusive(AsSlimLock(m_slimLock));
+    m_holder.store(self, std::memory_order_relaxed);
+  }
+  ++m_depth;
+}
+
+void CriticalSection::Unlock() noexcept {
+  if (ProcessIsExiting() || --m_depth != 0) return;
+  m_holder.store(0, std::memory_order_relaxed);
+  ReleaseSRWLockExclusive(AsSlimLock(m_slimLock));
+}
+
+}  // namespace Vask::Platform
