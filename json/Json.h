@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "json/RefCount3.h"
+
+namespace Vask {
+
+// What a value is; readers ask Type() first and cast afterwards.
+enum class JsonType : int { Object = 1, Array = 2, String = 3, Number = 4, Bool = 5, Null = 6 };
+
+// One value of a JSON text: the base of JsonObject, JsonArray, JsonString,
+// JsonNumber, JsonBool and JsonNull. A message is a tree of them, and each
+// container holds one reference to every value in it.
+//
+// References may be given back from any thread. Everything else (filling,
+// reading, writing) is unsynchronised: one thread at a time works on a tree.
+// Stack use never follows the depth of a tree: neither writing nor releasing
+// recurses. Making a value or writing may throw std::bad_alloc, which leaves
+// the tree as it was; releasing allocates nothing.
+class Json : public RefCount3 {
+ public:
+  [[nodiscard]] virtual JsonType Type() const noexcept = 0;
+
+  // Replaces `out` by the compact text, the form that goes over the link.
+  virtual void Write(std::string& out) const = 0;
+
+  // Replaces `out` by the indented text, for display. Two blanks for each of
+  // `indentLevel` levels stand before a container's members and closing
+  // bracket, one level more before the members; nothing before the first
+  // character. Keys are not escaped in this form.
+  virtual void WritePretty(std::string& out, std::uint32_t indentLevel) const = 0;
+
+  // Values made and values deleted since the process began; both wrap at 2^32
+  // and are never reset. They are a leak statistic without synchronisation:
+  // exact while one thread at a time makes and releases values, while counts
+  // may get lost when several do.
+  static std::uint32_t Constructed() noexcept;
+  static std::uint32_t Destroyed() noexcept;
+
+  // A value's text is stored behind the value, in the same allocation; the
+  // room asked for is in bytes. Derived classes hide this behind factories.
+  struct TextRoom {
+    std::size_t bytes;
+  };
+  static void* operator new(std::size_t size) { return ::operator new(size); }
+  static void* operator new(std::size_t size, TextRoom room) {
+    return ::operator new(size + room.bytes);
+  }
+  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
+  static void operator delete(void* memory, TextRoom) noexcept { ::operator delete(memory); }
+
+ protected:
+  Json() noexcept;
+  ~Json() override;
+
+  // A container's destructor calls this: every value below it is released,
+  // members in their order, each with all that it holds before the next.
+  void ReleaseChildren() noexcept;
+
+ private:
+  // Takes one value out of a dying container, first to last; null when none is
+  // left. The container's reference passes to the caller.
+  virtual Json* TakeChild() noexcept { return nullptr; }
+
+  // The way back up while a tree is taken apart; unset before.
+  Json* m_dyingParent;
+};
+
+}  // namespace Vask

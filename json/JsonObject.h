@@ -1,0 +1,58 @@
+#pragma once
+
+#include "json/Json.h"
+#include "json/StrDict3.h"
+
+namespace Vask {
+
+// An object: members by name. Unless made case sensitive it folds names to
+// lower case, as every object of this system does: a member set as `StreamsOK`
+// is found under any spelling and written as `streamsok`, and members are
+// written in ascending order of their folded names, not as they were set.
+class JsonObject final : public Json {
+ public:
+  using Dictionary = StrDict3<Json*>;
+
+  explicit JsonObject(bool caseSensitive = false) : m_members(&m_nodes, caseSensitive) {}
+
+  // Stores `value` under the key, in place of any earlier value, which is
+  // released. The object takes a reference of its own; the caller keeps his and
+  // releases it when done. False, with nothing changed, for a null value.
+  //
+  // An empty key stores nothing, yet the answer is true and the reference is
+  // taken; nobody ever releases it.
+  bool Set(const char* key, Json* value);
+
+  // The member's value, or null; its count is unchanged, so it lives as long as
+  // it is a member here.
+  [[nodiscard]] Json* Find(const char* key) const noexcept {
+    Json** value = m_members.FindValue(key);
+    return value != nullptr ? *value : nullptr;
+  }
+
+  [[nodiscard]] bool Empty() const noexcept { return m_members.Empty(); }
+
+  // The members themselves, for walking with ForEach. Whoever inserts here must
+  // see to the references.
+  Dictionary& Members() noexcept { return m_members; }
+  const Dictionary& Members() const noexcept { return m_members; }
+
+  // Like Set at the node of a key that was laid with Dictionary::Path, but takes
+  // over the caller's reference. A null node stands for the empty key.
+  static void Adopt(Dictionary::Node* node, Json* value) noexcept;
+
+  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Object; }
+  void Write(std::string& out) const override;
+  void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
+
+ protected:
+  ~JsonObject() override;
+
+ private:
+  Json* TakeChild() noexcept override;
+
+  Dictionary::StandardAllocator m_nodes;
+  Dictionary m_members;
+};
+
+}  // namespace Vask

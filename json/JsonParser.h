@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "json/Json.h"
+
+namespace Vask {
+
+// What a parse says besides the value.
+struct ParseResult {
+  std::string errorMessage;  // empty after a success and after one failure, see Parse
+  // Where the parse stopped, both from 1: behind the last character consumed,
+  // or where a failure was seen. Columns count bytes; of a one-character
+  // escape such as \n only the backslash counts.
+  std::uint32_t line = 1;
+  std::uint32_t column = 1;
+};
+
+// Reads one JSON value from the front of a NUL-terminated text. Returns it with
+// one reference that the caller owns, or null at the first fault, with nothing
+// left behind. Fills `result` in both cases.
+//
+// What it accepts beyond JSON: any text after the first value or literal,
+// leading zeros, numbers without digits after '.' or 'e', control characters in
+// strings, unknown escapes (the backslash is dropped), and vertical tab and form
+// feed as white space. \u0000 gives nothing, and surrogates are not combined.
+// A key that comes again in an object, in any letter case, replaces the earlier
+// member; a value under an empty key is lost and never released.
+//
+// One message is left empty: that of anything but ',' or ']' after an element
+// of an array.
+//
+// May be called from any thread; texts may be nested to any depth, for the
+// stack used does not grow with it. When memory runs out std::bad_alloc leaves
+// here, with everything built so far released.
+[[nodiscard]] Json* Parse(ParseResult& result, const char* text);
+
+}  // namespace Vask

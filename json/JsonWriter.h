@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "json/Json.h"
+
+namespace Vask {
+
+class JsonArray;
+class JsonObject;
+
+// Makes the two text forms of any tree; the values' Write and WritePretty lead
+// here. The time is linear in the text that comes out, and containers under way
+// are kept on a list of its own, so that the depth of a tree costs no stack.
+//
+// The compact form has no white space. The indented one has a line for every
+// member; an empty container there is its two brackets with two line feeds
+// between them.
+class JsonWriter {
+ public:
+  // Replaces `out` by the text of `root`.
+  static void Compact(const Json& root, std::string& out);
+  static void Pretty(const Json& root, std::uint32_t indentLevel, std::string& out);
+
+ private:
+  struct Member {
+    const Json* value;
+    std::size_t key;  // place in m_keys; objects only
+  };
+  // A container that is being written: its remaining members are those from
+  // `next` to the end of m_members.
+  struct Open {
+    bool isObject;
+    std::size_t first;
+    std::size_t next;
+    std::size_t keys;  // where its keys begin in m_keys
+  };
+
+  JsonWriter(std::string& out, bool pretty, std::uint32_t indentLevel)
+      : m_out(out), m_pretty(pretty), m_indentLevel(indentLevel) {}
+
+  void Run(const Json& root);
+  void Begin(const Json& value);
+  void BeginObject(const JsonObject& object);
+  void BeginArray(const JsonArray& array);
+  void NextMember(Open& open);
+  void WriteKey(const char* key);
+  void End();
+  void Indent();
+
+  std::string& m_out;
+  const bool m_pretty;
+  std::size_t m_indentLevel;  // of the innermost open container
+  std::vector<Open> m_open;
+  std::vector<Member> m_members;  // of all open containers, outermost first
+  std::string m_keys;             // their names, each ended by a NUL
+};
+
+}  // namespace Vask

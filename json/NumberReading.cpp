@@ -1,0 +1,65 @@
+#include "json/NumberReading.h"
+
+#include <charconv>
+#include <limits>
+
+namespace Vask {
+
+namespace {
+
+bool IsDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// Whether a number that no double holds is so because it is too large; the
+// others are too small. Told by the place of its first significant digit.
+bool IsTooLarge(std::string_view text) {
+  std::int64_t exponent = 0;
+  const std::size_t e = text.find_first_of("eE");
+  if (e != text.npos) {
+    std::string_view digits = text.substr(e + 1);
+    if (digits.starts_with('+')) digits.remove_prefix(1);
+    // Far beyond any text's length, and far from the ends of 64 bits.
+    constexpr std::int64_t kFar = std::numeric_limits<std::int64_t>::max() / 2;
+    exponent = ReadInteger(digits);
+    exponent = exponent > kFar ? kFar : exponent < -kFar ? -kFar : exponent;
+  }
+  const std::string_view mantissa = text.substr(0, e);
+  const auto first = static_cast<std::int64_t>(mantissa.find_first_of("123456789"));
+  const auto point = static_cast<std::int64_t>(mantissa.find('.'));
+  return exponent + point - first > 0;
+}
+
+}  // namespace
+
+std::int64_t ReadInteger(std::string_view text) noexcept {
+  constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
+  const bool negative = text.starts_with('-');
+  if (negative) text.remove_prefix(1);
+  std::int64_t value = 0;  // negative numbers count down, for they reach further
+  for (const char c : text) {
+    if (!IsDigit(c)) break;
+    const int digit = negative ? '0' - c : c - '0';
+    if (__builtin_mul_overflow(value, 10, &value) || __builtin_add_overflow(value, digit, &value)) {
+      return negative ? std::numeric_limits<std::int64_t>::min() : kMax;
+    }
+  }
+  return value;
+}
+
+double ReadReal(std::string_view text) noexcept {
+  double value = 0.0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc::result_out_of_range) return value;
+  value = IsTooLarge(text) ? std::numeric_limits<double>::infinity() : 0.0;
+  return text.starts_with('-') ? -value : value;
+}
+
+std::int64_t TruncateToInteger(double value) noexcept {
+  constexpr double kEnd = 9223372036854775808.0;  // 2^63, the first that does not fit
+  if (value >= kEnd) return std::numeric_limits<std::int64_t>::max();
+  if (value < -kEnd) return std::numeric_limits<std::int64_t>::min();
+  return static_cast<std::int64_t>(value);
+}
+
+}  // namespace Vask
