@@ -1,0 +1,85 @@
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "BuildSettings.h"
+#include "host/ExtensionModule.h"
+#include "host/Options.h"
+#include "host/SnmpFront.h"
+#include "platform/Threading.h"
+#include "platform/posix/EventDescriptor.h"
+
+namespace {
+
+using namespace Host;
+
+// Exit statuses beside 0.
+constexpr int kCannotServe = 1;
+constexpr int kBadCommandLine = 2;
+
+// Signalled once, by the first SIGINT or SIGTERM.
+Vask::Platform::NativeHandle stopEvent = nullptr;
+
+extern "C" void Stop(int) {
+  Vask::Platform::SystemThreading().SetEvent(stopEvent);
+}
+
+template <class... Texts>
+int Complain(int status, const Texts&... texts) {
+  const std::string line = (std::string("snmphost: ") + ... + std::string(texts));
+  std::fprintf(stderr, "%s\n", line.c_str());
+  return status;
+}
+
+// The module's start, and what a newcomer should know of it.
+void StartModule(ExtensionModule& module, const Options& options, SnmpFront& front) {
+  Oid view;
+  if (!module.Start(view)) {
+    Complain(0, options.module, ": its start failed; serving it all the same");
+  }
+  if (view.empty() || !front.Serve(view)) {
+    Complain(0, options.module, ": no view that can be served: [", ToText(view), "]");
+    return;
+  }
+  std::printf("Serving %s at %s\n", ToText(view).c_str(),
+              options.agentxSocket.empty() ? options.listen.c_str() : options.agentxSocket.c_str());
+}
+
+int Serve(const Options& options) {
+  std::string error;
+  const std::unique_ptr<ExtensionModule> module = ExtensionModule::Load(options.module, error);
+  if (module == nullptr) return Complain(kCannotServe, options.module, ": ", error);
+  SnmpFront front(options, *module);
+  if (!front.Open(error)) return Complain(kCannotServe, error);
+
+  stopEvent = Vask::Platform::SystemThreading().CreateEvent(Vask::Platform::EventReset::Manual);
+  if (stopEvent == nullptr) return Complain(kCannotServe, "no event to be stopped by");
+  std::signal(SIGINT, Stop);
+  std::signal(SIGTERM, Stop);
+  StartModule(*module, options, front);
+  std::fflush(stdout);
+  front.Run(Vask::Platform::EventDescriptor(stopEvent));
+  std::puts("Stopping");
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const ParsedOptions parsed = ParseOptions({argv + 1, argv + argc});
+  if (!parsed.error.empty()) {
+    return Complain(kBadCommandLine, parsed.error, " (snmphost --help shows what there is)");
+  }
+  if (parsed.options.help) {
+    std::fputs(HelpText(), stdout);
+    return 0;
+  }
+  if (parsed.options.version) {
+    std::puts("snmphost " CORVANE_VERSION_TEXT);
+    return 0;
+  }
+  return Serve(parsed.options);
+}

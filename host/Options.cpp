@@ -1,0 +1,106 @@
+#include "host/Options.h"
+
+#include <cstddef>
+
+namespace Host {
+namespace {
+
+// The shortest pass phrase that SNMPv3 allows (RFC 3414, section 11.2).
+constexpr std::size_t kShortestPassPhrase = 8;
+
+// Some values become words of a configuration line of net-snmp's, which would
+// read these characters as its own.
+bool IsPlainWord(const std::string& text) {
+  return text.find_first_of(" \t\r\n\"'#\\") == std::string::npos;
+}
+
+std::string StoreUser(Options& options, const std::string& text) {
+  const std::size_t colon = text.find(':');
+  if (colon == 0 || colon == std::string::npos) return "--user takes NAME:PASSPHRASE";
+  options.user = text.substr(0, colon);
+  options.passPhrase = text.substr(colon + 1);
+  if (!IsPlainWord(text)) return "--user takes no blanks, quotes, '#' or '\\'";
+  if (options.passPhrase.size() < kShortestPassPhrase) {
+    return "--user takes a pass phrase of at least 8 characters";
+  }
+  return {};
+}
+
+// Stores the value of one option; the error is empty when it is a good one.
+std::string Store(Options& options, const std::string& name, const std::string& value) {
+  if (value.empty()) return name + " takes a value that is not empty";
+  if (name == "--listen") {
+    options.listen = value;
+  } else if (name == "--community") {
+    if (!IsPlainWord(value)) return "--community takes no blanks, quotes, '#' or '\\'";
+    options.community = value;
+  } else if (name == "--trap-sink") {
+    options.trapSinks.push_back(value);
+  } else if (name == "--agentx") {
+    options.agentxSocket = value;
+  } else {
+    return StoreUser(options, value);
+  }
+  return {};
+}
+
+bool IsValueOption(const std::string& name) {
+  return name == "--listen" || name == "--community" || name == "--trap-sink" ||
+         name == "--agentx" || name == "--user";
+}
+
+std::string StoreModule(Options& options, const std::string& path) {
+  if (path.empty()) return "the module's path is empty";
+  if (!options.module.empty()) {
+    return "one module only: '" + options.module + "' or '" + path + "'?";
+  }
+  options.module = path;
+  return {};
+}
+
+}  // namespace
+
+ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
+  ParsedOptions result;
+  for (std::size_t i = 0; i < arguments.size() && result.error.empty(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument == "--help") {
+      result.options.help = true;
+    } else if (argument == "--version") {
+      result.options.version = true;
+    } else if (argument.empty() || argument[0] != '-') {
+      result.error = StoreModule(result.options, argument);
+    } else if (!IsValueOption(argument)) {
+      result.error = "unknown option '" + argument + "'";
+    } else if (i + 1 == arguments.size()) {
+      result.error = argument + " needs a value";
+    } else {
+      result.error = Store(result.options, argument, arguments[++i]);
+    }
+  }
+  const bool informs = result.options.help || result.options.version;
+  if (result.error.empty() && !informs && result.options.module.empty()) {
+    result.error = "which module? Name SNMPd.so or SNMPd.dll";
+  }
+  return result;
+}
+
+const char* HelpText() {
+  return "snmphost [OPTION]... MODULE\n"
+         "\n"
+         "Loads an SNMP extension agent as the Windows SNMP service would and answers\n"
+         "SNMPv1, SNMPv2c and SNMPv3 managers from it.\n"
+         "\n"
+         "  --listen ADDRESS        where to listen (udp:127.0.0.1:1161)\n"
+         "  --community TEXT        the community that may read and write (public)\n"
+         "  --user NAME:PASSPHRASE  an SNMPv3 user (SHA, AES, the same pass phrase for both);\n"
+         "                          whoever may list processes can read it: for trying out\n"
+         "  --trap-sink HOST:PORT   where traps go, as SNMPv1 traps; may be repeated\n"
+         "  --agentx SOCKET         be a subagent of the snmpd behind this AgentX socket,\n"
+         "                          which then does all of the above with its own settings\n"
+         "  --help, --version\n"
+         "\n"
+         "Ends, and unloads the module, on SIGINT and SIGTERM.\n";
+}
+
+}  // namespace Host

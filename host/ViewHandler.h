@@ -1,0 +1,40 @@
+#pragma once
+
+#include "host/ExtensionModule.h"
+#include "host/NetSnmp.h"
+
+namespace Host {
+
+// Answers everything under the module's view from the module: one question to
+// it per variable binding. Its statuses become what the manager's version of
+// SNMP has for them:
+//
+//   asked    module says    SNMPv1                SNMPv2c and SNMPv3
+//   Get      noSuchName     noSuchName            noSuchInstance
+//   GetNext  noSuchName     noSuchName, or the next agent's variable    endOfMibView, or likewise
+//   Set      notWritable    noSuchName (RFC 3584) notWritable
+//   any      anything else  genErr                genErr
+//
+// Runs on the thread that reads net-snmp's sockets.
+class ViewHandler {
+ public:
+  ViewHandler(ExtensionModule& module, Oid view);
+
+  // Registers with net-snmp's agent, for the life of the process. This object
+  // has to outlive it. False when the agent refuses the view.
+  [[nodiscard]] bool Register();
+
+ private:
+  static int Handle(netsnmp_mib_handler* handler, netsnmp_handler_registration* registration,
+                    netsnmp_agent_request_info* info, netsnmp_request_info* requests);
+
+  void Answer(netsnmp_agent_request_info& info, netsnmp_request_info& request);
+  void AnswerGet(netsnmp_agent_request_info& info, netsnmp_request_info& request);
+  void AnswerGetNext(netsnmp_agent_request_info& info, netsnmp_request_info& request);
+  void AnswerSet(netsnmp_agent_request_info& info, netsnmp_request_info& request);
+
+  ExtensionModule& m_module;
+  Oid m_view;
+};
+
+}  // namespace Host

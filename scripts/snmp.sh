@@ -1,0 +1,31 @@
+# net-snmp's tools, away from the system's settings: no configuration files, no
+# MIB files, names as numbers. To be sourced; needs $work, a folder of its own.
+
+export MIBS='' SNMPCONFPATH=/nonexistent SNMP_PERSISTENT_DIR=$work/net-snmp
+mkdir -p "$SNMP_PERSISTENT_DIR/cert_indexes"
+
+# A UDP port of the loopback that nobody listens on, starting at a random one.
+free_udp_port() {
+  local port=$((20000 + RANDOM % 20000))
+  while ss -Hlun "sport = :$port" | grep -q .; do
+    port=$((port + 1))
+  done
+  echo "$port"
+}
+
+# start_trap_receiver PORT FILE: one line for each SNMPv1 trap:
+# "enterprise generic specific time-stamp". Leaves its process id in trap_receiver.
+start_trap_receiver() {
+  printf 'disableAuthorization yes\nformat1 %s\nformat2 %s\n' \
+    '%N %w %q %T\n' 'notification %V, %v\n' >"$work/snmptrapd.conf"
+  : >"$2"
+  snmptrapd -f -Lf "$2" -n -C -c "$work/snmptrapd.conf" -On \
+    -p "$work/snmptrapd.pid" "udp:127.0.0.1:$1" >"$work/snmptrapd.out" 2>&1 &
+  trap_receiver=$!
+}
+
+# stop_process ID: ends it and waits for it; its exit status is the result.
+stop_process() {
+  kill "$1" 2>/dev/null || true
+  wait "$1"
+}

@@ -1,0 +1,95 @@
+#include "host/Options.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using Host::Options;
+using Host::ParsedOptions;
+using Host::ParseOptions;
+
+TEST(HostOptions, ModuleAloneTakesTheDefaults) {
+  const ParsedOptions parsed = ParseOptions({"SNMPd.so"});
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.options.module, "SNMPd.so");
+  EXPECT_EQ(parsed.options.listen, "udp:127.0.0.1:1161");
+  EXPECT_EQ(parsed.options.community, "public");
+  EXPECT_TRUE(parsed.options.trapSinks.empty());
+  EXPECT_EQ(parsed.options.agentxSocket, "");
+  EXPECT_EQ(parsed.options.user, "");
+}
+
+TEST(HostOptions, EveryOptionIsTaken) {
+  const Options options =
+      ParseOptions({"--listen", "udp:1.2.3.4:5", "--community", "c", "--trap-sink", "a:1",
+                    "--trap-sink", "b:2", "--agentx", "/s", "--user", "fred:secret:secret", "m"})
+          .options;
+  EXPECT_EQ(options.listen, "udp:1.2.3.4:5");
+  EXPECT_EQ(options.community, "c");
+  EXPECT_EQ(options.trapSinks, (std::vector<std::string>{"a:1", "b:2"}));
+  EXPECT_EQ(options.agentxSocket, "/s");
+  EXPECT_EQ(options.user, "fred");
+  EXPECT_EQ(options.passPhrase, "secret:secret");
+  EXPECT_EQ(options.module, "m");
+}
+
+TEST(HostOptions, HelpAndVersionNeedNoModule) {
+  EXPECT_TRUE(ParseOptions({"--help"}).options.help);
+  EXPECT_EQ(ParseOptions({"--help"}).error, "");
+  EXPECT_TRUE(ParseOptions({"--version"}).options.version);
+  EXPECT_EQ(ParseOptions({"--version"}).error, "");
+}
+
+struct BadCommandLine {
+  const char* name;
+  std::vector<std::string> arguments;
+  const char* error;
+};
+
+class HostOptionsRefused : public testing::TestWithParam<BadCommandLine> {};
+
+TEST_P(HostOptionsRefused, WithTheArgumentNamed) {
+  EXPECT_EQ(ParseOptions(GetParam().arguments).error, GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, HostOptionsRefused,
+    testing::Values(
+        BadCommandLine{"NoModule", {}, "which module? Name SNMPd.so or SNMPd.dll"},
+        BadCommandLine{"TwoModules", {"a", "b"}, "one module only: 'a' or 'b'?"},
+        BadCommandLine{"EmptyModule", {""}, "the module's path is empty"},
+        BadCommandLine{"UnknownOption", {"--port", "1", "m"}, "unknown option '--port'"},
+        BadCommandLine{"MissingValue", {"m", "--listen"}, "--listen needs a value"},
+        BadCommandLine{
+            "EmptyValue", {"m", "--listen", ""}, "--listen takes a value that is not empty"},
+        BadCommandLine{"CommunityOfTwoWords",
+                       {"m", "--community", "a b"},
+                       "--community takes no blanks, quotes, '#' or '\\'"},
+        BadCommandLine{
+            "UserWithoutPassPhrase", {"m", "--user", "fred"}, "--user takes NAME:PASSPHRASE"},
+        BadCommandLine{
+            "UserWithoutName", {"m", "--user", ":secretsecret"}, "--user takes NAME:PASSPHRASE"},
+        BadCommandLine{"UserWithABlank",
+                       {"m", "--user", "fr ed:secretsecret"},
+                       "--user takes no blanks, quotes, '#' or '\\'"},
+        BadCommandLine{"SevenCharactersOfPassPhrase",
+                       {"m", "--user", "fred:1234567"},
+                       "--user takes a pass phrase of at least 8 characters"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(HostOptions, EightCharactersOfPassPhraseAreEnough) {
+  EXPECT_EQ(ParseOptions({"m", "--user", "fred:12345678"}).error, "");
+}
+
+TEST(HostOptions, HelpNamesEveryOption) {
+  const std::string help = Host::HelpText();
+  for (const char* option : {"--listen", "--community", "--user", "--trap-sink", "--agentx",
+                             "--help", "--version", "MODULE"}) {
+    EXPECT_NE(help.find(option), std::string::npos) << option;
+  }
+}
+
+}  // namespace
