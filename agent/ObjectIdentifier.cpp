@@ -1,0 +1,77 @@
+#include "agent/ObjectIdentifier.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace Agent {
+
+namespace {
+
+// The utility functions take their arguments by pointer to non-const although
+// they only read them.
+AsnObjectIdentifier* Argument(const AsnObjectIdentifier& name) noexcept {
+  return const_cast<AsnObjectIdentifier*>(&name);
+}
+
+void AppendDotted(std::string& text, const AsnObjectIdentifier& name) {
+  char digits[10];  // 4294967295
+  for (UINT i = 0; i < name.idLength; ++i) {
+    if (i > 0) text.push_back('.');
+    const auto end = std::to_chars(digits, digits + sizeof digits, name.ids[i]).ptr;
+    text.append(digits, end);
+  }
+}
+
+}  // namespace
+
+ObjectIdentifier::~ObjectIdentifier() {
+  Clear();
+}
+
+void ObjectIdentifier::Clear() noexcept {
+  if (m_name.ids != nullptr) SnmpUtilOidFree(&m_name);
+  m_name = {0, nullptr};
+}
+
+bool ObjectIdentifier::Join(std::initializer_list<AsnObjectIdentifier> parts) {
+  Clear();
+  for (const AsnObjectIdentifier& part : parts) {
+    if (part.idLength == 0) continue;
+    const auto add = m_name.ids == nullptr ? &SnmpUtilOidCpy : &SnmpUtilOidAppend;
+    if (add(&m_name, Argument(part)) == SNMPAPI_ERROR) return false;
+  }
+  return true;
+}
+
+void ObjectIdentifier::MoveInto(AsnObjectIdentifier& name) noexcept {
+  if (name.ids != nullptr) SnmpUtilOidFree(&name);
+  name = m_name;
+  m_name = {0, nullptr};
+}
+
+AsnObjectIdentifier Lend(std::span<const UINT> ids) noexcept {
+  return {static_cast<UINT>(ids.size()), const_cast<UINT*>(ids.data())};
+}
+
+int CompareLeading(const AsnObjectIdentifier& key, const AsnObjectIdentifier& name) noexcept {
+  const UINT common = std::min(key.idLength, name.idLength);
+  const int order = common == 0 ? 0 : SnmpUtilOidNCmp(Argument(key), Argument(name), common);
+  if (order != 0) return order;
+  return name.idLength < key.idLength ? 1 : 0;
+}
+
+std::string DottedText(const AsnObjectIdentifier& name) {
+  std::string text;
+  text.reserve(std::size_t{name.idLength} * 4);
+  AppendDotted(text, name);
+  return text;
+}
+
+std::string DottedText(const AsnObjectIdentifier& prefix, const AsnObjectIdentifier& suffix) {
+  std::string text = DottedText(prefix);
+  text.push_back('.');
+  AppendDotted(text, suffix);
+  return text;
+}
+
+}  // namespace Agent

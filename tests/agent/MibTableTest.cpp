@@ -1,0 +1,238 @@
+#include "agent/MibTable.h"
+
+#include <cstring>
+
+#include "agent/ObjectIdentifier.h"
+#include "tests/agent/AgentFixture.h"
+#include "tests/agent/AllocationFault.h"
+
+namespace Agent::Tests {
+
+namespace {
+
+constexpr UINT kFirstSuffix[] = {1, 0};
+constexpr UINT kSecondSuffix[] = {2, 0};
+constexpr UINT kOtherSuffix[] = {1, 5, 7};
+
+using MibTableTest = EmptyAgentTest;
+using StartSetTest = AgentTest;
+
+std::string NamesInOrder(const MibTable& table) {
+  std::string names;
+  for (auto* node = table.Ordered().Head(); node != nullptr; node = node->m_next)
+    names += (names.empty() ? "" : " ") + node->m_entry->m_name;
+  return names;
+}
+
+TEST_F(MibTableTest, DumpOfTheStartSetHasEightLinesFromTheLastVariableToTheFirst) {
+  RegisterVariables(agent.Variables());
+  const std::vector<std::string> expected{
+      "Info: MIB TABLE 'AudioSourcesSilence':INT = " + FullName("P.2.4") + "\n",
+      "Info: MIB TABLE 'AudioSourcesErrors':INT = " + FullName("P.2.3") + "\n",
+      "Info: MIB TABLE 'AudioSourcesCount':INT = " + FullName("P.2.2") + "\n",
+      "Info: MIB TABLE 'StreamsErrors':INT = " + FullName("P.2.1") + "\n",
+      "Info: MIB TABLE 'StreamsCount':INT = " + FullName("P.2.0") + "\n",
+      "Info: MIB TABLE 'ProductVersion':STRING = " + FullName("P.1.1") + "\n",
+      "Info: MIB TABLE 'ProductName':STRING = " + FullName("P.1.0") + "\n",
+      "Info: MIB TABLE 'LinkStatus':INT = " + FullName("P.0.0") + "\n",
+  };
+  EXPECT_EQ(log.Lines(), expected);
+}
+
+TEST_F(StartSetTest, EveryVariableHasItsTypeCapacityValueAndFollower) {
+  struct Row {
+    const char* name;
+    const char* suffix;
+    BYTE type;
+    std::uint32_t capacity;
+    const char* value;
+    const char* next;
+  };
+  for (const Row& row : {
+           Row{"LinkStatus", "0.0", 2, 0, "INT 1", "ProductName"},
+           Row{"ProductName", "1.0", 4, 128, "STRING 'Corvane'", "ProductVersion"},
+           Row{"ProductVersion", "1.1", 4, 64, "STRING '1.x.x'", "StreamsCount"},
+           Row{"StreamsCount", "2.0", 2, 0, "INT 0", "StreamsErrors"},
+           Row{"StreamsErrors", "2.1", 2, 0, "INT 0", "AudioSourcesCount"},
+           Row{"AudioSourcesCount", "2.2", 2, 0, "INT 0", "AudioSourcesErrors"},
+           Row{"AudioSourcesErrors", "2.3", 2, 0, "INT 0", "AudioSourcesSilence"},
+           Row{"AudioSourcesSilence", "2.4", 2, 0, "INT 0", nullptr},
+       }) {
+    SCOPED_TRACE(row.name);
+    MIB_ENTRY* const entry = agent.Variables().Find(row.name);
+    ASSERT_NE(entry, nullptr);
+    EXPECT_EQ(DottedText(entry->m_oid), row.suffix);
+    EXPECT_EQ(entry->m_type, row.type);
+    EXPECT_EQ(entry->m_capacity, row.capacity);
+    EXPECT_EQ(entry->m_next, row.next == nullptr ? nullptr : agent.Variables().Find(row.next));
+    const std::string name = std::string("P.") + row.suffix;
+    EXPECT_EQ(Get(name), "0 " + name + " = " + row.value);
+  }
+}
+
+TEST_F(StartSetTest, ListIsInTheOrderOfTheObjectIdentifiers) {
+  EXPECT_EQ(NamesInOrder(agent.Variables()),
+            "LinkStatus ProductName ProductVersion StreamsCount StreamsErrors AudioSourcesCount "
+            "AudioSourcesErrors AudioSourcesSilence");
+}
+
+TEST_F(MibTableTest, ListIsOrderedWhateverTheOrderOfRegistration) {
+  MibTable& table = agent.Variables();
+  table.RegisterInt(Lend(kSecondSuffix), "Second", nullptr, 0);
+  table.RegisterInt(Lend(kFirstSuffix), "First", nullptr, 0);
+  table.RegisterInt(Lend(kOtherSuffix), "Between", nullptr, 0);
+  EXPECT_EQ(NamesInOrder(table), "First Between Second");
+}
+
+TEST_F(MibTableTest, NewVariableStandsBeforeOneOfTheSameObjectIdentifier) {
+  MibTable& table = agent.Variables();
+  table.RegisterInt(Lend(kFirstSuffix), "Older", nullptr, 1);
+  table.RegisterInt(Lend(kFirstSuffix), "Newer", nullptr, 2);
+  EXPECT_EQ(NamesInOrder(table), "Newer Older");
+}
+
+TEST_F(MibTableTest, SecondRegistrationOfANameIsRefusedAndTheFirstStays) {
+  MibTable& table = agent.Variables();
+  MIB_ENTRY* const first = table.RegisterInt(Lend(kFirstSuffix), "Twice", nullptr, 1);
+  ASSERT_NE(first, nullptr);
+  log.Clear();
+  EXPECT_EQ(table.RegisterInt(Lend(kSecondSuffix), "Twice", nullptr, 2), nullptr);
+  EXPECT_EQ(table.RegisterString(Lend(kSecondSuffix), "TWICE", nullptr, 8, "x"), nullptr);
+  EXPECT_EQ(table.RegisterSequence(Lend(kSecondSuffix), "twice", nullptr), nullptr);
+  EXPECT_EQ(table.Find("Twice"), first);
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = INT 1");
+  EXPECT_EQ(NamesInOrder(table), "Twice");
+}
+
+TEST_F(MibTableTest, RefusedRegistrationWritesNoDumpLine) {
+  MibTable& table = agent.Variables();
+  table.RegisterInt(Lend(kFirstSuffix), "Twice", nullptr, 1);
+  log.Clear();
+  EXPECT_EQ(table.RegisterInt(Lend(kSecondSuffix), "Twice", nullptr, 2), nullptr);
+  EXPECT_EQ(table.RegisterInt(Lend(kSecondSuffix), "", nullptr, 2), nullptr);
+  EXPECT_TRUE(log.Lines().empty());
+}
+
+TEST_F(MibTableTest, DumpNamesEachType) {
+  MibTable& table = agent.Variables();
+  table.RegisterSequence(Lend(kOtherSuffix), "Rows", nullptr);
+  EXPECT_EQ(LastLine(), "Info: MIB TABLE 'Rows':SEQUENCE = " + FullName("P.1.5.7") + "\n");
+  EXPECT_STREQ(TypeWord(2), "INT");
+  EXPECT_STREQ(TypeWord(4), "STRING");
+  EXPECT_STREQ(TypeWord(48), "SEQUENCE");
+  EXPECT_STREQ(TypeWord(6), "UNKNOWN");
+}
+
+TEST_F(StartSetTest, LookUpFoldsCaseAndTheRegisteredSpellingIsPrinted) {
+  MIB_ENTRY* const entry = agent.Variables().Find("lINKsTATUS");
+  ASSERT_NE(entry, nullptr);
+  EXPECT_EQ(entry->m_name, "LinkStatus");
+  EXPECT_EQ(agent.Variables().Find("Link"), nullptr);
+  EXPECT_EQ(agent.Variables().Find("LinkStatus2"), nullptr);
+}
+
+TEST_F(StartSetTest, TextShorterThanTheCapacityIsStoredWithItsZero) {
+  const std::string text(63, 'v');
+  ASSERT_TRUE(agent.Variables().SetString("ProductVersion", text.c_str()));
+  const char* const cell = agent.Variables().Find("ProductVersion")->m_text;
+  EXPECT_EQ(std::memcmp(cell, text.c_str(), 64), 0);
+  EXPECT_EQ(Get("P.1.1"), "0 P.1.1 = STRING '" + text + "'");
+}
+
+TEST_F(StartSetTest, TextOfTheCapacityOrMoreFillsTheCellAndLeavesNoZero) {
+  for (const std::size_t length : {64u, 65u, 500u}) {
+    const std::string text(length, 'v');
+    ASSERT_TRUE(agent.Variables().SetString("ProductVersion", text.c_str())) << length;
+    const char* const cell = agent.Variables().Find("ProductVersion")->m_text;
+    EXPECT_EQ(std::memchr(cell, '\0', 64), nullptr) << length;
+  }
+}
+
+TEST_F(StartSetTest, FullTextIsAnsweredAndLoggedWholeAndNotReadPast) {
+  const std::string text(200, 'n');
+  const std::string cut(128, 'n');
+  ASSERT_TRUE(agent.Variables().SetString("ProductName", text.c_str()));
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING '" + cut + "'");
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(ProductName) = STRING[128]: '" + cut + "'\n");
+}
+
+TEST_F(StartSetTest, ShorterTextAfterAFullOneEndsAtItsZero) {
+  ASSERT_TRUE(agent.Variables().SetString("ProductName", std::string(200, 'n').c_str()));
+  ASSERT_TRUE(agent.Variables().SetString("ProductName", "short"));
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING 'short'");
+}
+
+TEST_F(MibTableTest, InitialTextIsCutAtTheCapacity) {
+  agent.Variables().RegisterString(Lend(kFirstSuffix), "Text", nullptr, 4, "abcdef");
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING 'abcd'");
+}
+
+TEST_F(MibTableTest, TextWithoutRoomIsAlwaysEmpty) {
+  agent.Variables().RegisterString(Lend(kFirstSuffix), "Text", nullptr, 0, "abc");
+  EXPECT_TRUE(agent.Variables().SetString("Text", "abc"));
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING ''");
+}
+
+TEST_F(StartSetTest, SettingAnUnknownNameOrAnotherTypeChangesNothing) {
+  MibTable& table = agent.Variables();
+  EXPECT_FALSE(table.SetString("Nobody", "x"));
+  EXPECT_FALSE(table.SetString("LinkStatus", "x"));
+  EXPECT_FALSE(table.SetInt("Nobody", 5));
+  EXPECT_FALSE(table.SetInt("ProductName", 5));
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+  EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING 'Corvane'");
+}
+
+TEST_F(StartSetTest, NumberIsWrittenInPlace) {
+  EXPECT_TRUE(agent.Variables().SetInt("streamscount", -7));
+  EXPECT_EQ(Get("P.2.0"), "0 P.2.0 = INT -7");
+}
+
+TEST_F(MibTableTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehind) {
+  MibTable& table = agent.Variables();
+  const auto before = HeldBlocks();
+  {
+    const FailingAllocations failing(1);  // the entry itself may be had
+    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
+  }
+  {
+    const FailingAllocations failing(1);
+    EXPECT_EQ(table.RegisterString(Lend(kFirstSuffix), "Text", nullptr, 64, "x"), nullptr);
+  }
+  {
+    const FailingAllocations failing(2);  // entry and value, not its place in the list
+    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
+  }
+  EXPECT_EQ(HeldBlocks(), before);
+  EXPECT_EQ(table.Find("Number"), nullptr);
+  EXPECT_EQ(table.Find("Text"), nullptr);
+  EXPECT_EQ(table.Ordered().Head(), nullptr);
+}
+
+TEST_F(MibTableTest, FailedRegistrationLeavesThePreviousVariableWithoutFollower) {
+  MibTable& table = agent.Variables();
+  MIB_ENTRY* const none = table.RegisterInt(Lend(kSecondSuffix), "", nullptr, 0);
+  MIB_ENTRY* const first = table.RegisterInt(Lend(kFirstSuffix), "First", none, 0);
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(first->m_next, nullptr);
+}
+
+TEST_F(MibTableTest, RowsAreAddedReplacedAndCleared) {
+  MIB_ENTRY* const rows = agent.Variables().RegisterSequence(Lend(kFirstSuffix), "Rows", nullptr);
+  ASSERT_NE(rows, nullptr);
+  EXPECT_EQ(MibTable::RowCount(*rows), 0u);
+  MibTable::AddRow(*rows, "a", "b");
+  MibTable::AddRow(*rows, "c", "d");
+  EXPECT_EQ(MibTable::RowCount(*rows), 2u);
+  EXPECT_TRUE(MibTable::SetRow(*rows, 2, "e", "f"));
+  EXPECT_FALSE(MibTable::SetRow(*rows, 0, "x", "y"));
+  EXPECT_FALSE(MibTable::SetRow(*rows, 3, "x", "y"));
+  EXPECT_EQ(Get("P.1.0.1.1.1"), "0 P.1.0.1.1.1 = STRING 'a'");
+  EXPECT_EQ(Get("P.1.0.1.2.2"), "0 P.1.0.1.2.2 = STRING 'f'");
+  MibTable::ClearRows(*rows);
+  EXPECT_EQ(MibTable::RowCount(*rows), 0u);
+}
+
+}  // namespace
+
+}  // namespace Agent::Tests
