@@ -1,0 +1,208 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "messages/Codec.h"
+#include "messages/KeyedList.h"
+
+namespace Messages::Tests {
+
+// A record with everything that rows can describe, in the shape of the
+// protocol's program messages: a keyed list whose elements hold a record with a
+// union; the union's alternatives hold a list and a further union.
+struct CreateProgramMP3 {
+  struct streams {
+    struct Stream {
+      struct MP3 {
+        std::int32_t m_encodebitratekbps = 0;
+        std::int32_t m_encodechannels = 0;
+      };
+      struct AAC {
+        struct codecs {
+          std::int32_t m_encodebitratekbps = 0;
+          std::int32_t m_encodechannels = 0;
+        };
+        struct options {
+          static constexpr std::uint32_t kLowDelay = 0;
+          static constexpr std::uint32_t kQuality = 1;
+          static constexpr std::uint32_t kEmpty = 2;
+
+          std::uint32_t m_tag = kEmpty;
+
+          ~options();
+        };
+
+        options m_options;  // before the list, which so goes first
+        KeyedList<codecs> m_codecs;
+      };
+      struct instance {
+        static constexpr std::uint32_t kMP3 = 0;
+        static constexpr std::uint32_t kAAC = 1;
+        static constexpr std::uint32_t kEmpty = 2;
+
+        std::uint32_t m_tag = kEmpty;
+        union {
+          MP3 m_MP3;
+          AAC m_AAC;
+        };
+
+        instance() {}
+        ~instance();
+        instance(const instance&) = delete;
+        instance& operator=(const instance&) = delete;
+      };
+
+      char m_name[9] = "";
+      instance m_instance;
+    };
+
+    Stream m_Stream;
+  };
+
+  double m_inputgainl = 0.0;
+  std::int32_t m_fade_duration = 0;
+  KeyedList<streams> m_streams;
+};
+
+// What a program says of its own: everything that can be written.
+struct ProgramSummary {
+  struct Level {
+    std::int32_t m_peak = 0;
+  };
+  struct state {
+    static constexpr std::uint32_t kStopped = 0;
+    static constexpr std::uint32_t kPlaying = 1;
+    static constexpr std::uint32_t kEmpty = 2;
+
+    std::uint32_t m_tag = kEmpty;
+    union {
+      Level m_Playing{};
+    };
+  };
+
+  char m_Title[17] = "";
+  std::int32_t m_Count = 0;
+  Level m_Level;
+  state m_state;
+};
+
+}  // namespace Messages::Tests
+
+namespace Messages {
+
+using Program = Tests::CreateProgramMP3;
+using ProgramStream = Program::streams::Stream;
+
+template <>
+struct Description<ProgramStream::MP3> {
+  static constexpr char kDecoder[] = "DecodeStruct_MP3";
+  static constexpr Field kRows[] = {
+      Integer<&ProgramStream::MP3::m_encodebitratekbps>("encodebitratekbps", Between(8, 320)),
+      Integer<&ProgramStream::MP3::m_encodechannels>("encodechannels", Between(1, 2)),
+  };
+};
+
+template <>
+struct Description<ProgramStream::AAC::codecs> {
+  static constexpr char kDecoder[] = "DecodeDict_codecs";
+  static constexpr Field kRows[] = {
+      Integer<&ProgramStream::AAC::codecs::m_encodebitratekbps>("encodebitratekbps",
+                                                                Between(8, 320)),
+      Integer<&ProgramStream::AAC::codecs::m_encodechannels>("encodechannels", Between(1, 2)),
+  };
+};
+
+template <>
+struct Description<ProgramStream::AAC::options> {
+  static constexpr char kPath[] = "CreateProgramMP3::streams::Stream::instance::AAC::options";
+  static constexpr Alternative kAlternatives[] = {FieldLess("LowDelay"), FieldLess("Quality")};
+};
+
+template <>
+struct Description<ProgramStream::AAC> {
+  static constexpr char kDecoder[] = "DecodeStruct_AAC";
+  static constexpr Field kRows[] = {
+      List<&ProgramStream::AAC::m_codecs>("codecs"),
+      Union<&ProgramStream::AAC::m_options>(),
+  };
+};
+
+template <>
+struct Description<ProgramStream::instance> {
+  static constexpr char kPath[] = "CreateProgramMP3::streams::Stream::instance";
+  static constexpr Alternative kAlternatives[] = {
+      Carrying<&ProgramStream::instance::m_MP3>("MP3"),
+      Carrying<&ProgramStream::instance::m_AAC>("AAC"),
+  };
+};
+
+template <>
+struct Description<ProgramStream> {
+  static constexpr char kDecoder[] = "DecodeStruct_Stream";
+  static constexpr Field kRows[] = {
+      Text<&ProgramStream::m_name>("name"),
+      Union<&ProgramStream::m_instance>(),
+  };
+};
+
+template <>
+struct Description<Program::streams> {
+  static constexpr char kDecoder[] = "DecodeDict_streams";
+  static constexpr Field kRows[] = {SubRecord<&Program::streams::m_Stream>("Stream")};
+};
+
+template <>
+struct Description<Program> {
+  static constexpr char kDecoder[] = "DecodeStruct_CreateProgramMP3";
+  static constexpr Field kRows[] = {
+      Real<&Program::m_inputgainl>("inputgainl"),
+      Integer<&Program::m_fade_duration>("fade_duration", AtLeast(0)),
+      List<&Program::m_streams>("streams"),
+  };
+};
+
+template <>
+struct Description<Tests::ProgramSummary::Level> {
+  static constexpr char kDecoder[] = "DecodeStruct_Level";
+  static constexpr Field kRows[] = {Integer<&Tests::ProgramSummary::Level::m_peak>("Peak")};
+};
+
+template <>
+struct Description<Tests::ProgramSummary::state> {
+  static constexpr char kPath[] = "ProgramSummary::state";
+  static constexpr Alternative kAlternatives[] = {
+      FieldLess("Stopped"),
+      Carrying<&Tests::ProgramSummary::state::m_Playing>("Playing"),
+  };
+};
+
+template <>
+struct Description<Tests::ProgramSummary> {
+  static constexpr char kDecoder[] = "DecodeStruct_ProgramSummary";
+  static constexpr Field kRows[] = {
+      Text<&Tests::ProgramSummary::m_Title>("Title"),
+      Integer<&Tests::ProgramSummary::m_Count>("Count"),
+      SubRecord<&Tests::ProgramSummary::m_Level>("Level"),
+      Union<&Tests::ProgramSummary::m_state>(),
+  };
+};
+
+inline void DestroyUnion_options(ProgramStream::AAC::options& choice) {
+  DestroyUnion(kUnionTable<ProgramStream::AAC::options>, &choice);
+}
+inline ProgramStream::AAC::options::~options() { DestroyUnion_options(*this); }
+
+inline void DestroyUnion_instance(ProgramStream::instance& choice) {
+  DestroyUnion(kUnionTable<ProgramStream::instance>, &choice);
+}
+inline ProgramStream::instance::~instance() { DestroyUnion_instance(*this); }
+
+}  // namespace Messages
+
+namespace Messages::Tests {
+
+// Everything of a decoded program on one line.
+std::string Dump(const CreateProgramMP3& program);
+
+}  // namespace Messages::Tests

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "json/JsonObject.h"
+
+namespace Messages::Tests {
+
+// What a test expects of one field, written by hand and not taken from the
+// record's own rows.
+struct ExpectedField {
+  std::string name;
+  unsigned capacity;  // 0: an integer
+  std::string (*value)(const void* record);
+  bool limited = false;  // an integer of 0 to 1024
+};
+
+// One record: its fields in order, whether it is a partial update, and how to
+// decode it (the answer, and every field's value afterwards).
+struct ExpectedRecord {
+  struct Outcome {
+    bool decoded;
+    std::vector<std::string> values;
+  };
+
+  std::string name;
+  bool partial;
+  std::vector<ExpectedField> fields;
+  std::function<Outcome(const Vask::JsonObject& body)> decode;
+};
+
+inline std::ostream& operator<<(std::ostream& out, const ExpectedRecord& record) {
+  return out << record.name;
+}
+
+// Makes an ExpectedRecord of record type R for a decoder of it.
+template <class R>
+ExpectedRecord Expect(const char* name, bool (*decoder)(const Vask::JsonObject&, R&),
+                      std::vector<ExpectedField> fields, bool partial = false) {
+  const auto decode = [fields, decoder](const Vask::JsonObject& body) {
+    R record{};
+    ExpectedRecord::Outcome outcome{decoder(body, record), {}};
+    for (const ExpectedField& field : fields) outcome.values.push_back(field.value(&record));
+    return outcome;
+  };
+  return {name, partial, fields, decode};
+}
+
+// The rows, for record type R.
+#define EXPECT_TEXT(R, field, capacity)                                                   \
+  ExpectedField {                                                                         \
+    #field, capacity,                                                                     \
+        [](const void* record) { return std::string(static_cast<const R*>(record)->m_##field); } \
+  }
+#define EXPECT_INTEGER(R, field)                                              \
+  ExpectedField {                                                             \
+    #field, 0, [](const void* record) {                                       \
+      return std::to_string(static_cast<const R*>(record)->m_##field);        \
+    }                                                                         \
+  }
+#define EXPECT_COUNT(R, field)                                                \
+  ExpectedField {                                                             \
+    #field, 0, [](const void* record) {                                       \
+      return std::to_string(static_cast<const R*>(record)->m_##field);        \
+    }, true                                                                   \
+  }
+
+// Every record of the protocol that has texts and integers only.
+const std::vector<ExpectedRecord>& FlatRecords();
+
+}  // namespace Messages::Tests
