@@ -50,8 +50,8 @@ class Registrar final : public Vask::IOnJsonMessageText,
   void SetErrorSink(Vask::IOnError* sink) noexcept;
   // Null: messages are built and not sent.
   void SetSender(Vask::IOnJsonMessage* sender) noexcept;
-  // The "from" of everything sent from now on; copied. Empty at first. Each
-  // different text is kept for the registrar's lifetime, as senders may read it.
+  // The "from" of everything sent from now on; copied. Empty at first. Every change
+  // keeps its text for the registrar's lifetime, since senders read it without a lock.
   void SetFrom(const char* from);
 
   // Adds the handler at the end of its type's list; a handler that is already

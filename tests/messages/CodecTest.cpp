@@ -27,9 +27,8 @@ class CodecTest : public MessageTest {
 };
 
 TEST_F(CodecTest, WholeRecordIsFilled) {
-  EXPECT_EQ(
-      "true: gain -1.500000 fade 20 a=left MP3(128/2) b=right AAC(x:64/1 y:320/2 options 1)",
-      DecodeProgram(R"({
+  EXPECT_EQ("true: gain -1.500000 fade 20 a=left MP3(128/2) b=right AAC(x:64/1 y:320/2 options 1)",
+            DecodeProgram(R"({
         "inputgainl": -1.5, "fade_duration": 20,
         "streams": {
           "B": {"Stream": {"name": "right", "instance": {"AAC": {
@@ -55,8 +54,7 @@ TEST_F(CodecTest, FieldsAreReadInTheirOrderUpToTheFirstFault) {
 TEST_F(CodecTest, RealTakesIntegralNumbersAndNothingElse) {
   EXPECT_EQ("false: gain 0.000000 fade 0", DecodeProgram(R"({"inputgainl":"2"})"));
   EXPECT_EQ(
-      Texts{
-          "GetFloatProperty: Property 'inputgainl' was expected to be a double (but it is not)"},
+      Texts{"GetFloatProperty: Property 'inputgainl' was expected to be a double (but it is not)"},
       Reports());
 }
 
@@ -159,9 +157,7 @@ TEST_F(CodecTest, ElementWithAFaultDeepInsideIsDropped) {
       {"text too long",
        R"({"Stream":{"name":"123456789"}})",
        {"GetStrProperty: Property 'name' exceeds the max length of 8. It is 9 bytes."}},
-      {"no union",
-       R"({"Stream":{"name":"n"}})",
-       {"GetObjProperty: Property 'instance' not found"}},
+      {"no union", R"({"Stream":{"name":"n"}})", {"GetObjProperty: Property 'instance' not found"}},
       {"union that is no object", R"({"Stream":{"name":"n","instance":7}})", {}},
       {"no alternative", R"({"Stream":{"name":"n","instance":{"WAV":{}}}})", {}},
       {"nested union without alternative",
@@ -192,9 +188,9 @@ TEST_F(CodecTest, FirstAlternativeInTagOrderDecidesAloneEvenWhenItFails) {
 }
 
 TEST_F(CodecTest, AlternativeThatIsNoObjectIsPassedOver) {
-  EXPECT_EQ("true: gain 0.000000 fade 0 s=n AAC(options 0)",
-            DecodeInstance(
-                R"({"MP3":null,"aac":{"codecs":{},"options":{"LowDelay":{},"Quality":{}}}})"));
+  EXPECT_EQ(
+      "true: gain 0.000000 fade 0 s=n AAC(options 0)",
+      DecodeInstance(R"({"MP3":null,"aac":{"codecs":{},"options":{"LowDelay":{},"Quality":{}}}})"));
   EXPECT_EQ(Texts{}, Reports());
 }
 
@@ -211,10 +207,10 @@ TEST_F(CodecTest, KeysOfElementsAreFoldedAndInDictionaryOrder) {
   CreateProgramMP3 program;
   const std::string stream =
       R"({"Stream":{"name":"n","instance":{"MP3":{"encodebitratekbps":8,"encodechannels":1}}}})";
-  ASSERT_TRUE(Decode(*ParseObject(R"({"inputgainl":0,"fade_duration":0,"streams":{"b":)" + stream +
-                                  R"(,"A":)" + stream + R"(,"\u00e9":)" + stream + R"(,"ab":)" +
-                                  stream + "}}"),
-                     program));
+  ASSERT_TRUE(Decode(
+      *ParseObject(R"({"inputgainl":0,"fade_duration":0,"streams":{"b":)" + stream + R"(,"A":)" +
+                   stream + R"(,"\u00e9":)" + stream + R"(,"ab":)" + stream + "}}"),
+      program));
   Texts keys;
   for (const auto& element : Elements(program.m_streams)) keys.push_back(element.first);
   EXPECT_EQ((Texts{"\xC3\xA9", "a", "ab", "b"}), keys);
@@ -222,10 +218,10 @@ TEST_F(CodecTest, KeysOfElementsAreFoldedAndInDictionaryOrder) {
 
 TEST_F(CodecTest, DestroyingAUnionDestroysWhatItsAlternativeOwns) {
   ProgramStream stream;
-  ASSERT_TRUE(Decode(
-      *ParseObject(R"({"name":"n","instance":{"AAC":{"options":{"Quality":{}},"codecs":{
+  ASSERT_TRUE(
+      Decode(*ParseObject(R"({"name":"n","instance":{"AAC":{"options":{"Quality":{}},"codecs":{
           "c":{"encodebitratekbps":8,"encodechannels":1}}}}})"),
-      stream));
+             stream));
   DestroyUnion_instance(stream.m_instance);  // the address sanitizer sees what is left behind
   EXPECT_EQ(ProgramStream::instance::kEmpty, stream.m_instance.m_tag);
   EXPECT_EQ(Texts{}, Reports());
@@ -295,9 +291,8 @@ TEST_F(CodecTest, RecordIsEncodedMemberByMember) {
   summary.m_state.m_Playing.m_peak = 9;
   const Vask::JsonRef<Vask::JsonObject> object(Encode(summary));
   ASSERT_TRUE(object);
-  EXPECT_EQ(
-      R"({"count":-3,"level":{"peak":7},"state":{"playing":{"peak":9}},"title":"Morning"})",
-      Compact(*object));
+  EXPECT_EQ(R"({"count":-3,"level":{"peak":7},"state":{"playing":{"peak":9}},"title":"Morning"})",
+            Compact(*object));
   EXPECT_EQ(1, object->RefCount());
 }
 
@@ -316,8 +311,9 @@ TEST_F(CodecTest, EncodedRecordDecodesToTheSame) {
 TEST_F(CodecTest, RecordWithAnEmptyUnionCannotBeEncoded) {
   const ProgramSummary summary;
   EXPECT_EQ(nullptr, Encode(summary));
-  EXPECT_EQ(Texts{"EncodeUnion_state: Union tag not understood for 'ProgramSummary::state' (tag=2)"},
-            Reports());
+  EXPECT_EQ(
+      Texts{"EncodeUnion_state: Union tag not understood for 'ProgramSummary::state' (tag=2)"},
+      Reports());
 }
 
 }  // namespace

@@ -54,8 +54,7 @@ TEST_F(KeyedListsTest, SequenceHoldsItsEntriesByKey) {
 }
 
 TEST_F(KeyedListsTest, EntryWithAFaultIsLeftOut) {
-  EXPECT_EQ("true t b=x|y",
-            Sequence(R"({"sequenceType": "t", "entries": {
+  EXPECT_EQ("true t b=x|y", Sequence(R"({"sequenceType": "t", "entries": {
                 "a": {"friendlyName": "Main"},
                 "b": {"friendlyName": "x", "errorDescription": "y"},
                 "c": {"errorDescription": "y"}}})"));
@@ -98,8 +97,7 @@ TEST_F(KeyedListsTest, SequenceNeedsItsTypeBeforeItsEntries) {
 }
 
 TEST_F(KeyedListsTest, EntryThatIsNoObjectFailsTheSequence) {
-  EXPECT_EQ("false t a=x|y",
-            Sequence(R"({"sequenceType": "t", "entries": {
+  EXPECT_EQ("false t a=x|y", Sequence(R"({"sequenceType": "t", "entries": {
                 "a": {"friendlyName": "x", "errorDescription": "y"},
                 "b": 7,
                 "c": {"friendlyName": "x", "errorDescription": "y"}}})"));
@@ -129,8 +127,7 @@ TEST_F(KeyedListsTest, MissingProcessesAreReported) {
 }
 
 TEST_F(KeyedListsTest, ExtendedProcessListHoldsPortsAndSwitches) {
-  EXPECT_EQ("true encoder=8000/1/0 monitor=-1/2/3",
-            Processes2(R"({"processes": {
+  EXPECT_EQ("true encoder=8000/1/0 monitor=-1/2/3", Processes2(R"({"processes": {
                 "encoder": {"ProcessInfo": {"streamServerPort": 8000, "kelvo9": 1, "kantar": 0}},
                 "Monitor": {"ProcessInfo": {"streamServerPort": -1, "kelvo9": 2, "kantar": 3}}}})"));
   EXPECT_EQ(Texts{}, Reports());
@@ -159,9 +156,8 @@ TEST_F(KeyedListsTest, ProcessWithAFaultIsLeftOutOfTheExtendedList) {
        {"GetIntProperty: Property 'streamServerPort' was expected to be an int (but it is not)"}},
   };
   for (const Row& row : rows) {
-    EXPECT_EQ("true z=1/2/3",
-              Processes2(std::string(R"({"processes": {"a": )") + row.element +
-                         R"(, "z": {"ProcessInfo":
+    EXPECT_EQ("true z=1/2/3", Processes2(std::string(R"({"processes": {"a": )") + row.element +
+                                         R"(, "z": {"ProcessInfo":
                          {"streamServerPort": 1, "kelvo9": 2, "kantar": 3}}}})"))
         << row.name;
     EXPECT_EQ(row.reports, Reports()) << row.name;

@@ -191,12 +191,16 @@ struct Description<Tests::ProgramSummary> {
 inline void DestroyUnion_options(ProgramStream::AAC::options& choice) {
   DestroyUnion(kUnionTable<ProgramStream::AAC::options>, &choice);
 }
-inline ProgramStream::AAC::options::~options() { DestroyUnion_options(*this); }
+inline ProgramStream::AAC::options::~options() {
+  DestroyUnion_options(*this);
+}
 
 inline void DestroyUnion_instance(ProgramStream::instance& choice) {
   DestroyUnion(kUnionTable<ProgramStream::instance>, &choice);
 }
-inline ProgramStream::instance::~instance() { DestroyUnion_instance(*this); }
+inline ProgramStream::instance::~instance() {
+  DestroyUnion_instance(*this);
+}
 
 }  // namespace Messages
 

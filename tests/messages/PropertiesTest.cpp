@@ -117,9 +117,8 @@ TEST_F(PropertiesTest, OtherKindsThanIntegersAreReportedEvenWhenOptional) {
     const std::string object = std::string(R"({"Count":)") + value + "}";
     for (const bool optional : {false, true}) {
       EXPECT_EQ("false 0", ReadInt(object.c_str(), optional)) << object;
-      EXPECT_EQ(
-          Texts{"GetIntProperty: Property 'Count' was expected to be an int (but it is not)"},
-          Reports())
+      EXPECT_EQ(Texts{"GetIntProperty: Property 'Count' was expected to be an int (but it is not)"},
+                Reports())
           << object;
     }
   }

@@ -51,22 +51,22 @@ ExpectedRecord Expect(const char* name, bool (*decoder)(const Vask::JsonObject&,
 }
 
 // The rows, for record type R.
-#define EXPECT_TEXT(R, field, capacity)                                                   \
-  ExpectedField {                                                                         \
-    #field, capacity,                                                                     \
+#define EXPECT_TEXT(R, field, capacity)                                                          \
+  ExpectedField {                                                                                \
+#field, capacity,                                                                            \
         [](const void* record) { return std::string(static_cast<const R*>(record)->m_##field); } \
   }
-#define EXPECT_INTEGER(R, field)                                              \
-  ExpectedField {                                                             \
-    #field, 0, [](const void* record) {                                       \
-      return std::to_string(static_cast<const R*>(record)->m_##field);        \
-    }                                                                         \
+#define EXPECT_INTEGER(R, field)                                                            \
+  ExpectedField {                                                                           \
+#field, 0,                                                                              \
+        [](const void*                                                                      \
+               record) { return std::to_string(static_cast<const R*>(record)->m_##field); } \
   }
-#define EXPECT_COUNT(R, field)                                                \
-  ExpectedField {                                                             \
-    #field, 0, [](const void* record) {                                       \
-      return std::to_string(static_cast<const R*>(record)->m_##field);        \
-    }, true                                                                   \
+#define EXPECT_COUNT(R, field)                                                                    \
+  ExpectedField {                                                                                 \
+#field, 0,                                                                                    \
+        [](const void*                                                                            \
+               record) { return std::to_string(static_cast<const R*>(record)->m_##field); }, true \
   }
 
 // Every record of the protocol that has texts and integers only.

@@ -65,7 +65,8 @@ TEST_F(SNMPmessageTest, EveryAlternativeHasItsTagAndFields) {
 }
 
 TEST_F(SNMPmessageTest, CountsAtTheirBoundsDecodeAndOneBeyondIsRefused) {
-  EXPECT_EQ("true 1 1024 0", Decoded(R"({"messageType": {"Streams": {"Count": 1024, "Errors": 0}}})"));
+  EXPECT_EQ("true 1 1024 0",
+            Decoded(R"({"messageType": {"Streams": {"Count": 1024, "Errors": 0}}})"));
   EXPECT_EQ(Texts{}, Reports());
   EXPECT_EQ("false 4", Decoded(R"({"messageType": {"Streams": {"Count": 1025, "Errors": 0}}})"));
   EXPECT_EQ(Texts{"DecodeStruct_Streams: m_Count expected to be less than 1024. It is 1025."},
@@ -80,9 +81,8 @@ TEST_F(SNMPmessageTest, CountsAtTheirBoundsDecodeAndOneBeyondIsRefused) {
       Reports());
   EXPECT_EQ("false 4", Decoded(R"({"messageType": {"StreamMonitors":
                                    {"Count": 1, "Errors": -9, "Silence": 1}}})"));
-  EXPECT_EQ(
-      Texts{"DecodeStruct_StreamMonitors: m_Errors expected to be greater than 0. It is -9."},
-      Reports());
+  EXPECT_EQ(Texts{"DecodeStruct_StreamMonitors: m_Errors expected to be greater than 0. It is -9."},
+            Reports());
 }
 
 TEST_F(SNMPmessageTest, RangeIsCheckedBeforeTheNextFieldIsRead) {
@@ -101,9 +101,8 @@ TEST_F(SNMPmessageTest, NumbersWithADecimalPointAndTextsAreNoCounts) {
     EXPECT_EQ("false 4", Decoded(R"({"messageType": {"Streams": {"Count": )" + std::string(count) +
                                  R"(, "Errors": 0}}})"))
         << count;
-    EXPECT_EQ(
-        Texts{"GetIntProperty: Property 'Count' was expected to be an int (but it is not)"},
-        Reports())
+    EXPECT_EQ(Texts{"GetIntProperty: Property 'Count' was expected to be an int (but it is not)"},
+              Reports())
         << count;
   }
 }
@@ -167,7 +166,10 @@ TEST_F(SNMPmessageTest, DestructorUnderstandsEveryTagUpToTheEmptyOne) {
 }
 
 TEST_F(SNMPmessageTest, DestructorReportsAnyOtherTag) {
-  { SNMPmessage message; message.m_messageType.m_tag = 5; }
+  {
+    SNMPmessage message;
+    message.m_messageType.m_tag = 5;
+  }
   EXPECT_EQ(Texts{"DestroyUnion_messageType: Union tag not understood for "
                   "'SNMPmessage::messageType' (tag=5)"},
             Reports());

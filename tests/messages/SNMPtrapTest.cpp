@@ -113,7 +113,10 @@ TEST_F(SNMPtrapTest, DestroyUnderstandsEveryTagUpToTheEmptyOne) {
 }
 
 TEST_F(SNMPtrapTest, DestructorReportsAnyOtherTag) {
-  { SNMPtrap trap; trap.m_trapType.m_tag = 16; }
+  {
+    SNMPtrap trap;
+    trap.m_trapType.m_tag = 16;
+  }
   EXPECT_EQ(Texts{"DestroyUnion_trapType: Union tag not understood for 'SNMPtrap::trapType' "
                   "(tag=16)"},
             Reports());

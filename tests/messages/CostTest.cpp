@@ -1,0 +1,72 @@
+#include "messages/SNMPmessage.h"
+#include "tests/messages/MessageTest.h"
+#include "tests/support/AllocationCounter.h"
+
+namespace Messages::Tests {
+namespace {
+
+int s_handled = 0;
+void Count(const SNMPmessage&, std::int32_t, void*) {
+  ++s_handled;
+}
+void CountFinished(const SNMPupdateFinished&, std::int32_t, void*) {
+  ++s_handled;
+}
+
+// What a frame costs beyond time: allocations, which do not depend on the
+// machine.
+class CostTest : public MessageTest {
+ protected:
+  // Allocations of one call, after a first one that builds whatever stays.
+  template <class Call>
+  static std::uint64_t AllocationsOf(Call call) {
+    call();
+    const std::uint64_t before = Vask::Tests::Allocations();
+    call();
+    return Vask::Tests::Allocations() - before;
+  }
+};
+
+TEST_F(CostTest, FrameOfTheUpdateTakesAtMostSixteenAllocations) {
+  registrar.Subscribe<SNMPmessage>(Count);
+  registrar.Subscribe<SNMPupdateFinished>(CountFinished);
+  for (
+      const char* frame : {
+          R"({"name":"SNMPmessage","data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"id":0})",
+          R"({"name":"SNMPmessage","data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"id":0})",
+          R"({"name":"SNMPmessage","data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"id":0})",
+          R"({"name":"SNMPmessage","data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"id":0})",
+          R"({"name":"SNMPupdateFinished","data":{},"id":0})",
+      }) {
+    s_handled = 0;
+    EXPECT_LE(AllocationsOf([&] { EXPECT_TRUE(registrar.OnJsonMessageText(frame)); }), 16u)
+        << frame;
+    EXPECT_EQ(2, s_handled) << frame;
+  }
+  registrar.Unsubscribe<SNMPmessage>(Count);
+  registrar.Unsubscribe<SNMPupdateFinished>(CountFinished);
+}
+
+TEST_F(CostTest, MatchingAndSkippingAllocatesNothingAfterTheParse) {
+  for (const char* name : {"Confirmation", "SNMPsequence", "SetNtpConfiguration", "Unheard-of"}) {
+    const auto root = ParseObject(R"({"name":")" + std::string(name) + R"(","data":{},"id":1})");
+    EXPECT_EQ(0u, AllocationsOf([&] { EXPECT_TRUE(registrar.OnJsonMessage(root.Get())); })) << name;
+  }
+}
+
+TEST_F(CostTest, DecodingAndDispatchAllocateNothingForTheUpdatesMessages) {
+  registrar.Subscribe<SNMPmessage>(Count);
+  const auto root = ParseObject(
+      R"({"name":"SNMPmessage","data":{"messageType":{"Streams":{"Count":1,"Errors":1}}}})");
+  EXPECT_EQ(0u, AllocationsOf([&] { EXPECT_TRUE(registrar.OnJsonMessage(root.Get())); }));
+  registrar.Unsubscribe<SNMPmessage>(Count);
+}
+
+TEST_F(CostTest, ReportWithoutASinkIsNotFormatted) {
+  registrar.SetErrorSink(nullptr);
+  const std::string text(5000, 'x');
+  EXPECT_EQ(0u, AllocationsOf([&] { registrar.ReportError("%s", text.c_str()); }));
+}
+
+}  // namespace
+}  // namespace Messages::Tests
