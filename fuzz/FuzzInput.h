@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace Vask::Fuzz {
+
+// Ends the program, so that the fuzzer keeps the input: `what` did not hold.
+#define FUZZ_EXPECT(condition)                                                           \
+  do {                                                                                   \
+    if (!(condition)) {                                                                  \
+      std::fprintf(stderr, "%s:%d: %s does not hold\n", __FILE__, __LINE__, #condition); \
+      std::abort();                                                                      \
+    }                                                                                    \
+  } while (false)
+
+// Takes an input apart from its front. Past the end everything is zero or empty,
+// so every input means something.
+class Input {
+ public:
+  Input(const std::uint8_t* data, std::size_t size) : m_at(data), m_end(data + size) {}
+
+  [[nodiscard]] bool AtEnd() const { return m_at == m_end; }
+
+  std::uint8_t Byte() { return AtEnd() ? std::uint8_t{0} : *m_at++; }
+
+  // Bytes up to the next NUL, which is dropped, or to the end.
+  std::string Text() {
+    std::string text;
+    while (!AtEnd()) {
+      const std::uint8_t byte = *m_at++;
+      if (byte == 0) break;
+      text.push_back(static_cast<char>(byte));
+    }
+    return text;
+  }
+
+  std::string Rest() {
+    std::string text(reinterpret_cast<const char*>(m_at), static_cast<std::size_t>(m_end - m_at));
+    m_at = m_end;
+    return text;
+  }
+
+ private:
+  const std::uint8_t* m_at;
+  const std::uint8_t* m_end;
+};
+
+}  // namespace Vask::Fuzz
+
+// What every target defines, called once for each input; answers 0.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
