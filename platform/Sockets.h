@@ -24,15 +24,18 @@ enum class Disconnection { Done, NotAvailable, Raised };
 // taken together. All operations may be called from any thread.
 class Sockets {
  public:
-  // Starts Windows Sockets 2.2 once per process and answers whether that went
-  // well; true elsewhere.
+  // Starts Windows Sockets 2.2, the first time it is called in the process, and
+  // answers whether that went well; true elsewhere. Opening a socket, looking a
+  // name up and HostName do it by themselves; nothing does while the module
+  // loads. Ended when the module is unloaded.
   virtual bool StartUp() noexcept = 0;
 
   // kInvalidSocket on failure.
   [[nodiscard]] virtual SocketHandle OpenTcp() noexcept = 0;
   [[nodiscard]] virtual SocketHandle OpenUdp() noexcept = 0;
 
-  // Connects in blocking mode; the system's own time-out applies.
+  // Connects in blocking mode; the system's own time-out applies. A Shutdown
+  // from another thread ends it early.
   [[nodiscard]] virtual bool Connect(SocketHandle socket, const SocketAddress& peer) noexcept = 0;
   virtual void SetBlocking(SocketHandle socket) noexcept = 0;
 
@@ -50,10 +53,12 @@ class Sockets {
                                                std::uint32_t timeoutMs) noexcept = 0;
 
   // The graceful end of a connection (DisconnectEx on Windows). NotAvailable
-  // where the extension cannot be loaded, Raised where calling it raised an
+  // where the extension cannot be loaded, Raised where calling it raised a C++
   // exception. Elsewhere a shutdown gives the peer the same orderly end: Done.
   virtual Disconnection Disconnect(SocketHandle socket) noexcept = 0;
-  // Ends both directions; a thread that waits in a call on it returns.
+  // Ends both directions; a thread that waits in a call on it returns. What has
+  // arrived unread is thrown away, so that closing then does not reset the
+  // connection; a peer that goes on sending may still see a reset.
   virtual void Shutdown(SocketHandle socket) noexcept = 0;
   virtual void Close(SocketHandle socket) noexcept = 0;
 

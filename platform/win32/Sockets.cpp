@@ -85,8 +85,8 @@ class WindowsSockets final : public Sockets {
     return g_started;
   }
 
-  SocketHandle OpenTcp() noexcept override { return ::socket(AF_INET, SOCK_STREAM, 0); }
-  SocketHandle OpenUdp() noexcept override { return ::socket(AF_INET, SOCK_DGRAM, 0); }
+  SocketHandle OpenTcp() noexcept override { return Open(SOCK_STREAM); }
+  SocketHandle OpenUdp() noexcept override { return Open(SOCK_DGRAM); }
 
   bool Connect(SocketHandle socket, const SocketAddress& peer) noexcept override {
     return connect(socket, AsSockaddr(peer), sizeof peer) == 0;
@@ -177,6 +177,11 @@ class WindowsSockets final : public Sockets {
 
   bool HostName(char* name, std::size_t capacity) noexcept override {
     return StartUp() && gethostname(name, SizeForInt(capacity)) == 0;
+  }
+
+ private:
+  SocketHandle Open(int type) noexcept {
+    return StartUp() ? ::socket(AF_INET, type, 0) : kInvalidSocket;
   }
 };
 

@@ -1,0 +1,128 @@
+#include "Src/ThreadClass.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "tests/support/RecordingLog.h"
+#include "tests/support/ScriptedThreading.h"
+
+namespace Vask::Tests {
+namespace {
+
+// Runs until it is told to stop, and notes what happened in which order.
+class Worker final : public ThreadClass {
+ public:
+  explicit Worker(Platform::Threading& threading = Platform::SystemThreading())
+      : ThreadClass(threading) {}
+
+  using ThreadClass::HasThread;
+
+  std::vector<std::string> deeds;  // the hooks' and, once stopped, the body's
+  std::thread::id bodyThread;
+  bool runsUntilStopped = true;
+
+ private:
+  void Run() override {
+    if (runsUntilStopped) (void)m_stop.Wait(Platform::kInfinite);
+    bodyThread = std::this_thread::get_id();
+    deeds.push_back("body ends");
+  }
+  void OnStart() override { deeds.push_back("start"); }
+  void OnStop() override {
+    deeds.push_back("stop");
+    m_stop.Set();
+  }
+
+  Platform::Event m_stop{Platform::EventReset::Automatic};
+};
+
+TEST(ThreadClassTest, RunsTheBodyOnAThreadOfItsOwnUntilStopped) {
+  Worker worker;
+  EXPECT_FALSE(worker.HasThread());
+  ASSERT_TRUE(worker.Start());
+  EXPECT_TRUE(worker.HasThread());
+  worker.Stop();
+  EXPECT_FALSE(worker.HasThread());
+  EXPECT_EQ(worker.deeds, (std::vector<std::string>{"start", "stop", "body ends"}));
+  EXPECT_NE(worker.bodyThread, std::this_thread::get_id());
+}
+
+TEST(ThreadClassTest, ASecondStartIsRefusedAndHarmsNothing) {
+  Worker worker;
+  ASSERT_TRUE(worker.Start());
+  EXPECT_FALSE(worker.Start());
+  worker.Stop();
+  EXPECT_EQ(worker.deeds, (std::vector<std::string>{"start", "stop", "body ends"}));
+}
+
+TEST(ThreadClassTest, CanBeStartedAgainAfterStop) {
+  Worker worker;
+  for (int i = 0; i < 20; ++i) {
+    ASSERT_TRUE(worker.Start());
+    worker.Stop();
+  }
+  EXPECT_EQ(worker.deeds.size(), 60u);
+}
+
+TEST(ThreadClassTest, StopWithoutAThreadDoesNothing) {
+  Worker worker;
+  worker.Stop();
+  EXPECT_TRUE(worker.deeds.empty());
+}
+
+TEST(ThreadClassTest, ABodyThatEndedByItselfIsStillJoinedByStop) {
+  ScriptedThreading threading;
+  Worker worker(threading);
+  worker.runsUntilStopped = false;
+  ASSERT_TRUE(worker.Start());
+  EXPECT_TRUE(worker.HasThread());
+  worker.Stop();
+  EXPECT_EQ(threading.joined, 1u);
+  EXPECT_EQ(threading.closedThreads.size(), 1u);
+  EXPECT_EQ(worker.deeds, (std::vector<std::string>{"start", "body ends", "stop"}));
+}
+
+TEST(ThreadClassTest, AThreadThatCannotBeCreatedLeavesNoTask) {
+  ScriptedThreading threading;
+  threading.nextThread = nullptr;
+  Worker worker(threading);
+  EXPECT_FALSE(worker.Start());
+  EXPECT_FALSE(worker.HasThread());
+  EXPECT_EQ(worker.deeds, std::vector<std::string>{"start"});
+  worker.Stop();
+  EXPECT_EQ(threading.joined, 0u);
+}
+
+TEST(ThreadClassTest, WithoutEventsNoThreadIsStarted) {
+  ScriptedThreading threading;
+  threading.createsEvents = false;
+  Worker worker(threading);
+  EXPECT_FALSE(worker.Start());
+  EXPECT_EQ(threading.started, 0u);
+}
+
+TEST(ThreadClassTest, DestroyingOneWithAThreadIsReportedAndGoesOn) {
+  ScriptedThreading threading;
+  RecordingLog log;
+  {
+    Worker worker(threading);
+    worker.runsUntilStopped = false;
+    ASSERT_TRUE(worker.Start());
+  }
+  EXPECT_EQ(log.Lines(),
+            std::vector<std::string>{
+                "Error: +++ ASSERT(m_pTask==0) failed at ..\\..\\Src\\ThreadClass(26)\n"});
+}
+
+TEST(ThreadClassTest, DestroyingAnIdleOneReportsNothing) {
+  RecordingLog log;
+  { Worker worker; }
+  EXPECT_TRUE(log.Lines().empty());
+}
+
+}  // namespace
+}  // namespace Vask::Tests

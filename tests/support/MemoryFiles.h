@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "platform/Files.h"
+
+namespace Vask::Tests {
+
+// A disk in memory that a test arranges and looks at, with faults to switch on.
+// Names are matched as they are written. For one thread at a time.
+class MemoryFiles final : public Platform::Files {
+ public:
+  struct File {
+    std::string bytes;
+    std::int64_t createdAt = -1;
+    std::int64_t writtenAt = -1;
+  };
+
+  std::map<std::string, File> files;  // by full path
+  std::set<std::string> folders;      // without a trailing backslash
+  std::string console;                // what went to the standard output
+  std::string currentFolder = "C:\\current";
+  bool hasConsole = true;
+  bool opensFiles = true;
+  std::vector<std::string> appended;  // each piece, wherever it went
+  std::uint32_t opened = 0;
+  std::uint32_t closed = 0;
+
+  bool IsFolder(const char* path) noexcept override;
+  Platform::DriveKind Drive(const char*) noexcept override { return Platform::DriveKind::Fixed; }
+  bool CreateFolder(const char* path) noexcept override;
+  bool List(const char* pattern, Platform::FileVisitor visit, void* context) noexcept override;
+  bool Delete(const char* path) noexcept override;
+  Platform::FileHandle OpenForAppend(const char* path) noexcept override;
+  bool Append(Platform::FileHandle file, const char* text, std::size_t length) noexcept override;
+  std::uint64_t Length(Platform::FileHandle file) noexcept override;
+  void Close(Platform::FileHandle file) noexcept override;
+  Platform::FileHandle StandardOutput() noexcept override;
+  bool CurrentFolder(char* path, std::size_t capacity) noexcept override;
+  bool CommonApplicationData(char*, std::size_t) noexcept override { return false; }
+
+ private:
+  std::string* Target(Platform::FileHandle file);
+
+  std::map<Platform::FileHandle, std::string> m_open;  // handle to path
+};
+
+}  // namespace Vask::Tests
