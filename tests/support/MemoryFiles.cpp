@@ -34,7 +34,11 @@ bool MemoryFiles::IsFolder(const char* path) noexcept {
 }
 
 bool MemoryFiles::CreateFolder(const char* path) noexcept {
-  return folders.insert(WithoutTrailingBackslash(path)).second;
+  if (refused.contains(path) || !folders.insert(WithoutTrailingBackslash(path)).second) {
+    return false;
+  }
+  created.emplace_back(path);
+  return true;
 }
 
 bool MemoryFiles::List(const char* pattern, Platform::FileVisitor visit, void* context) noexcept {

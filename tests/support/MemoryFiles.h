@@ -22,7 +22,11 @@ class MemoryFiles final : public Platform::Files {
 
   std::map<std::string, File> files;  // by full path
   std::set<std::string> folders;      // without a trailing backslash
-  std::string console;                // what went to the standard output
+  std::vector<std::string> created;   // folders, in the order of their creation
+  std::set<std::string> refused;      // folders that cannot be created
+  Platform::DriveKind drive = Platform::DriveKind::Fixed;
+  std::vector<std::string> rootsAsked;  // each root whose drive was asked for
+  std::string console;                  // what went to the standard output
   std::string currentFolder = "C:\\current";
   bool hasConsole = true;
   bool opensFiles = true;
@@ -31,7 +35,10 @@ class MemoryFiles final : public Platform::Files {
   std::uint32_t closed = 0;
 
   bool IsFolder(const char* path) noexcept override;
-  Platform::DriveKind Drive(const char*) noexcept override { return Platform::DriveKind::Fixed; }
+  Platform::DriveKind Drive(const char* root) noexcept override {
+    rootsAsked.emplace_back(root);
+    return drive;
+  }
   bool CreateFolder(const char* path) noexcept override;
   bool List(const char* pattern, Platform::FileVisitor visit, void* context) noexcept override;
   bool Delete(const char* path) noexcept override;

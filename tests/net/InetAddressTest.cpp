@@ -1,0 +1,110 @@
+#include "net/InetAddress.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/net/AddressRow.h"
+#include "tests/support/FaultySockets.h"
+
+namespace Vask::Tests {
+namespace {
+
+constexpr std::uint32_t kPort = 16969;
+
+std::string Read(FaultySockets& sockets, const std::string& text, std::uint32_t port = kPort) {
+  InetAddress address(sockets);
+  const std::int32_t result = address.Set(text.c_str(), port);
+  if (result == -1) return "";
+  EXPECT_EQ(result, 0);
+  return FaultySockets::Dump(address.Address());
+}
+
+class InetAddressTexts : public testing::TestWithParam<AddressRow> {};
+
+TEST_P(InetAddressTexts, AreReadAsAddressAndPort) {
+  FaultySockets sockets;
+  FillNames(sockets);
+  EXPECT_EQ(Read(sockets, GetParam().text), GetParam().address);
+  EXPECT_EQ(LookedUp(sockets), GetParam().lookedUp);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, InetAddressTexts,
+    testing::Values(
+        AddressRow{"Quad", "127.0.0.1", "127.0.0.1:16969", ""},
+        AddressRow{"QuadWithPort", "127.0.0.1:600", "127.0.0.1:600", ""},
+        AddressRow{"QuadOfHighestParts", "255.255.255.255", "255.255.255.255:16969", ""},
+        AddressRow{"QuadWithLeadingZeros", "0010.000.00.000005", "10.0.0.5:16969", ""},
+        AddressRow{"PortZero", "127.0.0.1:0", "", ""},
+        AddressRow{"PortMissingAfterColon", "127.0.0.1:", "", ""},
+        AddressRow{"PortNotDecimal", "127.0.0.1:http", "", ""},
+        AddressRow{"PortNegative", "127.0.0.1:-80", "", ""},
+        AddressRow{"PortHighest", "127.0.0.1:65535", "127.0.0.1:65535", ""},
+        AddressRow{"PortOneTooHigh", "127.0.0.1:65536", "", ""},
+        AddressRow{"PortWrappingTo80", "127.0.0.1:4294967376", "", ""},
+        AddressRow{"PortOfManyDigits", "127.0.0.1:99999999999999999999999", "", ""},
+        AddressRow{"FirstColonCounts", "127.0.0.1:600:700", "127.0.0.1:600", ""},
+        AddressRow{"Name", "corvane", "192.0.2.1:16969", "corvane"},
+        AddressRow{"NameWithPort", "corvane:80", "192.0.2.1:80", "corvane"},
+        AddressRow{"NameUnknown", "nobody", "", "nobody"}, AddressRow{"NameEmpty", "", "", ""},
+        AddressRow{"NameEmptyBeforeColon", ":80", "", ""},
+        AddressRow{"NameOf79", std::string(79, 'h'), "192.0.2.7:16969", std::string(79, 'h')},
+        AddressRow{"NameOf80", std::string(80, 'h'), "", ""},
+        AddressRow{"AllZeroQuadIsAName", "0.0.0.0:5", "192.0.2.3:5", "0.0.0.0"},
+        AddressRow{"PartOver255IsAName", "10.0.0.256", "192.0.2.4:16969", "10.0.0.256"},
+        AddressRow{"TwoDotsAreAName", "10.0.0", "192.0.2.5:16969", "10.0.0"},
+        AddressRow{"FourDotsAreAName", "10.0.0.5.6", "192.0.2.6:16969", "10.0.0.5.6"},
+        AddressRow{"EmptyPartIsAName", "10..0.5", "", "10..0.5"},
+        AddressRow{"LetterInPartIsAName", "10.0.0.5x", "", "10.0.0.5x"},
+        AddressRow{"LocalhostIsThisMachine", "localhost", "192.0.2.2:16969", "machine"},
+        AddressRow{"LocalhostWithPort", "localhost:600", "192.0.2.2:600", "machine"}),
+    [](const auto& row) { return RowName(row.param); });
+
+TEST(InetAddressTest, PortZeroFromTheCallerFails) {
+  FaultySockets sockets;
+  EXPECT_EQ(Read(sockets, "127.0.0.1", 0), "");
+}
+
+TEST(InetAddressTest, PortOver65535FromTheCallerFails) {
+  FaultySockets sockets;
+  EXPECT_EQ(Read(sockets, "127.0.0.1", 65535), "127.0.0.1:65535");
+  EXPECT_EQ(Read(sockets, "127.0.0.1", 65536), "");
+}
+
+TEST(InetAddressTest, PortInTheTextReplacesOneThatWouldFail) {
+  FaultySockets sockets;
+  EXPECT_EQ(Read(sockets, "127.0.0.1:600", 0), "127.0.0.1:600");
+}
+
+TEST(InetAddressTest, OwnNameIsReadIntoABufferOf257Bytes) {
+  FaultySockets sockets;
+  FillNames(sockets);
+  EXPECT_EQ(Read(sockets, "localhost"), "192.0.2.2:16969");
+  EXPECT_EQ(sockets.calls.front(), "HostName 257");
+}
+
+TEST(InetAddressTest, LocalhostWithoutAnOwnNameFails) {
+  FaultySockets sockets;
+  sockets.hasHostName = false;
+  EXPECT_EQ(Read(sockets, "localhost"), "");
+}
+
+TEST(InetAddressTest, FailureLeavesTheAddressAsItWas) {
+  FaultySockets sockets;
+  InetAddress address(sockets);
+  ASSERT_EQ(address.Set("10.0.0.5", 600), InetAddress::kOk);
+  for (const char* const text : {"nobody", "10.0.0.6:0", "10.0.0.6:65536", ""}) {
+    EXPECT_EQ(address.Set(text, 700), InetAddress::kFailed) << text;
+    EXPECT_EQ(FaultySockets::Dump(address.Address()), "10.0.0.5:600") << text;
+  }
+}
+
+TEST(InetAddressTest, NewAddressIsZeroOfTheInternetFamily) {
+  const InetAddress address;
+  EXPECT_EQ(address.Address().family, 2);
+  EXPECT_EQ(FaultySockets::Dump(address.Address()), "0.0.0.0:0");
+}
+
+}  // namespace
+}  // namespace Vask::Tests

@@ -1,0 +1,149 @@
+#include "net/InetSocket.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "net/InetSocketConnector.h"
+#include "tests/support/FaultySockets.h"
+#include "tests/support/RecordingLog.h"
+
+namespace Vask::Tests {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr char kPeer[] = "127.0.0.1";
+
+class InetSocketTest : public testing::Test {
+ protected:
+  void Connect() {
+    ASSERT_TRUE(socket.Connect(kPeer, 600));
+    sockets.calls.clear();
+  }
+
+  FaultySockets sockets;
+  RecordingLog log;
+  InetSocketConnector socket{sockets};
+};
+
+struct SendRow {
+  const char* name;
+  std::vector<int> results;  // what the system's send answers, call by call
+  bool wouldBlock;
+  std::int32_t sent;
+  std::vector<std::string> calls;
+};
+
+void PrintTo(const SendRow& row, std::ostream* out) {
+  *out << row.name << ": results " << testing::PrintToString(row.results);
+}
+
+class InetSocketSends : public InetSocketTest, public testing::WithParamInterface<SendRow> {};
+
+TEST_P(InetSocketSends, AnswersWhatWentOut) {
+  Connect();
+  sockets.sendResults.assign(GetParam().results.begin(), GetParam().results.end());
+  sockets.wouldBlock = GetParam().wouldBlock;
+  EXPECT_EQ(socket.Send("abcde", 5), GetParam().sent);
+  EXPECT_EQ(sockets.calls, GetParam().calls);
+}
+
+constexpr int kAll = FaultySockets::kEverything;
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, InetSocketSends,
+    testing::Values(
+        SendRow{"AllAtOnce", {kAll}, false, 5, {"Send 7 abcde"}},
+        SendRow{"InPieces", {2, 1, kAll}, false, 5, {"Send 7 abcde", "Send 7 cde", "Send 7 de"}},
+        SendRow{"NothingTaken", {0}, false, 0, {"Send 7 abcde"}},
+        SendRow{"NothingMoreTaken", {3, 0}, false, 3, {"Send 7 abcde", "Send 7 de"}},
+        SendRow{"Failed", {-1}, false, -1, {"Send 7 abcde"}},
+        SendRow{"FailedAfterAPiece", {3, -1}, false, -1, {"Send 7 abcde", "Send 7 de"}},
+        SendRow{"WouldBlock", {-1}, true, -2, {"Send 7 abcde"}},
+        SendRow{"WouldBlockAfterAPiece", {3, -1}, true, 3, {"Send 7 abcde", "Send 7 de"}}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(InetSocketTest, LengthZeroSendsNothing) {
+  Connect();
+  EXPECT_EQ(socket.Send("abc", 0), 0);
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+TEST_F(InetSocketTest, NegativeLengthMeasuresTheText) {
+  Connect();
+  EXPECT_EQ(socket.Send("abc", -1), 3);
+  EXPECT_THAT(sockets.calls, ElementsAre("Send 7 abc"));
+}
+
+TEST_F(InetSocketTest, NegativeLengthOfAnEmptyTextSendsNothing) {
+  Connect();
+  EXPECT_EQ(socket.Send("", -5), 0);
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+TEST_F(InetSocketTest, CloseOfASocketThatWasNeverConnectedDoesNothing) {
+  socket.Close();
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+TEST_F(InetSocketTest, CloseDisconnectsBeforeTheHandleGoes) {
+  Connect();
+  socket.Close();
+  EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
+  EXPECT_EQ(socket.Handle(), Platform::kInvalidSocket);
+  EXPECT_THAT(log.Lines(), IsEmpty());
+}
+
+TEST_F(InetSocketTest, SecondCloseDoesNothing) {
+  Connect();
+  socket.Close();
+  sockets.calls.clear();
+  socket.Close();
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+TEST_F(InetSocketTest, MissingDisconnectExIsLoggedAndTheSocketClosed) {
+  Connect();
+  sockets.disconnection = Platform::Disconnection::NotAvailable;
+  socket.Close();
+  EXPECT_THAT(log.Lines(),
+              ElementsAre("Error: Socket close: Error doing WSAIoctl to load DisconnectEx!\n"));
+  EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
+}
+
+TEST_F(InetSocketTest, ExceptionInDisconnectExIsLoggedAndTheSocketClosed) {
+  Connect();
+  sockets.disconnection = Platform::Disconnection::Raised;
+  socket.Close();
+  EXPECT_THAT(log.Lines(),
+              ElementsAre("Error: Socket close: Exception while calling DisconnectEx!\n"));
+  EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
+}
+
+TEST_F(InetSocketTest, DestructorCloses) {
+  {
+    InetSocketConnector shortLived(sockets);
+    ASSERT_TRUE(shortLived.Connect(kPeer, 600));
+    sockets.calls.clear();
+  }
+  EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
+}
+
+TEST_F(InetSocketTest, ShutdownLeavesTheHandleInPlace) {
+  Connect();
+  socket.Shutdown();
+  EXPECT_THAT(sockets.calls, ElementsAre("Shutdown 7"));
+  EXPECT_EQ(socket.Handle(), 7u);
+}
+
+TEST_F(InetSocketTest, ShutdownOfAClosedSocketDoesNothing) {
+  socket.Shutdown();
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+}  // namespace
+}  // namespace Vask::Tests
