@@ -1,0 +1,180 @@
+#include "net/JsonSocket.h"
+
+#include <limits>
+
+#include "json/Json.h"
+#include "net/FaultReport.h"
+#include "net/FrameWriter.h"
+#include "net/IJsonSocketEvents.h"
+
+namespace Vask {
+
+namespace {
+
+constexpr char kPeerHost[] = "127.0.0.1";
+
+// Messages up to this size cost one allocation each for text and frame.
+constexpr std::size_t kUsualMessageBytes = 512;
+
+// How long a stop lets the reader leave by itself. It needs at most one poll,
+// unless it waits in a call of the system.
+constexpr std::uint32_t kOrderlyStopMs = 2 * JsonSocket::kPollMs;
+
+// After that its calls are ended for it, again and again: one that it was just
+// about to make does not notice the first time. Not for ever, since a thread
+// that the system killed answers nothing.
+constexpr std::uint32_t kForcedStopStepMs = 20;
+constexpr int kForcedStopSteps = 100;
+
+}  // namespace
+
+JsonSocket::JsonSocket(IJsonSocketEvents* events, Platform::Clock& clock,
+                       Platform::Sockets& sockets, Platform::Threading& threading)
+    : ThreadClass(threading),
+      m_events(events),
+      m_clock(clock),
+      m_sockets(sockets),
+      m_socket(sockets),
+      m_readerLeft(Platform::EventReset::Automatic, threading) {}
+
+JsonSocket::~JsonSocket() {
+  StopThread();
+}
+
+void JsonSocket::SetErrorSink(IOnError* sink) {
+  m_errorSink = sink;
+  m_reader.SetErrorSink(sink);
+}
+
+bool JsonSocket::OpenThread() {
+  if (Start()) return true;
+  ReportFault(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
+  if (!HasThread()) {
+    m_running.store(false, std::memory_order_relaxed);
+    CloseSocket();
+  }
+  return false;
+}
+
+void JsonSocket::StopThread() {
+  Stop();
+  CloseSocket();
+  m_reader.End();
+}
+
+void JsonSocket::RequestStop() {
+  m_running.store(false, std::memory_order_relaxed);
+  m_socket.Shutdown();
+}
+
+// Called by Start only when it is going to create a thread.
+void JsonSocket::OnStart() {
+  m_reader.End();
+  m_running.store(true, std::memory_order_relaxed);
+}
+
+void JsonSocket::OnStop() {
+  m_running.store(false, std::memory_order_relaxed);
+  bool left = m_readerLeft.Wait(kOrderlyStopMs);
+  m_socket.Shutdown();
+  for (int step = 0; step < kForcedStopSteps && !left; ++step) {
+    left = m_readerLeft.Wait(kForcedStopStepMs);
+    m_socket.Shutdown();
+  }
+}
+
+void JsonSocket::Run() {
+  while (IsRunning()) {
+    if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) break;
+    if (!ReadOneByte()) LoseConnection();
+  }
+  m_readerLeft.Set();
+}
+
+// True with a connection, false when it is time to stop.
+bool JsonSocket::ConnectUntilStopped() {
+  std::uint32_t waitedMs = kRetryMs;  // the first attempt is made at once
+  while (IsRunning()) {
+    if (waitedMs >= kRetryMs) {
+      if (TryToConnect()) break;
+      waitedMs = 0;
+    }
+    m_clock.SleepMs(kPollMs);
+    waitedMs += kPollMs;
+  }
+  if (!IsRunning()) return false;
+  m_reader.Begin();
+  if (m_events != nullptr) m_events->OnConnected();
+  return true;
+}
+
+bool JsonSocket::TryToConnect() {
+  if (m_events != nullptr) m_events->OnConnecting();
+  CloseSocket();
+  if (m_socket.Connect(kPeerHost, m_port)) {
+    SetSendable();
+    return true;
+  }
+  if (m_events != nullptr) m_events->OnConnectFailed();
+  return false;
+}
+
+// False when the connection is of no use any more. A byte that cannot be kept
+// for want of memory, and a listener that throws, cost the connection and not
+// the process.
+bool JsonSocket::ReadOneByte() {
+  const Platform::SocketHandle handle = m_socket.Handle();
+  const Platform::Readiness readiness = m_sockets.WaitReadable(handle, kPollMs);
+  if (readiness == Platform::Readiness::TimedOut) return true;
+  char byte = 0;
+  if (readiness == Platform::Readiness::Failed || m_sockets.Receive(handle, &byte, 1) != 1) {
+    return false;
+  }
+  try {
+    return m_reader.ProcessByte(byte);
+  } catch (...) {
+    return false;
+  }
+}
+
+// The socket stays as it is until the next attempt to connect.
+void JsonSocket::LoseConnection() {
+  m_reader.End();
+  if (m_events != nullptr) m_events->OnDisconnected();
+}
+
+// The shutdown frees a sender that holds the lock.
+void JsonSocket::CloseSocket() {
+  m_socket.Shutdown();
+  const Platform::CriticalSectionLock lock(m_sendLock);
+  m_sendable = false;
+  m_socket.Close();
+}
+
+void JsonSocket::SetSendable() {
+  const Platform::CriticalSectionLock lock(m_sendLock);
+  m_sendable = true;
+}
+
+bool JsonSocket::OnJsonMessage(Json* message) {
+  if (message == nullptr) {
+    ReportFault(m_errorSink, "Vask::JsonSocket::OnJsonMessageNull message");
+    return false;
+  }
+  std::string body;
+  body.reserve(kUsualMessageBytes);
+  message->Write(body);
+  std::string frame;
+  frame.reserve(kUsualMessageBytes);
+  AppendFrame(frame, body);
+  return SendFrame(frame);
+}
+
+bool JsonSocket::SendFrame(const std::string& frame) {
+  if (frame.size() > std::numeric_limits<std::int32_t>::max()) return false;
+  const auto length = static_cast<std::int32_t>(frame.size());
+  const Platform::CriticalSectionLock lock(m_sendLock);
+  return m_sendable && m_socket.Send(frame.data(), length) == length;
+}
+
+}  // namespace Vask
