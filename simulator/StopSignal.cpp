@@ -1,0 +1,30 @@
+#include "simulator/StopSignal.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace Simulator {
+
+namespace {
+
+std::atomic<bool> g_came{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "set in a signal handler");
+
+// Windows forgets the handler when it calls it.
+void Note(int signal) {
+  g_came = true;
+  std::signal(signal, &Note);
+}
+
+}  // namespace
+
+void CatchStopSignals() {
+  std::signal(SIGINT, &Note);
+  std::signal(SIGTERM, &Note);
+}
+
+bool StopSignalCame() {
+  return g_came;
+}
+
+}  // namespace Simulator
