@@ -1,0 +1,117 @@
+"""The list of what the package carries (payload.txt), and its WiX source.
+
+Every file is a component of its own. Its code is made from its place, so that
+it stays the same over versions and builds, as Windows Installer wants it.
+"""
+
+import hashlib
+import pathlib
+import uuid
+from typing import NamedTuple
+from xml.sax.saxutils import quoteattr
+
+PROJECT = pathlib.Path(__file__).resolve().parent.parent
+DLL = "SNMPd.dll"
+
+# The product's family over all its versions: never to change, or no package
+# would find and replace an older one.
+UPGRADE_CODE = uuid.UUID("7849529d-1e98-41dd-a754-ae88e43e02f6")
+
+
+class PayloadFile(NamedTuple):
+    """One file of the package; `place` is relative, with forward slashes."""
+
+    source: pathlib.Path
+    place: str
+
+
+def code(text):
+    """The same text gives the same code, on every machine."""
+    return "{" + str(uuid.uuid5(UPGRADE_CODE, text)).upper() + "}"
+
+
+def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
+    """The files of the manifest, by place; `dll` is used in place of the one listed."""
+    files = []
+    for line in manifest.read_text(encoding="ascii").splitlines():
+        if not line.strip() or line.startswith("#"):
+            continue
+        source, place = line.split()
+        if "*" in source:
+            found = sorted(path for path in PROJECT.glob(source) if path.is_file())
+            files += [PayloadFile(path, place.rstrip("/") + "/" + path.name) for path in found]
+        else:
+            is_dll = place == DLL and dll is not None
+            files.append(PayloadFile(pathlib.Path(dll) if is_dll else PROJECT / source, place))
+    missing = [str(file.source) for file in files if not file.source.is_file()]
+    if missing:
+        raise FileNotFoundError("payload not found: " + ", ".join(missing))
+    return sorted(files, key=lambda file: file.place)
+
+
+def content_code(files, rest):
+    """A code that changes with any byte of the files or of `rest`."""
+    digest = hashlib.sha256(rest.encode())
+    for file in files:
+        digest.update(file.place.encode() + b"\0" + file.source.read_bytes())
+    return code("package " + digest.hexdigest())
+
+
+def _identifier(place):
+    """A WiX identifier (letters, digits, `_`, `.`) that tells which file it is."""
+    readable = "".join(c if c.isalnum() or c in "._" else "_" for c in place)
+    tail = hashlib.sha256(place.lower().encode()).hexdigest()[:8]
+    return f"f{tail}_{readable}"[:70]
+
+
+def file_identifier(place):
+    """The key of this file in the package's File table; the DLL keeps its name."""
+    return place if place == DLL else _identifier(place)
+
+
+def payload_wxs(files):
+    """The WiX fragment that lays the files out below INSTALLFOLDER."""
+    lines = ['<?xml version="1.0" encoding="utf-8"?>',
+             '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi"><Fragment>',
+             '<DirectoryRef Id="INSTALLFOLDER">']
+    lines += _folder_lines("", files)
+    lines += ["</DirectoryRef>", '<ComponentGroup Id="Payload">']
+    lines += [f'<ComponentRef Id="{_identifier(file.place)}"/>' for file in files]
+    lines += ["</ComponentGroup>", "</Fragment></Wix>"]
+    return "\n".join(lines) + "\n"
+
+
+def _folder_lines(folder, files):
+    """Components of the files right in `folder`, then the folders below it."""
+    here = [file for file in files if file.place.rpartition("/")[0] == folder]
+    lines = [line for file in here for line in _component_lines(file)]
+    start = len(folder) + 1 if folder else 0
+    below = {file.place[start:].split("/")[0] for file in files
+             if file.place.startswith(folder) and "/" in file.place[start:]}
+    for name in sorted(below):
+        path = f"{folder}/{name}" if folder else name
+        inside = [file for file in files if file.place.startswith(path + "/")]
+        lines.append(f"<Directory Id={quoteattr(_identifier(path))} Name={quoteattr(name)}>")
+        lines += _folder_lines(path, inside) + ["</Directory>"]
+    return lines
+
+
+def _component_lines(file):
+    name = file.place.rpartition("/")[2]
+    return [f'<Component Id="{_identifier(file.place)}" Win64="yes" '
+            f'Guid="{code("component " + file.place.lower())}">',
+            f'<File Id="{file_identifier(file.place)}" Name={quoteattr(name)} '
+            f'Source={quoteattr(str(file.source))} KeyPath="yes"/>',
+            "</Component>"]
+
+
+def folder_identifiers(files):
+    """The keys of the folders below INSTALLFOLDER, the deepest first, as they are to be removed."""
+    folders = {str(parent) for file in files for parent in pathlib.PurePosixPath(file.place).parents}
+    folders.discard(".")
+    return [_identifier(folder) for folder in sorted(folders, key=lambda f: (-f.count("/"), f))]
+
+
+if __name__ == "__main__":
+    for payload_file in read_payload():
+        print(f"{payload_file.source.relative_to(PROJECT)}\t{payload_file.place}")

@@ -1,0 +1,32 @@
+"""What a Windows image says about itself: machine, kind and file version."""
+
+import struct
+
+MACHINE_X64 = 0x8664
+CHARACTERISTIC_DLL = 0x2000
+FIXED_FILE_INFO = struct.pack("<II", 0xFEEF04BD, 0x00010000)
+
+
+def check_dll(path, version):
+    """Raises ValueError unless `path` is a 64-bit DLL whose VERSIONINFO says `version`."""
+    image = path.read_bytes()
+    try:
+        header = struct.unpack_from("<I", image, 0x3C)[0]
+        machine, characteristics = struct.unpack_from("<H16xH", image, header + 4)
+    except struct.error:
+        raise ValueError(f"{path} is no Windows image") from None
+    if image[header:header + 4] != b"PE\0\0" or machine != MACHINE_X64 \
+            or not characteristics & CHARACTERISTIC_DLL:
+        raise ValueError(f"{path} is no 64-bit DLL")
+    found = _file_version(image)
+    if found != f"{version}.0":
+        raise ValueError(f"{path} has version {found}, the package {version}.0")
+
+
+def _file_version(image):
+    """The four numbers of the image's VERSIONINFO as text, or "none"."""
+    start = image.find(FIXED_FILE_INFO)
+    if start < 0:
+        return "none"
+    high, low = struct.unpack_from("<II", image, start + 8)
+    return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}.{low & 0xFFFF}"
