@@ -27,6 +27,10 @@ class CostTest : public MessageTest {
   }
 };
 
+TEST_F(CostTest, CounterCounts) {
+  EXPECT_EQ(1u, AllocationsOf([] { (new Vask::JsonObject())->Release(); }));
+}
+
 TEST_F(CostTest, FrameOfTheUpdateTakesAtMostSixteenAllocations) {
   registrar.Subscribe<SNMPmessage>(Count);
   registrar.Subscribe<SNMPupdateFinished>(CountFinished);

@@ -39,7 +39,7 @@ class SNMPmessageTest : public MessageTest {
 };
 
 TEST_F(SNMPmessageTest, StartsEmpty) {
-  const SNMPmessage message;
+  SNMPmessage message;
   EXPECT_EQ(4u, message.m_messageType.m_tag);
 }
 

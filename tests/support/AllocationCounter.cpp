@@ -4,16 +4,16 @@
 #include <cstdlib>
 #include <new>
 
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define CORVANE_SANITIZER_ALLOCATES
+#include <sanitizer/allocator_interface.h>
+#endif
+#endif
+
 namespace {
 
 constinit std::atomic<std::uint64_t> g_allocations{0};
-
-void* Allocate(std::size_t size) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  void* memory = std::malloc(size != 0 ? size : 1);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
 
 }  // namespace
 
@@ -24,6 +24,33 @@ std::uint64_t Allocations() noexcept {
 }
 
 }  // namespace Vask::Tests
+
+#if defined(CORVANE_SANITIZER_ALLOCATES)
+
+namespace {
+
+void OnMalloc(const volatile void*, std::size_t) {
+  g_allocations.fetch_add(1, std::memory_order_relaxed);
+}
+void OnFree(const volatile void*) {}
+
+[[maybe_unused]] const int g_installed =
+    __sanitizer_install_malloc_and_free_hooks(OnMalloc, OnFree);
+
+}  // namespace
+
+#else
+
+namespace {
+
+void* Allocate(std::size_t size) {
+  g_allocations.fetch_add(1, std::memory_order_relaxed);
+  void* memory = std::malloc(size != 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
 
 void* operator new(std::size_t size) {
   return Allocate(size);
@@ -43,3 +70,5 @@ void operator delete(void* memory, std::size_t) noexcept {
 void operator delete[](void* memory, std::size_t) noexcept {
   std::free(memory);
 }
+
+#endif
