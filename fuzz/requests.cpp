@@ -1,0 +1,148 @@
+// Request identifiers into Get and GetNext over tables that the input describes,
+// against a model: the names of all cells in one sorted list.
+//
+// The model knows no SEQUENCE that has a variable behind it and no name inside a
+// SEQUENCE that is no cell: there the walk has rules of its own, which the unit
+// tests hold one by one.
+
+#include <algorithm>
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "agent/SNMPExtensionAgent.h"
+#include "fuzz/FuzzInput.h"
+#include "tests/support/Binding.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/RecordingLog.h"
+
+namespace {
+
+using Ids = std::vector<UINT>;
+using Vask::Tests::Binding;
+
+std::string NameOf(const Ids& ids) {
+  std::string name = "P";
+  for (const UINT id : ids) name += '.' + std::to_string(id);
+  return name;
+}
+
+// A table of INT variables, each of two sub-identifiers, the last one possibly a
+// SEQUENCE, registered as the agent registers its own: from last to first.
+struct Table {
+  explicit Table(Vask::Fuzz::Input& input) {
+    const std::size_t count = input.Byte() % 8;
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::uint8_t byte = input.Byte();
+      suffixes.push_back({byte / 4u % 8u, byte % 4u});
+    }
+    std::sort(suffixes.begin(), suffixes.end());
+    suffixes.erase(std::unique(suffixes.begin(), suffixes.end()), suffixes.end());
+    rows = input.Byte() % 5;
+    hasSequence = !suffixes.empty() && input.Byte() % 2 == 0;
+    Register();
+  }
+
+  void Register() {
+    Agent::MIB_ENTRY* next = nullptr;
+    for (std::size_t i = suffixes.size(); i-- > 0;) {
+      const AsnObjectIdentifier suffix = Agent::Lend(suffixes[i]);
+      const std::string name = "v" + std::to_string(i);
+      if (hasSequence && i + 1 == suffixes.size()) {
+        next = agent.Variables().RegisterSequence(suffix, name.c_str(), next);
+        for (UINT row = 0; row < rows; ++row) agent.Variables().AddRow(*next, "a", "b");
+      } else {
+        next = agent.Variables().RegisterInt(suffix, name.c_str(), next, 1);
+      }
+    }
+  }
+
+  // Every name that has a value, ascending.
+  [[nodiscard]] std::vector<Ids> Cells() const {
+    std::vector<Ids> cells = suffixes;
+    if (!hasSequence) return cells;
+    const Ids base = cells.back();
+    cells.pop_back();
+    for (UINT column = 1; column <= 2; ++column) {
+      for (UINT row = 1; row <= rows; ++row) {
+        cells.push_back(base);
+        cells.back().insert(cells.back().end(), {1, column, row});
+      }
+    }
+    return cells;
+  }
+
+  [[nodiscard]] bool IsInsideSequence(const Ids& name) const {
+    return hasSequence && name.size() > 2 &&
+           std::equal(suffixes.back().begin(), suffixes.back().end(), name.begin());
+  }
+
+  Vask::Tests::FakeClock clock;
+  Agent::SNMPExtensionAgent agent{clock, Vask::Platform::SystemThreading()};
+  std::vector<Ids> suffixes;
+  UINT rows = 0;
+  bool hasSequence = false;
+};
+
+bool IsLeadingPart(const Ids& key, const Ids& name) {
+  return key.size() <= name.size() && std::equal(key.begin(), key.end(), name.begin());
+}
+
+void ExpectGet(Table& table, const Ids& name, const std::vector<Ids>& cells) {
+  const bool known = table.IsInsideSequence(name)
+                         ? std::find(cells.begin(), cells.end(), name) != cells.end()
+                         : std::any_of(cells.begin(), cells.end(),
+                                       [&](const Ids& cell) { return IsLeadingPart(cell, name); });
+  // The entry number of a cell is not looked at by Get.
+  if (table.IsInsideSequence(name) && name.size() == 5 && name[2] != 1) return;
+  Binding binding(NameOf(name));
+  FUZZ_EXPECT((table.agent.GetRequest(binding.Get()) == 0) == known);
+}
+
+void ExpectGetNext(Table& table, const Ids& name, const std::vector<Ids>& cells) {
+  Binding binding(NameOf(name));
+  const INT status = table.agent.GetNextRequest(binding.Get());
+  const auto next = std::upper_bound(cells.begin(), cells.end(), name);
+  const bool isCell = std::find(cells.begin(), cells.end(), name) != cells.end();
+  if (table.IsInsideSequence(name) && !isCell) return;
+  // A SEQUENCE that is stepped upon from before answers its bare name, without
+  // a value; the walk then goes on from there.
+  const Ids bare = table.hasSequence ? table.suffixes.back() : Ids{};
+  if (table.hasSequence && binding.Name() == NameOf(bare)) return;
+  FUZZ_EXPECT((status == 0) == (next != cells.end()));
+  if (status == 0) FUZZ_EXPECT(binding.Name() == NameOf(*next));
+}
+
+// From the prefix on, each answer lies behind the one before, and all cells come.
+void ExpectWalk(Table& table, const std::vector<Ids>& cells) {
+  std::vector<std::string> walked;
+  std::string name = "P";
+  for (std::size_t step = 0; step <= cells.size() + 1; ++step) {
+    Binding binding(name);
+    if (table.agent.GetNextRequest(binding.Get()) != 0) break;
+    name = binding.Name();
+    if (binding.Value() != "none") walked.push_back(name);
+  }
+  std::vector<std::string> expected;
+  for (const Ids& cell : cells) expected.push_back(NameOf(cell));
+  FUZZ_EXPECT(walked == expected);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static Vask::Tests::RecordingLog log;  // takes the lines off the console
+  Vask::Fuzz::Input input(data, size);
+  Table table(input);
+  const std::vector<Ids> cells = table.Cells();
+  ExpectWalk(table, cells);
+  while (!input.AtEnd()) {
+    Ids name(input.Byte() % 7);
+    for (UINT& id : name) id = input.Byte() % 9;
+    ExpectGet(table, name, cells);
+    ExpectGetNext(table, name, cells);
+  }
+  log.Clear();
+  return 0;
+}
