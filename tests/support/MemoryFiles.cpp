@@ -69,6 +69,7 @@ bool MemoryFiles::Append(Platform::FileHandle file, const char* text, std::size_
   if (target == nullptr) return false;
   target->append(text, length);
   appended.emplace_back(text, length);
+  if (afterAppend) afterAppend();
   return true;
 }
 

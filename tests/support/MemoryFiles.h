@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -17,7 +18,7 @@ class MemoryFiles final : public Platform::Files {
   struct File {
     std::string bytes;
     std::int64_t createdAt = -1;
-    std::int64_t writtenAt = -1;
+    std::int64_t writtenAt = 4'000'000'000;  // 2096: later than any test's clock
   };
 
   std::map<std::string, File> files;  // by full path
@@ -31,6 +32,7 @@ class MemoryFiles final : public Platform::Files {
   bool hasConsole = true;
   bool opensFiles = true;
   std::vector<std::string> appended;  // each piece, wherever it went
+  std::function<void()> afterAppend;
   std::uint32_t opened = 0;
   std::uint32_t closed = 0;
 

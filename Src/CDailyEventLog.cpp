@@ -1,0 +1,145 @@
+#include "Src/CDailyEventLog.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "net/CFileName2.h"
+
+namespace Vask {
+
+namespace {
+
+constexpr char kStandardOutputName[] = "stdout";
+
+// A count that stays at its greatest value instead of starting again from 0.
+std::uint32_t AsCount(std::uint64_t bytes) noexcept {
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, UINT32_MAX));
+}
+
+}  // namespace
+
+CDailyEventLog::CDailyEventLog(Platform::Clock& clock, Platform::Files& files) noexcept
+    : m_clock(clock), m_files(files) {}
+
+CDailyEventLog::~CDailyEventLog() {
+  Close();
+}
+
+bool CDailyEventLog::Open(const char* folder) {
+  Close();
+  if (folder != nullptr && std::strcmp(folder, kStandardOutputName) == 0) {
+    return OpenStandardOutput();
+  }
+  char current[kPathCapacity];
+  if (folder == nullptr) {
+    if (!m_files.CurrentFolder(current, sizeof current)) return false;
+    folder = current;
+  }
+  return OpenFolder(folder);
+}
+
+void CDailyEventLog::SetDaysToKeep(std::uint32_t days) {
+  m_daysToKeep = days;
+  if (m_isStandardOutput || m_date == nullptr) return;
+  (void)OpenToday();
+}
+
+void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view prefix,
+                               std::string_view text) {
+  WritePiece(timeStamp);
+  WritePiece(prefix);
+  WritePiece(text);
+}
+
+bool CDailyEventLog::OpenStandardOutput() {
+  m_folder = LogFolder();
+  m_isStandardOutput = true;
+  m_nextRotation = 0;
+  m_file = m_files.StandardOutput();
+  return true;
+}
+
+bool CDailyEventLog::OpenFolder(const char* folder) {
+  if (folder[0] == '\0') return false;
+  const LogFolder opened(folder);
+  const std::size_t prefixEnd = opened.Path().size() + std::strlen(kLogFilePrefix);
+  if (prefixEnd + kLogDateLength + sizeof kLogFileExtension > kPathCapacity) return false;
+  (void)CFileName2::CreateFolders(folder, m_files);  // opening the file tells
+  m_folder = opened;
+  m_isStandardOutput = false;
+  m_daysToKeep = kDefaultDaysToKeep;
+  m_stoppedForToday = false;
+  std::memcpy(m_path, opened.Path().data(), opened.Path().size());
+  std::memcpy(m_path + opened.Path().size(), kLogFilePrefix, std::strlen(kLogFilePrefix));
+  m_date = m_path + prefixEnd;
+  std::memcpy(m_date + kLogDateLength, kLogFileExtension, sizeof kLogFileExtension);
+  return OpenToday();
+}
+
+bool CDailyEventLog::OpenToday() {
+  Close();
+  const std::int64_t now = m_clock.EpochSeconds();
+  StartDay(m_clock.ToLocal(now));
+  m_file = m_files.OpenForAppend(m_path);
+  if (m_file == Platform::kNoFile) return false;
+  m_nextRotation = NextLogRotation(m_clock, now);
+  if (m_daysToKeep != kKeepAll) {
+    m_folder.DeleteOlderThan(m_files, m_nextRotation - std::int64_t{m_daysToKeep} * 86'400);
+  }
+  m_bytesToday = AsCount(m_files.Length(m_file));
+  return true;
+}
+
+// Opening the file of the same day again does not lift a stop.
+void CDailyEventLog::StartDay(const Platform::LocalTime& day) noexcept {
+  char date[kLogDateLength];
+  FormatLogDate(day, date);
+  if (std::memcmp(date, m_date, sizeof date) == 0) return;
+  std::memcpy(m_date, date, sizeof date);
+  m_stoppedForToday = false;
+}
+
+void CDailyEventLog::Close() noexcept {
+  if (IsOpen() && !m_isStandardOutput) m_files.Close(m_file);
+  m_file = Platform::kNoFile;
+}
+
+bool CDailyEventLog::ReadyForPiece() {
+  if (!IsOpen()) return false;
+  if (m_nextRotation == 0 || m_clock.EpochSeconds() < m_nextRotation) return true;
+  return OpenToday();
+}
+
+void CDailyEventLog::WritePiece(std::string_view piece) {
+  if (!ReadyForPiece()) return;
+  if (m_isStandardOutput || Account(piece.size())) {
+    Append(piece);
+  } else if (!m_stoppedForToday) {
+    StopForToday();
+  }
+}
+
+bool CDailyEventLog::Account(std::size_t bytes) noexcept {
+  const std::uint64_t sum = std::uint64_t{m_bytesToday} + bytes;
+  if (m_sizeLimit != 0 && sum >= m_sizeLimit) return false;
+  m_bytesToday = AsCount(sum);
+  return true;
+}
+
+void CDailyEventLog::StopForToday() {
+  m_bytesToday = m_sizeLimit;
+  m_stoppedForToday = true;
+  char warning[128];
+  const int length = std::snprintf(
+      warning, sizeof warning,
+      "\nWARNING: File size limit of %u bytes reached! Logging stopped until next day.\n\n",
+      m_sizeLimit);
+  Append({warning, static_cast<std::size_t>(length)});
+}
+
+void CDailyEventLog::Append(std::string_view bytes) noexcept {
+  m_files.Append(m_file, bytes.data(), bytes.size());
+}
+
+}  // namespace Vask

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Vask {
+
+// The levels of the daily log; each value is the level's bit in a mask.
+enum class LogLevel : std::uint32_t { Error = 1, Warning = 2, Info = 4, Trace = 8 };
+
+inline constexpr std::uint32_t kAllLogLevels = 15;
+
+// What stands between a line's time stamp and its text.
+constexpr std::string_view LogPrefix(LogLevel level) noexcept {
+  switch (level) {
+    case LogLevel::Error:
+      return "Error: ";
+    case LogLevel::Warning:
+      return "Warning: ";
+    case LogLevel::Info:
+      return "Info: ";
+    case LogLevel::Trace:
+      break;
+  }
+  return "TRACE: ";
+}
+
+}  // namespace Vask

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "Src/IDailyLog.h"
+#include "Src/MessageChunkList.h"
+
+namespace Vask {
+
+// The messages of the history at one moment, copied: what later messages recycle
+// does not touch it.
+class MessageHistoryCopy {
+ public:
+  // Pointers to the first piece of each message, oldest first.
+  [[nodiscard]] const IDailyLog::ILogDataBlock* const* Blocks() const noexcept {
+    return m_blocks.data();
+  }
+  [[nodiscard]] std::uint32_t Count() const noexcept { return m_count; }
+  // Bytes of all messages together.
+  [[nodiscard]] std::uint32_t TotalLength() const noexcept { return m_totalLength; }
+
+ private:
+  friend class MessageHistory;
+
+  std::unique_ptr<MessageChunk[]> m_chunks;
+  std::array<const IDailyLog::ILogDataBlock*, 20> m_blocks{};
+  std::uint32_t m_count = 0;
+  std::uint32_t m_totalLength = 0;
+};
+
+// The last 20 messages of the log. Its chunks are kept and used again, so that a
+// steady stream of messages of similar size allocates nothing. Not thread-safe:
+// the daily log's lock guards it.
+class MessageHistory {
+ public:
+  static constexpr std::uint32_t kSlots = 20;
+
+  MessageHistory() = default;
+  ~MessageHistory();
+  MessageHistory(const MessageHistory&) = delete;
+  MessageHistory& operator=(const MessageHistory&) = delete;
+
+  // Stores a message in place of the oldest. Its first chunk holds the time
+  // stamp and as much of the prefix as fits; the text begins in the next one.
+  void Store(std::string_view timeStamp, std::string_view prefix, std::string_view text);
+
+  [[nodiscard]] MessageHistoryCopy Copy() const;
+
+  // Chunks that wait to be used.
+  [[nodiscard]] std::uint32_t FreeChunks() const noexcept { return m_free.Count(); }
+
+ private:
+  struct Slot {
+    MessageChunkList chunks;
+    std::uint32_t length = 0;
+  };
+
+  MessageChunk* TakeChunk();
+  static void FreeAll(MessageChunkList& list) noexcept;
+
+  std::uint32_t m_used = 0;
+  std::uint32_t m_current = 0;
+  std::array<Slot, kSlots> m_slots;
+  MessageChunkList m_free;
+};
+
+}  // namespace Vask
