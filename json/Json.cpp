@@ -1,37 +1,12 @@
 #include "json/Json.h"
 
-#include <atomic>
-
 namespace Vask {
 
-namespace {
+constinit Json::Counter Json::s_constructed{0};
+constinit Json::Counter Json::s_destroyed{0};
 
-// Load and store instead of one locked increment: the counters promise no more
-// than plain integers would, and two locked instructions a value would be a
-// tenth of a message's whole decoding.
-void Count(std::atomic<std::uint32_t>& counter) noexcept {
-  counter.store(counter.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
-}
-
-constinit std::atomic<std::uint32_t> s_constructed{0};
-constinit std::atomic<std::uint32_t> s_destroyed{0};
-
-}  // namespace
-
-std::uint32_t Json::Constructed() noexcept {
-  return s_constructed.load(std::memory_order_relaxed);
-}
-
-std::uint32_t Json::Destroyed() noexcept {
-  return s_destroyed.load(std::memory_order_relaxed);
-}
-
-Json::Json() noexcept {
-  Count(s_constructed);
-}
-
-Json::~Json() {
-  Count(s_destroyed);
+Json* Json::TakeChild() noexcept {
+  return nullptr;
 }
 
 void Json::ReleaseChildren() noexcept {

@@ -1,29 +1,30 @@
 #include "json/JsonObject.h"
 
+#include <new>
+
 #include "json/JsonWriter.h"
 
 namespace Vask {
 
 JsonObject::~JsonObject() {
-  ReleaseChildren();
+  if (!Empty()) ReleaseChildren();
+}
+
+JsonObject* JsonObject::CreateWithRoom() {
+  using Nodes = Dictionary::StandardAllocator::Nodes;
+  // The nodes lie behind the object; they are plain memory until handed out.
+  void* memory = Json::operator new (sizeof(JsonObject), TextRoom{sizeof(Nodes)});
+  void* nodes = static_cast<char*>(memory) + sizeof(JsonObject);
+  return ::new (memory) JsonObject(false, static_cast<Nodes*>(nodes));
 }
 
 bool JsonObject::Set(const char* key, Json* value) {
   if (value == nullptr) return false;
   Dictionary::Path path(m_members);
-  if (key != nullptr) {
-    for (; *key != '\0'; ++key) path.Append(*key);
-  }
+  if (key != nullptr) path.Append(key);
   value->AddRef();
   Adopt(path.End(), value);
   return true;
-}
-
-void JsonObject::Adopt(Dictionary::Node* node, Json* value) noexcept {
-  if (node == nullptr) return;
-  if (node->hasValue) node->value->Release();
-  node->value = value;
-  node->hasValue = 1;
 }
 
 Json* JsonObject::TakeChild() noexcept {

@@ -11,6 +11,7 @@
 #include "json/JsonNull.h"
 #include "json/JsonNumber.h"
 #include "json/JsonObject.h"
+#include "json/JsonRef.h"
 #include "json/JsonString.h"
 
 namespace Vask {
@@ -27,16 +28,17 @@ constexpr const char* kExpectedComma = "Expected property separator comma";
 constexpr const char* kMissingBracket = "Missing object close bracket";
 constexpr const char* kNoMessage = "";
 
-// The characters that a string does not simply consist of.
-constexpr std::array<bool, 256> MakeStringSpecials() {
-  std::array<bool, 256> special{};
-  for (const char c : {'\0', '"', '\\', '\n'}) special[static_cast<unsigned char>(c)] = true;
-  return special;
-}
-constexpr std::array<bool, 256> kStringSpecials = MakeStringSpecials();
+// The characters at which a run of plain ones in a string ends.
+constexpr std::string_view kStringSpecials("\0\"\\\n", 4);
 
-bool IsStringSpecial(char c) {
-  return kStringSpecials[static_cast<unsigned char>(c)];
+// Keys are folded while they are read; this stops where a string has to be
+// looked at more closely.
+constinit const KeyFolding kKeyFolding(KeyFolding::Letters::ToLower, kStringSpecials);
+constinit const KeyFolding kPlainCharacters(KeyFolding::Letters::Kept, kStringSpecials);
+
+const char* SkipPlain(const char* at) {
+  while (kPlainCharacters.Fold(*at) != 0) ++at;
+  return at;
 }
 
 bool IsDigit(char c) {
@@ -66,9 +68,8 @@ class OpenContainers {
  public:
   bool Empty() const { return m_count == 0; }
 
-  OpenContainer& Innermost() {
-    return m_count <= m_first.size() ? m_first[m_count - 1] : m_deeper.back();
-  }
+  // There must be one.
+  OpenContainer& Innermost() { return *m_innermost; }
 
   void Push(const OpenContainer& container) {
     if (m_count < m_first.size()) {
@@ -77,34 +78,60 @@ class OpenContainers {
       m_deeper.push_back(container);
     }
     ++m_count;
+    FindInnermost();
   }
 
   // Gives up the innermost one; its reference passes to the caller.
   Json* Pop() {
-    Json* value = Innermost().Value();
+    Json* value = m_innermost->Value();
     if (m_count > m_first.size()) m_deeper.pop_back();
     --m_count;
+    FindInnermost();
     return value;
   }
 
  private:
+  void FindInnermost() {
+    if (m_count > m_first.size()) {
+      m_innermost = &m_deeper.back();
+    } else if (m_count != 0) {
+      m_innermost = &m_first[m_count - 1];
+    }
+  }
+
   std::size_t m_count = 0;
+  OpenContainer* m_innermost = nullptr;
   std::array<OpenContainer, 16> m_first;
   std::vector<OpenContainer> m_deeper;
 };
 
-// Fills a string value of sufficient room.
+// Where the characters of a string go: either into a buffer of sufficient size
+// or into a dictionary.
 class BufferSink {
  public:
   explicit BufferSink(char* begin) : m_end(begin) {}
   void Append(char c) { *m_end++ = c; }
+  // Takes what is plain from `at` on; answers where that ends.
+  const char* AppendPlain(const char* at) {
+    while (kPlainCharacters.Fold(*at) != 0) *m_end++ = *at++;
+    return at;
+  }
   const char* End() const { return m_end; }
 
  private:
   char* m_end;
 };
 
-}  // namespace
+class KeySink {
+ public:
+  explicit KeySink(JsonObject& object) : m_path(object.Members()) {}
+  void Append(char c) { m_path.Append(c); }
+  const char* AppendPlain(const char* at) { return m_path.Append(at, kKeyFolding); }
+  JsonObject::Dictionary::Node* Node() const { return m_path.End(); }
+
+ private:
+  JsonObject::Dictionary::Path m_path;
+};
 
 // One pointer runs over the text once. At each place where a value may stand,
 // BeginValue reads a scalar, a string or an empty container whole, or opens a
@@ -214,15 +241,14 @@ JsonParser::Step JsonParser::BeginValue() {
 
 JsonParser::Step JsonParser::BeginObject() {
   ++m_at;
-  auto* object = new JsonObject;
-  m_value = object;
   SkipSpace();
   if (*m_at == '}') {
     ++m_at;
-    return Step::Complete;
+    return Complete(new JsonObject);
   }
-  m_open.Push({object, nullptr, nullptr});
-  m_value = nullptr;
+  JsonRef<JsonObject> object(JsonObject::CreateWithRoom());
+  m_open.Push({object.Get(), nullptr, nullptr});
+  static_cast<void>(object.Detach());
   return ReadKey();
 }
 
@@ -243,9 +269,9 @@ JsonParser::Step JsonParser::BeginArray() {
 JsonParser::Step JsonParser::ReadKey() {
   if (*m_at != '"') return Fail(kExpectedKey);
   OpenContainer& open = m_open.Innermost();
-  JsonObject::Dictionary::Path path(open.object->Members());
-  if (!ReadString(path)) return Step::Failed;
-  open.key = path.End();
+  KeySink key(*open.object);
+  if (!ReadString(key)) return Step::Failed;
+  open.key = key.Node();
   SkipSpace();
   if (*m_at != ':') return Fail(kExpectedColon);
   ++m_at;
@@ -323,19 +349,26 @@ JsonParser::Step JsonParser::ReadNumber() {
 }
 
 JsonParser::Step JsonParser::BeginString() {
-  JsonString* string = JsonString::CreateWithRoom(StringRoom());
-  m_value = string;
-  BufferSink sink(string->Buffer());
-  if (!ReadString(sink)) return Step::Failed;
-  string->SetSize(static_cast<std::size_t>(sink.End() - string->Buffer()));
-  return Step::Complete;
+  const char* begin = m_at + 1;
+  const char* end = SkipPlain(begin);
+  if (*end == '"') {  // nearly every string: its text stands there as it is
+    m_at = end + 1;
+    return Complete(JsonString::Create({begin, end}));
+  }
+  bool complete = false;
+  m_value = JsonString::CreateFilled(StringRoom(), [&](char* buffer) {
+    BufferSink sink(buffer);
+    complete = ReadString(sink);
+    return static_cast<std::size_t>(sink.End() - buffer);
+  });
+  return complete ? Step::Complete : Step::Failed;
 }
 
 // Bytes that suffice for the string at m_at: as many as stand before its closing
 // quote, for no escape grows.
 std::size_t JsonParser::StringRoom() const {
   const char* begin = m_at + 1;
-  const char* at = begin;
+  const char* at = SkipPlain(begin);
   while (*at != '"' && *at != '\0') {
     if (*at == '\\' && at[1] != '\0') ++at;
     ++at;
@@ -347,7 +380,7 @@ template <class Sink>
 bool JsonParser::ReadString(Sink& sink) {
   ++m_at;
   for (;;) {
-    for (; !IsStringSpecial(*m_at); ++m_at) sink.Append(*m_at);
+    m_at = sink.AppendPlain(m_at);
     switch (*m_at) {
       case '"':
         ++m_at;
@@ -426,7 +459,8 @@ bool JsonParser::ReadCodeUnit(Sink& sink) {
   return true;
 }
 
-void JsonParser::SkipSpace() {
+inline void JsonParser::SkipSpace() {
+  if (static_cast<unsigned char>(*m_at) > ' ') return;
   for (;; ++m_at) {
     if (*m_at == '\n') {
       ++m_line;
@@ -438,7 +472,9 @@ void JsonParser::SkipSpace() {
 }
 
 void JsonParser::SkipDigits() {
-  while (IsDigit(*m_at)) ++m_at;
+  const char* at = m_at;
+  while (IsDigit(*at)) ++at;
+  m_at = at;
 }
 
 void JsonParser::NewLine() {
@@ -446,6 +482,8 @@ void JsonParser::NewLine() {
   ++m_line;
   m_lineBegin = m_at;
 }
+
+}  // namespace
 
 Json* Parse(ParseResult& result, const char* text) {
   result.errorMessage.clear();

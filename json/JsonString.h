@@ -11,7 +11,21 @@ namespace Vask {
 class JsonString final : public Json {
  public:
   // A new string with a copy of `text`; the caller owns the one reference.
-  [[nodiscard]] static JsonString* Create(std::string_view text = {});
+  [[nodiscard]] static JsonString* Create(std::string_view text = {}) {
+    return CreateFilled(text.size(),
+                        [text](char* buffer) { return text.copy(buffer, text.size()); });
+  }
+
+  // A new string whose text is written in place: fill(buffer) gets room for
+  // `capacity` bytes and answers how many it has used. It must not throw.
+  template <class Fill>
+  [[nodiscard]] static JsonString* CreateFilled(std::size_t capacity, Fill fill) {
+    auto* string = new (TextRoom{capacity + 1}) JsonString;
+    char* buffer = reinterpret_cast<char*>(string) + sizeof(JsonString);
+    string->m_size = fill(buffer);
+    buffer[string->m_size] = '\0';
+    return string;
+  }
 
   // The whole text; it lives as long as the value.
   [[nodiscard]] std::string_view Text() const noexcept { return {CStr(), m_size}; }
@@ -28,20 +42,7 @@ class JsonString final : public Json {
   ~JsonString() override = default;
 
  private:
-  friend class JsonParser;
-
-  JsonString() noexcept : m_size(0) {}
-
-  // For a text of at most `capacity` bytes that is filled in place: write to
-  // Buffer(), then end with SetSize().
-  static JsonString* CreateWithRoom(std::size_t capacity) {
-    return new (TextRoom{capacity + 1}) JsonString;
-  }
-  char* Buffer() noexcept { return reinterpret_cast<char*>(this) + sizeof(JsonString); }
-  void SetSize(std::size_t size) noexcept {
-    m_size = size;
-    Buffer()[size] = '\0';
-  }
+  JsonString() noexcept = default;
 
   std::size_t m_size;  // the text lies behind the object
 };

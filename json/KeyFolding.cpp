@@ -3,11 +3,13 @@
 namespace Vask {
 
 namespace {
-constexpr unsigned kCaseBit = 'a' ^ 'A';
+constinit const KeyFolding kKept{KeyFolding::Letters::Kept};
+constinit const KeyFolding kToLower{KeyFolding::Letters::ToLower};
+constinit const KeyFolding kToUpper{KeyFolding::Letters::ToUpper};
 }  // namespace
 
-constinit const KeyFolding KeyFolding::kNone{1, 0, 0};
-constinit const KeyFolding KeyFolding::kToLower{'A', 'Z', kCaseBit};
-constinit const KeyFolding KeyFolding::kToUpper{'a', 'z', kCaseBit};
+const KeyFolding& KeyFolding::For(bool caseSensitive, bool foldToUpper) noexcept {
+  return caseSensitive ? kKept : foldToUpper ? kToUpper : kToLower;
+}
 
 }  // namespace Vask

@@ -1,33 +1,36 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 namespace Vask {
 
 // How a dictionary changes the characters of its keys: ASCII letters to one
 // case, or nothing; bytes over 0x7F always stay. The result is the signed byte
-// by which nodes are ordered, whatever `char` is on this machine.
+// by which nodes are ordered, whatever `char` is on this machine. A key ends at
+// the first character that becomes zero: at its NUL and, for a reader that
+// knows more of them, at other ends.
 class KeyFolding {
  public:
-  // The upper case is looked at only when case does not matter.
-  static const KeyFolding& For(bool caseSensitive, bool foldToUpper) noexcept {
-    return caseSensitive ? kNone : foldToUpper ? kToUpper : kToLower;
+  enum class Letters { Kept, ToLower, ToUpper };
+
+  constexpr explicit KeyFolding(Letters letters, std::string_view ends = {}) : m_folded{} {
+    for (unsigned c = 0; c < m_folded.size(); ++c) {
+      const bool folds = letters == Letters::ToLower   ? c >= 'A' && c <= 'Z'
+                         : letters == Letters::ToUpper ? c >= 'a' && c <= 'z'
+                                                       : false;
+      m_folded[c] = static_cast<signed char>(static_cast<unsigned char>(folds ? c ^ 0x20 : c));
+    }
+    for (const char end : ends) m_folded[static_cast<unsigned char>(end)] = 0;
   }
+
+  // The one that a dictionary with these settings uses; upper case is looked at
+  // only when case does not matter. Lives as long as the process.
+  static const KeyFolding& For(bool caseSensitive, bool foldToUpper) noexcept;
 
   signed char Fold(char c) const noexcept { return m_folded[static_cast<unsigned char>(c)]; }
 
  private:
-  constexpr KeyFolding(unsigned first, unsigned last, unsigned flipped) : m_folded{} {
-    for (unsigned c = 0; c < m_folded.size(); ++c) {
-      const unsigned folded = c >= first && c <= last ? c ^ flipped : c;
-      m_folded[c] = static_cast<signed char>(static_cast<unsigned char>(folded));
-    }
-  }
-
-  static const KeyFolding kNone;
-  static const KeyFolding kToLower;
-  static const KeyFolding kToUpper;
-
   std::array<signed char, 256> m_folded;
 };
 

@@ -2,8 +2,6 @@
 
 namespace Vask {
 
-RefCount3::~RefCount3() = default;
-
 void RefCount3::OnLastRelease() noexcept {}
 
 }  // namespace Vask

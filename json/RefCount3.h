@@ -32,7 +32,7 @@ class RefCount3 {
  protected:
   explicit RefCount3(bool deleteWhenUnreferenced = true) noexcept
       : m_deleteWhenUnreferenced(deleteWhenUnreferenced), m_refCount(1) {}
-  virtual ~RefCount3();
+  virtual ~RefCount3() = default;
 
   // Called in place of the deletion when the last reference goes from an object
   // that was made with `deleteWhenUnreferenced` false. Does nothing here.

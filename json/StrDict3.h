@@ -1,8 +1,12 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
+#include <string_view>
 #include <type_traits>
 
 #include "json/KeyFolding.h"
@@ -68,18 +72,26 @@ class StrDict3 {
   // With an allocator of its own.
   explicit StrDict3(bool caseSensitive = false, bool foldToUpper = false)
       : StrDict3(new StandardAllocator, caseSensitive, foldToUpper) {
-    m_ownedAllocator = m_allocator;
+    m_ownsAllocator = true;
   }
 
   // With an allocator that belongs to somebody else.
   explicit StrDict3(IAllocator* allocator, bool caseSensitive = false, bool foldToUpper = false)
-      : m_allocator(allocator), m_caseSensitive(caseSensitive), m_foldToUpper(foldToUpper) {}
+      : m_allocator(allocator), m_folding(KeyFolding::For(caseSensitive, foldToUpper)) {}
+  explicit StrDict3(StandardAllocator* allocator, bool caseSensitive = false,
+                    bool foldToUpper = false)
+      : StrDict3(static_cast<IAllocator*>(allocator), caseSensitive, foldToUpper) {
+    m_standardAllocator = allocator;
+  }
 
   // Gives every node back and deletes the allocator if it is the dictionary's
-  // own. Values are not touched.
+  // own (nodes of that one simply go with it). Values are not touched.
   virtual ~StrDict3() {
-    Clear();
-    delete m_ownedAllocator;
+    if (m_ownsAllocator) {
+      delete m_allocator;
+    } else {
+      Clear();
+    }
   }
 
   StrDict3(const StrDict3&) = delete;
@@ -108,38 +120,52 @@ class StrDict3 {
 
   // Takes the first pair, in the order of ForEach, out of the dictionary and
   // gives its value; false when none is left. Assembles no key, so keys may
-  // have any length, and never allocates. Until it answers false the
-  // dictionary is good for nothing but this and destruction.
+  // have any length, and never allocates. For a dictionary that is about to go
+  // together with its allocator: nodes are dropped, not given back, and after
+  // the first call it is good for nothing but further ones and destruction.
   bool TakeFirst(T& value) noexcept;
 
   // Gives every node back; the values are not touched.
   void Clear() noexcept {
-    while (m_root != nullptr) m_allocator->FreeNode(CutFirst());
+    while (Node* node = m_root) {
+      m_root = Successor(node);
+      m_allocator->FreeNode(node);
+    }
   }
 
   // True when no pair was ever inserted.
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  const KeyFolding& Folding() const noexcept {
-    return KeyFolding::For(m_caseSensitive, m_foldToUpper);
-  }
+  // One node or more that lie side by side, no field set; then the way to give
+  // the last `count` of them back.
+  std::span<Node> AllocRun();
+  void FreeRunEnd(std::size_t count) noexcept;
 
-  // Unlinks the first node; its children take its place before its siblings.
-  Node* CutFirst() noexcept;
+  // What comes next when `first`, the first node of the first chain, is cut off:
+  // its children are put before its siblings. This takes a dictionary apart in
+  // the order of ForEach without a stack.
+  static Node* Successor(Node* first) noexcept;
 
-  IAllocator* m_ownedAllocator = nullptr;
   IAllocator* m_allocator;
-  bool m_caseSensitive;
-  std::uint32_t m_foldToUpper;
+  // The same allocator when it is the standard one, whose calls the compiler
+  // can then see through: nodes are got by the dozen for each key.
+  StandardAllocator* m_standardAllocator = nullptr;
+  const KeyFolding& m_folding;
   Node* m_root = nullptr;
+  bool m_ownsAllocator = false;
 };
 
 template <class T>
 template <std::uint32_t NodesPerBlock>
 class StrDict3<T>::Allocator final : public IAllocator {
  public:
-  Allocator() = default;
+  // The memory of a block, for who has room for the first one elsewhere.
+  using Nodes = std::array<Node, NodesPerBlock>;
+
+  // With `firstNodes`, which must outlive the allocator, the first block is
+  // that; all others come from the heap.
+  explicit Allocator(Nodes* firstNodes = nullptr) noexcept : m_firstNodes(firstNodes) {}
   ~Allocator() override {
     while (m_blocks != nullptr) {
       Block* block = m_blocks;
@@ -151,15 +177,30 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator& operator=(const Allocator&) = delete;
 
   Node* AllocNode() override {
-    Node* node = m_freeNodes;
-    if (node != nullptr) {
-      m_freeNodes = node->nextSibling;
+    const std::span<Node> run = AllocRun();
+    FreeRunEnd(run.size() - 1);
+    return run.data();
+  }
+
+  // As many nodes as happen to lie side by side, one at least. Whoever needs
+  // fewer gives the last ones back before anything else is asked of this.
+  std::span<Node> AllocRun() {
+    std::span<Node> run;
+    if (m_freeNodes != nullptr) {
+      run = {m_freeNodes, 1};
+      m_freeNodes = m_freeNodes->nextSibling;
     } else {
       if (m_freshNodes == m_freshEnd) AddBlock();
-      node = m_freshNodes++;
+      run = {m_freshNodes, m_freshEnd};
+      m_freshNodes = m_freshEnd;
     }
-    ++m_nodesInUse;
-    return node;
+    m_nodesInUse += static_cast<std::uint32_t>(run.size());
+    return run;
+  }
+  void FreeRunEnd(std::size_t count) noexcept {
+    if (count == 0) return;  // so it is for a recycled node
+    m_freshNodes = m_freshEnd - count;
+    m_nodesInUse -= static_cast<std::uint32_t>(count);
   }
 
   void FreeNode(Node* node) noexcept override {
@@ -174,74 +215,131 @@ class StrDict3<T>::Allocator final : public IAllocator {
 
  private:
   struct Block {
-    Node nodes[NodesPerBlock];
+    Nodes nodes;
     Block* next;
   };
 
   void AddBlock() {
+    Nodes* nodes = m_blockCount == 0 && m_firstNodes != nullptr ? m_firstNodes : AddHeapBlock();
+    m_freshNodes = nodes->data();
+    m_freshEnd = m_freshNodes + NodesPerBlock;
+    ++m_blockCount;
+  }
+
+  Nodes* AddHeapBlock() {
     Block* block = new Block;  // left unset: whoever takes a node sets its fields
     block->next = m_blocks;
     m_blocks = block;
-    ++m_blockCount;
-    m_freshNodes = block->nodes;
-    m_freshEnd = block->nodes + NodesPerBlock;
+    return &block->nodes;
   }
 
   Node* m_freeNodes = nullptr;
   Node* m_freshNodes = nullptr;  // of the newest block: never handed out so far
   Node* m_freshEnd = nullptr;
-  Block* m_blocks = nullptr;
+  Nodes* m_firstNodes;
+  Block* m_blocks = nullptr;  // those from the heap
   std::uint32_t m_blockCount = 0;
   std::uint32_t m_nodesInUse = 0;
 };
 
-// Lays a key's path character by character, so that a key that is still being
-// read needs no string of its own. Lives no longer than the dictionary.
+// Lays a key's path piece by piece, so that a key that is still being read needs
+// no string of its own. Lives no longer than the dictionary.
 template <class T>
 class StrDict3<T>::Path {
  public:
   explicit Path(StrDict3& dictionary) noexcept
-      : m_dictionary(dictionary), m_folding(dictionary.Folding()), m_level(&dictionary.m_root) {}
+      : m_dictionary(dictionary), m_level(&dictionary.m_root) {}
 
-  // Goes one character deeper, with a new node where there is none. Characters
-  // past kMaxKeyLength are ignored.
-  void Append(char c) {
-    if (m_length == kMaxKeyLength) return;
-    const signed char ch = m_folding.Fold(c);
-    Node** link = m_level;
-    while (*link != nullptr && (*link)->ch < ch) link = &(*link)->nextSibling;
-    if (*link == nullptr || (*link)->ch != ch) *link = NewNode(ch, *link);
-    m_node = *link;
-    m_level = &m_node->firstChild;
-    ++m_length;
+  // Goes deeper along the characters up to the first that `folding` turns into
+  // zero, and answers its place. There are new nodes where there were none. The
+  // folding is the dictionary's own, but may know more ends. Characters past
+  // kMaxKeyLength are passed over.
+  const char* Append(const char* characters, const KeyFolding& folding);
+
+  // The same for a whole key, and for one character that is not NUL.
+  void Append(const char* key) { Append(key, m_dictionary.m_folding); }
+  void Append(char character) {
+    const char characters[] = {character, '\0'};
+    Append(characters);
   }
 
   // The node of the last character; null for an empty key.
   Node* End() const noexcept { return m_node; }
 
  private:
-  Node* NewNode(signed char ch, Node* nextSibling) {
-    Node* node = m_dictionary.m_allocator->AllocNode();
-    node->hasValue = 0;
-    node->ch = ch;
-    node->nextSibling = nextSibling;
-    node->firstChild = nullptr;
-    node->value = T();
-    return node;
-  }
+  const char* Extend(Node** link, const char* at, const KeyFolding& folding);
+  static const char* SkipRest(const char* at, const KeyFolding& folding);
 
   StrDict3& m_dictionary;
-  const KeyFolding& m_folding;
   Node** m_level;
   Node* m_node = nullptr;
-  std::size_t m_length = 0;
+  std::size_t m_room = kMaxKeyLength;  // characters that may still be laid
 };
+
+template <class T>
+const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& folding) {
+  while (const signed char ch = folding.Fold(*at)) {
+    Node** link = m_level;
+    while (*link != nullptr && (*link)->ch < ch) link = &(*link)->nextSibling;
+    if (*link == nullptr || (*link)->ch != ch) return Extend(link, at, folding);
+    if (m_room == 0) return SkipRest(at, folding);
+    --m_room;
+    m_node = *link;
+    m_level = &m_node->firstChild;
+    ++at;
+  }
+  return at;
+}
+
+// Hangs a chain of new nodes in at `link`, for the characters from `at` on.
+template <class T>
+const char* StrDict3<T>::Path::Extend(Node** link, const char* at, const KeyFolding& folding) {
+  signed char ch = folding.Fold(*at);
+  Node* nextSibling = *link;
+  while (m_room != 0) {
+    const std::span<Node> run = m_dictionary.AllocRun();
+    Node* node = run.data();
+    Node* const end = node + std::min(run.size(), m_room);
+    *link = node;
+    do {
+      *node = {0, ch, nextSibling, node + 1, T()};
+      nextSibling = nullptr;
+      ++node;
+      ch = folding.Fold(*++at);
+    } while (ch != 0 && node != end);
+    m_node = node - 1;
+    m_node->firstChild = nullptr;
+    m_level = link = &m_node->firstChild;
+    const auto laid = static_cast<std::size_t>(node - run.data());
+    m_dictionary.FreeRunEnd(run.size() - laid);
+    m_room -= laid;
+    if (ch == 0) return at;
+  }
+  return SkipRest(at, folding);
+}
+
+template <class T>
+const char* StrDict3<T>::Path::SkipRest(const char* at, const KeyFolding& folding) {
+  while (folding.Fold(*at) != 0) ++at;
+  return at;
+}
+
+template <class T>
+std::span<typename StrDict3<T>::Node> StrDict3<T>::AllocRun() {
+  if (m_standardAllocator != nullptr) return m_standardAllocator->AllocRun();
+  return {m_allocator->AllocNode(), 1};
+}
+
+template <class T>
+void StrDict3<T>::FreeRunEnd(std::size_t count) noexcept {
+  if (m_standardAllocator != nullptr) m_standardAllocator->FreeRunEnd(count);
+}
 
 template <class T>
 bool StrDict3<T>::Insert(const char* key, const T& value) {
   if (key == nullptr || *key == '\0') return false;
   Path path(*this);
-  for (; *key != '\0'; ++key) path.Append(*key);
+  path.Append(key);
   path.End()->value = value;
   path.End()->hasValue = 1;
   return true;
@@ -250,11 +348,10 @@ bool StrDict3<T>::Insert(const char* key, const T& value) {
 template <class T>
 bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
-  const KeyFolding& folding = Folding();
   const char* end = key + kMaxKeyLength;
   Node* level = m_root;
   for (Node* node = nullptr;; level = node->firstChild) {
-    const signed char ch = folding.Fold(*key);
+    const signed char ch = m_folding.Fold(*key);
     node = level;
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
     if (node == nullptr || node->ch != ch) return false;
@@ -267,50 +364,63 @@ bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
 
 template <class T>
 bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) const {
+  struct Later {
+    Node* node;
+    std::size_t length;
+  };
+  Later later[kMaxVisitedKeyLength];  // siblings passed over on the way down
+  Later* lastLater = later;
   char key[kMaxVisitedKeyLength + 1];
-  const Node* path[kMaxVisitedKeyLength];  // the nodes of key[prefixLength ...]
-  const std::size_t prefixLength = std::strlen(prefix);
-  if (prefixLength > kMaxVisitedKeyLength) EndProcessOnLongKey();
-  std::memcpy(key, prefix, prefixLength);
-  std::size_t depth = 0;
+  std::size_t length = std::strlen(prefix);
+  if (length > kMaxVisitedKeyLength) EndProcessOnLongKey();
+  std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
-    if (prefixLength + depth == kMaxVisitedKeyLength) EndProcessOnLongKey();
-    key[prefixLength + depth] = static_cast<char>(node->ch);
-    path[depth++] = node;
-    key[prefixLength + depth] = '\0';
-    if (node->hasValue && !callback(key, &node->value, context)) return false;
-    node = node->firstChild;
-    while (node == nullptr && depth != 0) node = path[--depth]->nextSibling;
+    if (length == kMaxVisitedKeyLength) EndProcessOnLongKey();
+    key[length] = static_cast<char>(node->ch);
+    if (node->hasValue) {
+      key[length + 1] = '\0';
+      if (!callback(key, &node->value, context)) return false;
+    }
+    if (node->firstChild != nullptr) {
+      if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
+      node = node->firstChild;
+      ++length;
+    } else if (node->nextSibling != nullptr) {
+      node = node->nextSibling;
+    } else {
+      if (lastLater == later) return true;
+      node = (--lastLater)->node;
+      length = lastLater->length;
+    }
   }
   return true;
 }
 
 template <class T>
-typename StrDict3<T>::Node* StrDict3<T>::CutFirst() noexcept {
-  Node* first = m_root;
-  if (first->firstChild == nullptr) {
-    m_root = first->nextSibling;
-    return first;
+typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
+  Node* child = first->firstChild;
+  if (child == nullptr) return first->nextSibling;
+  if (first->nextSibling != nullptr) {
+    // Each chain of siblings is walked to its end once at most, so a whole
+    // dictionary is taken apart in linear time.
+    Node* lastChild = child;
+    while (lastChild->nextSibling != nullptr) lastChild = lastChild->nextSibling;
+    lastChild->nextSibling = first->nextSibling;
   }
-  // Each chain of siblings is walked to its end once, so a whole dictionary is
-  // taken apart in linear time.
-  Node* lastChild = first->firstChild;
-  while (lastChild->nextSibling != nullptr) lastChild = lastChild->nextSibling;
-  lastChild->nextSibling = first->nextSibling;
-  m_root = first->firstChild;
-  return first;
+  return child;
 }
 
 template <class T>
 bool StrDict3<T>::TakeFirst(T& value) noexcept {
-  while (m_root != nullptr) {
-    Node* node = CutFirst();
-    const bool found = node->hasValue != 0;
-    if (found) value = node->value;
-    m_allocator->FreeNode(node);
-    if (found) return true;
+  Node* node = m_root;
+  while (node != nullptr && !node->hasValue) node = Successor(node);
+  if (node == nullptr) {
+    m_root = nullptr;
+    return false;
   }
-  return false;
+  value = node->value;
+  m_root = Successor(node);
+  return true;
 }
 
 }  // namespace Vask
