@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstddef>
+
+#include "agent/Traps.h"
+#include "agent/Variables.h"
+
+// What a management module says of the agent's variables and traps beyond what
+// the agent's own tables hold.
+
+namespace Mibs {
+
+// The branches under the module's name. The first one holds the notifications
+// too: RFC 3584, section 3.1, makes enterprise.0.<specific trap> of an SNMPv1
+// trap.
+struct Branch {
+  const char* name;
+  UINT subIdentifier;
+};
+inline constexpr Branch kBranches[] = {
+    {"corvaneEvents", 0},
+    {"corvaneProduct", 1},
+    {"corvaneMedia", 2},
+};
+inline constexpr const Branch& kEvents = kBranches[0];
+
+// The branch of a variable, by the first number of its suffix.
+constexpr const Branch& BranchOf(const Agent::VariableRow& variable) {
+  for (const Branch& branch : kBranches)
+    if (branch.subIdentifier == variable.suffix[0]) return branch;
+  throw "no branch for this variable";
+}
+
+// How bad a trap is, in the words of trap translators.
+enum class Severity { Informational, Major, Critical };
+
+// `sentence` is whole by itself, since trap translators show nothing else.
+struct Notification {
+  const char* trap;
+  Severity severity;
+  const char* sentence;
+  const char* more;
+};
+inline constexpr Notification kNotifications[] = {
+    {Agent::TrapName("TrapSoftwareLinkUp"), Severity::Informational,
+     "Corvane: link to the server software is up and all values are current.", ""},
+    {Agent::TrapName("TrapSoftwareLinkDown"), Severity::Critical,
+     "Corvane: link to the server software is down.",
+     "Until corvaneTrapSoftwareLinkUp the other values are not current."},
+    {Agent::TrapName("TrapStreamsOK"), Severity::Informational,
+     "Corvane: no stream is in error any more.", "corvaneStreamsErrors is 0."},
+    {Agent::TrapName("TrapStreamsFailed"), Severity::Major,
+     "Corvane: at least one stream is in error.",
+     "corvaneStreamsErrors went from 0 to a value above 0."},
+    {Agent::TrapName("TrapAudioSourcesOK"), Severity::Informational,
+     "Corvane: no audio source is in error any more.", "corvaneAudioSourcesErrors is 0."},
+    {Agent::TrapName("TrapAudioSourcesFailed"), Severity::Major,
+     "Corvane: at least one audio source is in error.",
+     "corvaneAudioSourcesErrors went from 0 to a value above 0."},
+    {Agent::TrapName("TrapAudioSilenceDetectPassed"), Severity::Informational,
+     "Corvane: no audio source is silent any more.", "corvaneAudioSourcesSilence is 0."},
+    {Agent::TrapName("TrapAudioSilenceDetectFailed"), Severity::Major,
+     "Corvane: at least one audio source is silent.",
+     "corvaneAudioSourcesSilence went from 0 to a value above 0."},
+    {Agent::TrapName("TrapStreamsFailedUpdated"), Severity::Major,
+     "Corvane: the number of streams in error changed.", "corvaneStreamsErrors is still above 0."},
+    {Agent::TrapName("TrapAudioSourcesFailedUpdated"), Severity::Major,
+     "Corvane: the number of audio sources in error changed.",
+     "corvaneAudioSourcesErrors is still above 0."},
+    {Agent::TrapName("TrapAudioSilenceDetectFailedUpdated"), Severity::Major,
+     "Corvane: the number of silent audio sources changed.",
+     "corvaneAudioSourcesSilence is still above 0."},
+};
+
+constexpr const Notification& NotificationOf(const Agent::TrapRow& trap) {
+  for (const Notification& notification : kNotifications)
+    if (notification.trap == trap.name) return notification;
+  throw "no notification for this trap";
+}
+
+// Every variable has a branch and every trap its notification, or this does
+// not compile.
+consteval bool IsComplete() {
+  for (const Agent::VariableRow& variable : Agent::kVariables) (void)BranchOf(variable);
+  for (const Agent::TrapRow& trap : Agent::kTraps) (void)NotificationOf(trap);
+  return std::size(kNotifications) == std::size(Agent::kTraps);
+}
+static_assert(IsComplete());
+
+}  // namespace Mibs
