@@ -107,6 +107,20 @@ TEST_F(CDailyEventLogTest, AFailedRotationLeavesTheLogWithoutAFileUntilItIsOpene
   EXPECT_EQ(Bytes(kTomorrow), "T P x\n");
 }
 
+TEST_F(CDailyEventLogTest, AFolderThatVanishesFailsTheRotationAndComesBackWithOpen) {
+  ASSERT_TRUE(log.Open("C:\\logs"));
+  files.folders.erase("C:\\logs");
+  files.files.clear();
+  Write("into nothing\n");
+  EXPECT_TRUE(log.IsOpen());
+  clock.Advance(kDayMs);
+  Write("dropped\n");
+  EXPECT_FALSE(log.IsOpen());
+  ASSERT_TRUE(log.Open("C:\\logs"));
+  Write("x\n");
+  EXPECT_EQ(Bytes(kTomorrow), "T P x\n");
+}
+
 TEST_F(CDailyEventLogTest, ARotationThatFailsWithinALineDropsItsRest) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   clock.Advance(12 * kHourMs - 1);

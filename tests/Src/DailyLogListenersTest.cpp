@@ -8,9 +8,9 @@
 
 #include "Src/DailyLog.h"
 #include "tests/support/FakeClock.h"
+#include "tests/support/FaultySockets.h"
 #include "tests/support/LogBlocks.h"
 #include "tests/support/MemoryFiles.h"
-#include "tests/support/RecordingSockets.h"
 
 namespace Vask::Tests {
 namespace {
@@ -48,7 +48,7 @@ class DailyLogListenersTest : public testing::Test {
  protected:
   FakeClock clock;
   MemoryFiles files;
-  RecordingSockets sockets;
+  FaultySockets sockets;
   DailyLog log{clock, files, sockets};
   Listener a;
   Listener b;

@@ -1,76 +1,71 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Src/DailyLog.h"
 #include "tests/support/FakeClock.h"
+#include "tests/support/FaultySockets.h"
 #include "tests/support/MemoryFiles.h"
-#include "tests/support/RecordingSockets.h"
 
 namespace Vask::Tests {
 namespace {
 
 using Platform::SocketHandle;
 
-std::uint16_t PortOf(const Platform::SocketAddress& address) {
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(&address.portNetworkOrder);
-  return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
-}
-
-// As "10.0.0.5:514".
-std::string Text(const Platform::SocketAddress& address) {
-  const auto* const bytes = reinterpret_cast<const unsigned char*>(&address.addressNetworkOrder);
-  std::ostringstream text;
-  text << +bytes[0] << '.' << +bytes[1] << '.' << +bytes[2] << '.' << +bytes[3] << ':'
-       << PortOf(address);
-  return text.str();
-}
+using Texts = std::vector<std::string>;
 
 class DailyLogSyslogTest : public testing::Test {
  protected:
-  // Where the last line went; empty when nothing was sent.
-  std::string Destination() {
-    const std::size_t before = sockets.sent.size();
+  DailyLogSyslogTest() { sockets.names["known"] = 0x0700000Au; }  // 10.0.0.7 on the wire
+
+  // What the sockets were asked for since the last time.
+  Texts Calls() { return std::exchange(sockets.calls, {}); }
+
+  // What one more line asks of the sockets.
+  Texts CallsOfALine() {
+    sockets.calls.clear();
     log.Info("x\n");
-    return sockets.sent.size() == before ? "" : Text(sockets.sent.back().destination);
+    return Calls();
   }
 
   FakeClock clock;
   MemoryFiles files;
-  RecordingSockets sockets;
+  FaultySockets sockets;
   DailyLog log{clock, files, sockets};
 };
 
 TEST_F(DailyLogSyslogTest, IsOffAtFirst) {
-  EXPECT_EQ(Destination(), "");
-  EXPECT_TRUE(sockets.opened.empty()) << "no socket before it is needed";
+  log.Info("x\n");
+  EXPECT_EQ(Calls(), Texts{}) << "no socket before it is needed";
 }
 
 TEST_F(DailyLogSyslogTest, TheServerIsAHostWithOrWithoutAPort) {
   const struct {
     const char* host;
-    const char* destination;
+    const char* call;
   } rows[] = {
-      {"10.0.0.5", "10.0.0.5:514"},   {"10.0.0.5:600", "10.0.0.5:600"},
-      {"localhost", "127.0.0.1:514"}, {"localhost:601", "127.0.0.1:601"},
-      {"known", "10.0.0.7:514"},      {"known:602", "10.0.0.7:602"},
+      {"10.0.0.5", "SendTo 10.0.0.5:514"},   {"10.0.0.5:600", "SendTo 10.0.0.5:600"},
+      {"localhost", "SendTo 127.0.0.1:514"}, {"localhost:601", "SendTo 127.0.0.1:601"},
+      {"known", "SendTo 10.0.0.7:514"},      {"known:602", "SendTo 10.0.0.7:602"},
   };
   for (const auto& row : rows) {
     EXPECT_TRUE(log.EnableSyslog(row.host, 0)) << row.host;
-    EXPECT_EQ(Destination(), row.destination) << row.host;
+    EXPECT_EQ(CallsOfALine(), Texts{row.call}) << row.host;
   }
 }
 
 TEST_F(DailyLogSyslogTest, AServerThatCannotBeHadChangesNothing) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
   for (const char* host : {"10.0.0.6:0", "unknown", "", ":600"}) {
+    sockets.calls.clear();
     EXPECT_FALSE(log.EnableSyslog(host, 0)) << host;
-    EXPECT_EQ(Destination(), "10.0.0.5:514") << host;
+    EXPECT_THAT(Calls(), testing::Each(testing::StartsWith("LookUp "))) << host;
+    EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.5:514"}) << host;
   }
-  EXPECT_EQ(sockets.opened.size(), 1u);
 }
 
 TEST_F(DailyLogSyslogTest, EveryLevelIsSentWithItsPriority) {
@@ -79,73 +74,82 @@ TEST_F(DailyLogSyslogTest, EveryLevelIsSentWithItsPriority) {
   log.Warning("w\n");
   log.Info("i\n");
   log.Trace("t\n");
-  std::vector<std::string> datagrams;
-  for (const auto& datagram : sockets.sent) datagrams.push_back(datagram.bytes);
-  EXPECT_EQ(datagrams, (std::vector<std::string>{"<131>Error: e\n", "<132>Warning: w\n",
-                                                 "<134>Info: i\n", "<131>TRACE: t\n"}));
+  EXPECT_EQ(sockets.datagrams,
+            (Texts{"<131>Error: e\n", "<132>Warning: w\n", "<134>Info: i\n", "<131>TRACE: t\n"}));
 }
 
 TEST_F(DailyLogSyslogTest, ThePortToSendFromIsBoundUnlessItIs0) {
-  EXPECT_TRUE(log.EnableSyslog("10.0.0.5", -1));
-  EXPECT_TRUE(sockets.boundPorts.empty()) << "the port used last time is 0 at first";
-  EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 5140));
-  EXPECT_TRUE(log.EnableSyslog("10.0.0.5", -1));
-  EXPECT_EQ(sockets.boundPorts, (std::vector<std::uint16_t>{5140, 5140}));
-  EXPECT_EQ(sockets.reused, 2u);
-  EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 0));
-  EXPECT_TRUE(log.EnableSyslog("10.0.0.5", -7));
-  EXPECT_EQ(sockets.boundPorts.size(), 2u);
+  const Texts unbound = {"OpenUdp", "IgnorePortUnreachable 7"};
+  const Texts bound = {"OpenUdp", "IgnorePortUnreachable 7", "AllowAddressReuse 7", "Bind 7 5140"};
+  const struct {
+    const char* name;
+    std::int32_t port;
+    Texts calls;
+  } rows[] = {
+      {"the port used last time is 0 at first", -1, unbound},
+      {"a port", 5140, bound},
+      {"the port used last time", -1, bound},
+      {"any port", 0, unbound},
+      {"the port used last time was any", -7, unbound},
+  };
+  for (const auto& row : rows) {
+    EXPECT_TRUE(log.EnableSyslog("10.0.0.5", row.port)) << row.name;
+    EXPECT_EQ(Calls(), row.calls) << row.name;
+    log.DisableSyslog();
+    sockets.calls.clear();
+  }
 }
 
 TEST_F(DailyLogSyslogTest, WhetherThePortCouldBeBoundIsNotLookedAt) {
   sockets.binds = false;
   EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 5140));
-  EXPECT_EQ(Destination(), "10.0.0.5:514");
+  EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.5:514"});
 }
 
 TEST_F(DailyLogSyslogTest, EnablingAgainReplacesTheSocket) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
+  sockets.calls.clear();
+  sockets.nextHandle = 8;
   ASSERT_TRUE(log.EnableSyslog("10.0.0.6", 0));
-  EXPECT_EQ(Destination(), "10.0.0.6:514");
-  ASSERT_EQ(sockets.opened.size(), 2u);
-  EXPECT_EQ(sockets.closed, std::vector<SocketHandle>{sockets.opened[0]});
-  EXPECT_EQ(sockets.sent.back().socket, sockets.opened[1]);
+  EXPECT_EQ(Calls(), (Texts{"Close 7", "OpenUdp", "IgnorePortUnreachable 8"}));
+  EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.6:514"});
 }
 
 TEST_F(DailyLogSyslogTest, WithoutASocketItIsNotEnabled) {
-  sockets.opensSockets = false;
+  sockets.nextHandle = Platform::kInvalidSocket;
   EXPECT_FALSE(log.EnableSyslog("10.0.0.5", 0));
-  EXPECT_EQ(Destination(), "");
+  EXPECT_EQ(CallsOfALine(), Texts{});
 }
 
 TEST_F(DailyLogSyslogTest, ASocketThatStillHearsOfClosedPortsServesAllTheSame) {
   sockets.ignoresPortUnreachable = false;
   EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 0));
-  EXPECT_EQ(Destination(), "10.0.0.5:514");
+  EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.5:514"});
 }
 
 TEST_F(DailyLogSyslogTest, LosingTheSocketSendsNothingAnyMore) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
-  sockets.opensSockets = false;
+  sockets.nextHandle = Platform::kInvalidSocket;
   EXPECT_FALSE(log.EnableSyslog("10.0.0.6", 0));
-  EXPECT_EQ(Destination(), "");
+  EXPECT_EQ(CallsOfALine(), Texts{});
 }
 
-TEST_F(DailyLogSyslogTest, DisablingClosesTheSocket) {
+TEST_F(DailyLogSyslogTest, DisablingClosesTheSocketOnce) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
+  sockets.calls.clear();
   log.DisableSyslog();
-  EXPECT_EQ(Destination(), "");
-  EXPECT_EQ(sockets.closed, sockets.opened);
   log.DisableSyslog();
-  EXPECT_EQ(sockets.closed.size(), 1u);
+  EXPECT_EQ(Calls(), Texts{"Close 7"});
+  EXPECT_EQ(CallsOfALine(), Texts{});
 }
 
 TEST_F(DailyLogSyslogTest, TheSocketIsClosedWithTheLog) {
   {
     DailyLog mortal{clock, files, sockets};
     ASSERT_TRUE(mortal.EnableSyslog("10.0.0.5", 0));
+    sockets.calls.clear();
   }
-  EXPECT_EQ(sockets.closed, sockets.opened);
+  EXPECT_EQ(Calls(), Texts{"Close 7"});
 }
 
 // Real datagrams: a receiver on a port of its own, and the machine's sockets.

@@ -9,8 +9,8 @@
 
 #include "Src/LogPrinter.h"
 #include "tests/support/FakeClock.h"
+#include "tests/support/FaultySockets.h"
 #include "tests/support/MemoryFiles.h"
-#include "tests/support/RecordingSockets.h"
 
 namespace Vask::Tests {
 namespace {
@@ -23,7 +23,7 @@ class DailyLogTest : public testing::Test {
 
   FakeClock clock;  // noon of 14 May 2018, UTC
   MemoryFiles files;
-  RecordingSockets sockets;
+  FaultySockets sockets;
   DailyLog log{clock, files, sockets};
 };
 
@@ -69,8 +69,7 @@ TEST_F(DailyLogTest, WithoutAFileTheConsoleAndSyslogStillGetEveryLine) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
   log.Info("x\n");
   EXPECT_EQ(files.console, "12:00:00.000: Info: x\n");
-  ASSERT_EQ(sockets.sent.size(), 1u);
-  EXPECT_EQ(sockets.sent[0].bytes, "<134>Info: x\n");
+  EXPECT_EQ(sockets.datagrams, std::vector<std::string>{"<134>Info: x\n"});
 }
 
 TEST_F(DailyLogTest, ThePrinterWritesToItAndItTakesItselfOutWhenItGoes) {

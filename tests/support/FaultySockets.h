@@ -18,6 +18,7 @@ class FaultySockets final : public Platform::Sockets {
   static constexpr int kEverything = 1'000'000;  // in sendResults: all that is offered
 
   std::vector<std::string> calls;
+  std::vector<std::string> datagrams;  // the bytes of each
 
   std::map<std::string, std::uint32_t> names;  // what can be looked up, in network order
   std::string hostName = "machine";
@@ -67,8 +68,9 @@ class FaultySockets final : public Platform::Sockets {
     Note("Bind " + std::to_string(socket) + ' ' + std::to_string(port));
     return binds;
   }
-  int SendTo(Platform::SocketHandle, const char*, std::size_t length,
+  int SendTo(Platform::SocketHandle, const char* data, std::size_t length,
              const Platform::SocketAddress& destination) noexcept override {
+    datagrams.emplace_back(data, length);
     Note("SendTo " + Dump(destination));
     return static_cast<int>(length);
   }

@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include "Src/DailyLog.h"
+#include "Src/LogPrinter.h"
+#include "tests/support/AllocationCounter.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/FaultySockets.h"
+#include "tests/support/TempFolder.h"
+
+namespace Vask::Tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::uint32_t kDayMs = 86'400'000;
+constexpr char kTodaysName[] = "Log2018-05-14.log";
+
+// The daily log on the machine's own disk. Its clock says 14 May 2018, noon,
+// unless a test sets it.
+class DailyLogDiskTest : public testing::Test {
+ protected:
+  static std::string Line(const std::string& text) {
+    return "12:00:00.000: Info: " + text + TempFolder::kLineEnd;
+  }
+  bool Exists(const char* name) const { return fs::exists(folder.NativePath() / name); }
+
+  TempFolder folder;
+  FakeClock clock;
+  FaultySockets sockets;
+  DailyLog log{clock, Platform::SystemFiles(), sockets};
+};
+
+TEST_F(DailyLogDiskTest, EveryLineIsInTheFileWithTheSystemsLineEndBeforeTheCallReturns) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  log.Info("one\n");
+  EXPECT_EQ(folder.Bytes(kTodaysName), Line("one"));
+  log.Info("two\nlines\n");
+  EXPECT_EQ(folder.Bytes(kTodaysName), Line("one") + Line("two") + "lines" + TempFolder::kLineEnd);
+}
+
+TEST_F(DailyLogDiskTest, TheNoteOfAStopHasTheSystemsLineEndsToo) {
+  log.SetSizeLimit(1);
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  log.Info("one\n");
+  const std::string end = TempFolder::kLineEnd;
+  EXPECT_EQ(folder.Bytes(kTodaysName),
+            end + "WARNING: File size limit of 1 bytes reached! Logging stopped until next day." +
+                end + end);
+}
+
+TEST_F(DailyLogDiskTest, EachDayHasItsFile) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  log.Info("Monday\n");
+  clock.Advance(kDayMs);
+  log.Info("Tuesday\n");
+  EXPECT_EQ(folder.Bytes("Log2018-05-14.log"), Line("Monday"));
+  EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("Tuesday"));
+}
+
+TEST_F(DailyLogDiskTest, OpeningCreatesTheFolderWithItsParentsAndAppendsLater) {
+  const std::string deep = folder.Path("a") + "\\b\\c";
+  ASSERT_TRUE(log.Open(deep.c_str()));
+  log.Info("one\n");
+  ASSERT_TRUE(log.Open(deep.c_str()));
+  log.Info("two\n");
+  EXPECT_EQ(folder.Bytes("a/b/c/Log2018-05-14.log"), Line("one") + Line("two"));
+}
+
+// The disk's clock cannot be set, so the log's goes ahead of it.
+TEST_F(DailyLogDiskTest, FilesOlderThanTheDaysToKeepAreDeletedAndOthersStay) {
+  clock.epochMilliseconds = Platform::SystemClock().EpochSeconds() * 1'000;
+  std::ofstream(folder.NativePath() / "LogOld.log") << "old";
+  std::ofstream(folder.NativePath() / "Other.log") << "other";
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  clock.epochMilliseconds += std::int64_t{28} * kDayMs;
+  log.Info("four weeks later\n");
+  EXPECT_TRUE(Exists("LogOld.log"));
+  clock.epochMilliseconds += std::int64_t{4} * kDayMs;
+  log.Info("over 30 days later\n");
+  EXPECT_FALSE(Exists("LogOld.log"));
+  EXPECT_TRUE(Exists("Other.log"));
+}
+
+TEST_F(DailyLogDiskTest, EnumerationFindsTheDaysFiles) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  std::ofstream(folder.NativePath() / "Other.txt") << "other";
+  std::vector<std::string> found;
+  const auto note = [](const char* name, const char* path, void* context) {
+    auto& lines = *static_cast<std::vector<std::string>*>(context);
+    lines.push_back(name);
+    lines.push_back(path);
+    return true;
+  };
+  EXPECT_TRUE(log.EnumerateLogFiles(note, &found));
+  EXPECT_EQ(found, (std::vector<std::string>{kTodaysName, folder.Path(kTodaysName)}));
+}
+
+// Systems that let no open file go keep the folder: then the log just goes on.
+TEST_F(DailyLogDiskTest, AFolderThatVanishesCostsTheFileUntilTheLogIsOpenedAgain) {
+  const std::string logs = folder.Path("logs");
+  ASSERT_TRUE(log.Open(logs.c_str()));
+  std::error_code stillThere;
+  fs::remove_all(folder.NativePath() / "logs", stillThere);
+  const bool kept = Exists("logs");
+  log.Info("into the file that has lost its name\n");
+  clock.Advance(kDayMs);
+  log.Info("no file for this day\n");
+  EXPECT_EQ(Exists("logs"), kept) << "a line makes no folder";
+  ASSERT_TRUE(log.Open(logs.c_str()));
+  const std::string before = folder.Bytes("logs/Log2018-05-15.log");
+  log.Info("again\n");
+  EXPECT_EQ(folder.Bytes("logs/Log2018-05-15.log"), before + Line("again"));
+}
+
+// Runs the program beside this one that writes lines to the log in a folder, and
+// answers its exit status.
+int RunLogWriter(const TempFolder& folder, const char* word) {
+  const fs::path self = testing::internal::GetInjectableArgvs().at(0);
+  const fs::path writer =
+      self.parent_path() / fs::path("log_writer").replace_extension(self.extension());
+  std::string command = '"' + writer.string() + "\" \"" + folder.Path() + "\" 300 " + word;
+#if defined(_WIN32)
+  command = '"' + command + '"';  // cmd takes the outermost quotes away
+#endif
+  return std::system(command.c_str());
+}
+
+std::size_t CountOf(const std::string& text, const std::string& part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) {
+    ++count;
+  }
+  return count;
+}
+
+TEST_F(DailyLogDiskTest, TwoProcessesAppendToTheSameFileAndLoseNothing) {
+  int firstStatus = -1;
+  std::thread first([&] { firstStatus = RunLogWriter(folder, "first"); });
+  const int secondStatus = RunLogWriter(folder, "second");
+  first.join();
+  EXPECT_EQ(firstStatus, 0);
+  EXPECT_EQ(secondStatus, 0);
+  std::string bytes;  // of one day's file, or of two around midnight
+  for (const auto& entry : fs::directory_iterator(folder.NativePath())) {
+    bytes += folder.Bytes(entry.path().filename().string());
+  }
+  const std::string end = TempFolder::kLineEnd;
+  EXPECT_EQ(CountOf(bytes, "Info: "), 600u);
+  EXPECT_EQ(CountOf(bytes, "first" + end), 300u);
+  EXPECT_EQ(CountOf(bytes, "second" + end), 300u);
+  const std::size_t lineLength = std::string("12:00:00.000: Info: ").size() + end.size();
+  EXPECT_EQ(bytes.size(), 600 * lineLength + 300 * (5 + 6));
+}
+
+TEST_F(DailyLogDiskTest, ASteadyLineAllocatesNothing) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  LogPrinter printer{clock};
+  printer.SetTarget(&log);
+  const auto write = [&printer](int lines) {
+    for (int i = 0; i < lines; ++i) {
+      printer.Info("GetRequest(%s) %d\n", "1.3.6.1", i);
+      printer.Error("%0200d\n", i);
+    }
+  };
+  write(20);  // fills the history once
+  const std::uint64_t before = Allocations();
+  write(1'000);
+  EXPECT_EQ(Allocations() - before, 0u);
+}
+
+}  // namespace
+}  // namespace Vask::Tests
