@@ -4,7 +4,6 @@
 
 #include "agent/ObjectIdentifier.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/AllocationFault.h"
 
 namespace Agent::Tests {
 
@@ -186,27 +185,6 @@ TEST_F(StartSetTest, SettingAnUnknownNameOrAnotherTypeChangesNothing) {
 TEST_F(StartSetTest, NumberIsWrittenInPlace) {
   EXPECT_TRUE(agent.Variables().SetInt("streamscount", -7));
   EXPECT_EQ(Get("P.2.0"), "0 P.2.0 = INT -7");
-}
-
-TEST_F(MibTableTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehind) {
-  MibTable& table = agent.Variables();
-  const auto before = HeldBlocks();
-  {
-    const FailingAllocations failing(1);  // the entry itself may be had
-    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
-  }
-  {
-    const FailingAllocations failing(1);
-    EXPECT_EQ(table.RegisterString(Lend(kFirstSuffix), "Text", nullptr, 64, "x"), nullptr);
-  }
-  {
-    const FailingAllocations failing(2);  // entry and value, not its place in the list
-    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
-  }
-  EXPECT_EQ(HeldBlocks(), before);
-  EXPECT_EQ(table.Find("Number"), nullptr);
-  EXPECT_EQ(table.Find("Text"), nullptr);
-  EXPECT_EQ(table.Ordered().Head(), nullptr);
 }
 
 TEST_F(MibTableTest, FailedRegistrationLeavesThePreviousVariableWithoutFollower) {

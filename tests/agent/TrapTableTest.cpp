@@ -2,7 +2,6 @@
 
 #include "agent/ObjectIdentifier.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/AllocationFault.h"
 
 namespace Agent::Tests {
 
@@ -124,40 +123,6 @@ TEST_F(TrapTableTest, NameIsFoundInAnySpellingAndPrintedAsRegistered) {
   EXPECT_TRUE(agent.Traps().Queue("TRAPSTREAMSOK"));
   EXPECT_EQ(LastLine(),
             "Info: SNMPExtensionAgent: Added trap 'TrapStreamsOK' to transmit queue..\n");
-}
-
-TEST_F(TrapTableTest, WithoutMemoryNothingIsQueuedAndTheAnswerIsStillTrue) {
-  TrapQueue queue;
-  const std::string name = "TrapAudioSilenceDetectFailedUpdated";
-  for (const int allowed : {0, 1}) {
-    const FailingAllocations failing(allowed);
-    EXPECT_FALSE(queue.Append(20, name)) << allowed;
-  }
-  EXPECT_EQ(queue.Count(), 0u);
-  EXPECT_TRUE(queue.Append(20, name));
-  {
-    const FailingAllocations failing;
-    EXPECT_THROW(static_cast<void>(queue.Take()), std::bad_alloc);
-  }
-  const auto trap = queue.Take();
-  ASSERT_TRUE(trap.has_value());
-  EXPECT_EQ(trap->m_name, name);
-}
-
-TEST_F(TrapTableTest, TrapThatCannotBeKeptLeavesTheEventAlone) {
-  log.Clear();
-  bool answer = false;
-  {
-    // The log keeps its lines in memory: stand it aside for the duration.
-    Vask::LogPrinter::Instance().SetTarget(nullptr);
-    Vask::LogPrinter::Instance().SetConsole(false);
-    const FailingAllocations failing;
-    answer = agent.Traps().Queue("TrapAudioSilenceDetectFailedUpdated");
-  }
-  Vask::LogPrinter::Instance().SetConsole(true);
-  EXPECT_TRUE(answer);
-  EXPECT_EQ(agent.Traps().QueuedCount(), 0u);
-  EXPECT_FALSE(EventIsSet());
 }
 
 TEST_F(TrapTableTest, EventIsTheAgentsOwnAndGoesWithIt) {

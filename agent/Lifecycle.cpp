@@ -1,0 +1,98 @@
+#include "agent/Lifecycle.h"
+
+#include <cstring>
+
+#include "Src/DailyLog.h"
+#include "Src/ErrReporter.h"
+#include "Src/LogPrinter.h"
+#include "Src/TimerService.h"
+#include "agent/MyConnectNotify.h"
+#include "agent/SNMPExtensionAgent.h"
+#include "agent/Traps.h"
+#include "agent/Variables.h"
+#include "net/CFileName2.h"
+#include "net/JsonSocket.h"
+#include "platform/Files.h"
+
+namespace Agent {
+
+using Vask::LogPrinter;
+
+namespace {
+
+constexpr char kProductFolder[] = "\\Veltrin Systems\\Corvane\\SNMP";
+constexpr char kLogsFolder[] = "\\Logs";
+constexpr char kOwnName[] = "SNMPd";
+
+// The longest path that the log takes.
+constexpr std::size_t kPathCapacity = 261;
+
+// False when the whole does not fit.
+[[nodiscard]] bool AppendPath(char (&path)[kPathCapacity], const char* tail) noexcept {
+  const std::size_t length = std::strlen(path);
+  const std::size_t tailLength = std::strlen(tail);
+  if (length + tailLength >= kPathCapacity) return false;
+  std::memcpy(path + length, tail, tailLength + 1);
+  return true;
+}
+
+}  // namespace
+
+bool Lifecycle::Start() {
+  if (!OpenLog()) return false;
+  LogPrinter::Instance().Info("Starting Corvane SNMP extension agent..\n");
+  // Without timers the agent still serves what it has.
+  static_cast<void>(m_parts.timers.StartService());
+  RegisterVariables(m_parts.agent.Variables());
+  RegisterTraps(m_parts.agent.Traps());
+  return OpenLink();
+}
+
+// Nothing is logged when this fails: there is nowhere to log to.
+bool Lifecycle::OpenLog() {
+  char path[kPathCapacity];
+  Vask::Platform::Files& files = m_parts.files;
+  if (!files.CommonApplicationData(path, sizeof path)) return false;
+  for (const char* const folder : {kProductFolder, kLogsFolder}) {
+    if (!AppendPath(path, folder)) return false;
+    if (!Vask::CFileName2::CreateFolders(path, files)) return false;
+  }
+  if (!m_parts.log.Open(path)) return false;
+  LogPrinter::Instance().SetTarget(&m_parts.log);
+  return true;
+}
+
+// A link that runs already must not be touched, but it does say so.
+bool Lifecycle::OpenLink() {
+  if (!m_parts.link.IsRunning()) WireLink();
+  if (m_parts.link.OpenThread()) return true;
+  LogPrinter::Instance().Error("Unable to open JsonSocket!\n");
+  return false;
+}
+
+// Everything stands before the link's thread does, so the first message finds
+// its way.
+void Lifecycle::WireLink() {
+  m_parts.registrar.SetErrorSink(&m_parts.errors);
+  m_parts.registrar.SetSender(&m_parts.link);
+  m_parts.registrar.SetFrom(kOwnName);
+  m_parts.registrar.Subscribe<Messages::SNMPmessage>(m_parts.onMessage);
+  m_parts.registrar.Subscribe<Messages::SNMPupdateFinished>(m_parts.onUpdateFinished);
+  m_parts.link.SetTextListener(&m_parts.registrar);
+  m_parts.link.SetEvents(&m_parts.connectNotify);
+  m_parts.link.SetErrorSink(&m_parts.errors);
+  m_parts.link.SetPort(kLinkPort);
+}
+
+void Lifecycle::Stop(Ending ending) {
+  LogPrinter::Instance().Info("Terminating SNMP extension agent..\n");
+  m_parts.agent.SetTerminating();
+  if (ending == Ending::kProcessEnd) {
+    m_parts.link.RequestStop();
+    return;
+  }
+  m_parts.link.StopThread();
+  m_parts.timers.StopService();
+}
+
+}  // namespace Agent

@@ -1,0 +1,158 @@
+// What happens when there is no memory, and that all memory goes back.
+
+#include <new>
+#include <string>
+
+#include "agent/MibTable.h"
+#include "agent/ObjectIdentifier.h"
+#include "agent/TrapQueue.h"
+#include "tests/agent/AllocationFault.h"
+#include "tests/agent/LifecycleFixture.h"
+#include "tests/agent/TrapFloodFixture.h"
+
+namespace Agent::Tests {
+
+namespace {
+
+constexpr UINT kFirstSuffix[] = {1, 0};
+
+using MibTableMemoryTest = EmptyAgentTest;
+
+class TrapMemoryTest : public AgentTest {
+ protected:
+  bool EventIsSet() {
+    return Vask::Platform::SystemThreading().WaitEvent(agent.Traps().EventHandle(), 0);
+  }
+};
+
+TEST_F(MibTableMemoryTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehind) {
+  MibTable& table = agent.Variables();
+  const auto before = HeldBlocks();
+  {
+    const FailingAllocations failing(1);  // the entry itself may be had
+    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
+  }
+  {
+    const FailingAllocations failing(1);
+    EXPECT_EQ(table.RegisterString(Lend(kFirstSuffix), "Text", nullptr, 64, "x"), nullptr);
+  }
+  {
+    const FailingAllocations failing(2);  // entry and value, not its place in the list
+    EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
+  }
+  EXPECT_EQ(HeldBlocks(), before);
+  EXPECT_EQ(table.Find("Number"), nullptr);
+  EXPECT_EQ(table.Find("Text"), nullptr);
+  EXPECT_EQ(table.Ordered().Head(), nullptr);
+}
+
+TEST_F(TrapMemoryTest, WithoutMemoryNothingIsQueuedAndTheAnswerIsStillTrue) {
+  TrapQueue queue;
+  const std::string name = "TrapAudioSilenceDetectFailedUpdated";
+  for (const int allowed : {0, 1}) {
+    const FailingAllocations failing(allowed);
+    EXPECT_FALSE(queue.Append(20, name)) << allowed;
+  }
+  EXPECT_EQ(queue.Count(), 0u);
+  EXPECT_TRUE(queue.Append(20, name));
+  {
+    const FailingAllocations failing;
+    EXPECT_THROW(static_cast<void>(queue.Take()), std::bad_alloc);
+  }
+  const auto trap = queue.Take();
+  ASSERT_TRUE(trap.has_value());
+  EXPECT_EQ(trap->m_name, name);
+}
+
+TEST_F(TrapMemoryTest, TrapThatCannotBeKeptLeavesTheEventAlone) {
+  log.Clear();
+  bool answer = false;
+  {
+    // The log keeps its lines in memory: stand it aside for the duration.
+    Vask::LogPrinter::Instance().SetTarget(nullptr);
+    Vask::LogPrinter::Instance().SetConsole(false);
+    const FailingAllocations failing;
+    answer = agent.Traps().Queue("TrapAudioSilenceDetectFailedUpdated");
+  }
+  Vask::LogPrinter::Instance().SetConsole(true);
+  EXPECT_TRUE(answer);
+  EXPECT_EQ(agent.Traps().QueuedCount(), 0u);
+  EXPECT_FALSE(EventIsSet());
+}
+
+TEST_F(TrapFloodTest, MemoryGoesBackOnceAFloodIsDelivered) {
+  agent.Traps().Queue("TrapStreamsOK");
+  const auto before = HeldBlocks();
+  QueueAll();
+  EXPECT_GT(HeldBlocks(), before + static_cast<std::ptrdiff_t>(kFlood));
+  Drain();
+  agent.Traps().Queue("TrapStreamsOK");
+  EXPECT_EQ(agent.Traps().QueuedCount(), 1u);
+  EXPECT_EQ(HeldBlocks(), before);
+}
+
+// Without memory something must give; no exception leaves an entry point.
+TEST_F(LifecycleTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
+  const std::string line = "Error: Cannot initialize SNMP extension agent: exception!";
+  for (int start = 0; start < 100; ++start) threading.refusedStarts.insert(start);
+  HANDLE event = nullptr;
+  AsnObjectIdentifier view{0, nullptr};
+  ASSERT_EQ(entries.Init(&event, &view), FALSE);  // makes log and folders
+  ASSERT_FALSE(Has(line));
+  // Wherever in the start memory ends.
+  for (int allowed = 0; allowed < 30; ++allowed) {
+    const FailingAllocations failing(allowed);
+    EXPECT_EQ(entries.Init(&event, &view), FALSE);
+  }
+  EXPECT_TRUE(Has(line));
+}
+
+TEST_F(LifecycleTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
+  HANDLE event = nullptr;
+  AsnObjectIdentifier view{0, nullptr};
+  ASSERT_EQ(entries.Init(&event, &view), TRUE);
+  ASSERT_TRUE(agent.Traps().Queue("TrapAudioSilenceDetectFailedUpdated"));
+  link.StopThread();
+  Binding binding("P.1.0");
+  SnmpVarBindList bindings{&binding.Get(), 1};
+  AsnInteger number = 0;
+  std::uint32_t timeStamp = 0;
+  BOOL query = TRUE;
+  BOOL trap = TRUE;
+  {
+    const FailingAllocations failing;
+    query = entries.Query(SNMP_PDU_GET, &bindings, &number, &number);
+    trap = entries.Trap(&view, &number, &number, &timeStamp, &bindings);
+  }
+  EXPECT_EQ(query, FALSE);
+  EXPECT_EQ(trap, FALSE);
+  const auto lines = files.Lines();
+  ASSERT_GE(lines.size(), 2u);
+  const std::string line = "Error: Cannot query the SNMP extension agent: exception!";
+  EXPECT_EQ(lines[lines.size() - 2], line);
+  EXPECT_EQ(lines[lines.size() - 1], line);
+}
+
+TEST_F(LifecycleTest, WholeAgentGivesAllItsMemoryBack) {
+  const auto cycle = [this] {
+    SNMPExtensionAgent fresh(clock, threading);
+    RegisterVariables(fresh.Variables());
+    RegisterTraps(fresh.Traps());
+    fresh.Traps().Queue("TrapStreamsOK");
+    Binding binding("P");
+    while (fresh.GetNextRequest(binding.Get()) == SNMP_ERRORSTATUS_NOERROR) {
+      Binding answered("P");
+      std::swap(answered.Get().value, binding.Get().value);
+    }
+  };
+  ASSERT_TRUE(log.Open("C:\\Data"));
+  Vask::LogPrinter::Instance().SetTarget(&log);
+  for (int warmUp = 0; warmUp < 3; ++warmUp) cycle();
+  const auto before = HeldBlocks();
+  cycle();
+  EXPECT_EQ(HeldBlocks(), before);
+}
+
+}  // namespace
+
+}  // namespace Agent::Tests

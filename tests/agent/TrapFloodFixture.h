@@ -1,0 +1,68 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <iterator>
+
+#include "tests/agent/AgentFixture.h"
+
+namespace Agent::Tests {
+
+inline constexpr std::uint32_t kFlood = 100'000;
+
+// Forgets every line, so that a flood measures the queue and not the memory of
+// the log's stand-in.
+class SilentLog final : public Vask::IDailyLog {
+ public:
+  SilentLog() { Vask::LogPrinter::Instance().SetTarget(this); }
+  ~SilentLog() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
+  void Info(const char*) override { lines.fetch_add(1, std::memory_order_relaxed); }
+  void Warning(const char*) override {}
+  void Error(const char*) override {}
+  void Trace(const char*) override {}
+  bool EnableSyslog(const char*, std::int32_t) override { return false; }
+  void DisableSyslog() override {}
+  void AddListener(IListener*) override {}
+  void RemoveListener(IListener*) override {}
+  void SetDaysToKeep(std::uint32_t) override {}
+  const char* GetFolder() override { return ""; }
+  bool EnumerateLogFiles(Vask::IDailyLog::LogFileCallback, void*) override { return true; }
+
+  std::atomic<std::uint32_t> lines{0};
+};
+
+class TrapFloodTest : public ::testing::Test {
+ protected:
+  TrapFloodTest() { RegisterTraps(agent.Traps()); }
+
+  static const TrapRow& TrapOf(std::uint32_t i) { return kTraps[i % std::size(kTraps)]; }
+
+  void QueueAll() {
+    for (std::uint32_t i = 0; i < kFlood; ++i) agent.Traps().Queue(TrapOf(i).name);
+  }
+
+  // Takes what waits now, as the service does after each wake-up.
+  void Drain() {
+    AsnObjectIdentifier enterprise{};
+    AsnInteger generic = 0;
+    AsnInteger specific = 0;
+    std::uint32_t timeStamp = 0;
+    SnmpVarBindList bindings{};
+    while (agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings)) {
+      if (static_cast<std::uint32_t>(specific) != TrapOf(taken).specificTrap) ++outOfOrder;
+      ++taken;
+    }
+  }
+
+  bool WaitForEvent() {
+    return Vask::Platform::SystemThreading().WaitEvent(agent.Traps().EventHandle(), 10'000);
+  }
+
+  Vask::Tests::FakeClock clock;
+  SilentLog log;
+  SNMPExtensionAgent agent{clock, Vask::Platform::SystemThreading()};
+  std::uint32_t taken = 0;
+  std::uint32_t outOfOrder = 0;
+};
+
+}  // namespace Agent::Tests
