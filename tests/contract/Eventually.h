@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+
+#include "platform/Clock.h"
+
+namespace Contract {
+
+// Asks again and again until `condition` holds; false when it does not within
+// the time.
+template <class Condition>
+bool Eventually(Condition condition, std::uint32_t patienceMs = 20'000) {
+  Vask::Platform::Clock& clock = Vask::Platform::SystemClock();
+  const std::uint32_t start = clock.TickMs();
+  while (!condition()) {
+    if (clock.TickMs() - start > patienceMs) return false;
+    clock.SleepMs(10);
+  }
+  return true;
+}
+
+}  // namespace Contract

@@ -1,0 +1,91 @@
+#include "tests/contract/LogFolder.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+#include "platform/Files.h"
+
+namespace Contract {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+#if !defined(_WIN32)
+constexpr char kDataVariable[] = "CORVANE_DATA";
+
+// Tests must not write into the machine's own folders.
+void UseTemporaryFolder() {
+  static char setting[512];
+  if (std::getenv(kDataVariable) != nullptr) return;
+  const fs::path folder = fs::temp_directory_path() / "corvane-contract-tests";
+  fs::create_directories(folder);
+  std::snprintf(setting, sizeof setting, "%s=%s", kDataVariable, folder.c_str());
+  putenv(setting);
+}
+#endif
+
+fs::path CommonData() {
+  char path[261];
+  if (!Vask::Platform::SystemFiles().CommonApplicationData(path, sizeof path)) std::abort();
+  std::string text = path;
+  if (fs::path::preferred_separator == '/') std::replace(text.begin(), text.end(), '\\', '/');
+  return text;
+}
+
+// "09:05:03.007: "
+constexpr std::size_t kTimeStampLength = 14;
+
+}  // namespace
+
+LogFolder::LogFolder() {
+#if !defined(_WIN32)
+  UseTemporaryFolder();
+#endif
+  m_base = CommonData() / "Veltrin Systems";
+  const fs::path logs = m_base / "Corvane" / "SNMP" / "Logs";
+  if (!fs::exists(logs)) return;
+  for (const auto& file : fs::directory_iterator(logs)) fs::remove(file.path());
+}
+
+std::vector<std::string> LogFolder::Lines() const {
+  std::vector<std::string> lines;
+  const fs::path logs = m_base / "Corvane" / "SNMP" / "Logs";
+  if (!fs::exists(logs)) return lines;
+  std::vector<fs::path> files;
+  for (const auto& file : fs::directory_iterator(logs)) files.push_back(file.path());
+  std::sort(files.begin(), files.end());
+  for (const fs::path& path : files) {
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);)
+      lines.push_back(line.size() > kTimeStampLength ? line.substr(kTimeStampLength) : line);
+  }
+  return lines;
+}
+
+bool LogFolder::Has(const std::string& text) const {
+  return CountOf(text) > 0;
+}
+
+std::size_t LogFolder::CountOf(const std::string& text) const {
+  const auto lines = Lines();
+  return static_cast<std::size_t>(
+      std::count_if(lines.begin(), lines.end(),
+                    [&](const std::string& line) { return line.find(text) != std::string::npos; }));
+}
+
+// A file stands where a folder is needed.
+LogFolder::Blocked::Blocked(const LogFolder& folder)
+    : m_path(folder.m_base), m_aside(folder.m_base.string() + " aside") {
+  if (fs::exists(m_path)) fs::rename(m_path, m_aside);
+  std::ofstream(m_path) << "in the way\n";
+}
+
+LogFolder::Blocked::~Blocked() {
+  fs::remove(m_path);
+  if (fs::exists(m_aside)) fs::rename(m_aside, m_path);
+}
+
+}  // namespace Contract

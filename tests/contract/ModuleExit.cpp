@@ -1,0 +1,45 @@
+// module_exit STATE NOTE: loads the module, brings it into a state, writes the
+// time into the file NOTE and returns from main with the module still loaded.
+//
+//   loaded     never started
+//   started    started, whatever became of the link
+//   down, up   started, and the link is so
+//   unloaded   started and unloaded again
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "platform/Clock.h"
+#include "tests/contract/Eventually.h"
+#include "tests/contract/Module.h"
+
+namespace {
+
+bool Reach(Contract::Module& module, const std::string& state) {
+  if (state == "loaded") return true;
+  if (!module.Init().result) return false;
+  if (state == "started") {
+    Vask::Platform::SystemClock().SleepMs(200);
+    return true;
+  }
+  if (state == "unloaded") {
+    module.Unload();
+    return true;
+  }
+  const std::string wanted = state == "up" ? "0 P.0.0 = INT 0" : "0 P.0.0 = INT 1";
+  return Contract::Eventually([&] { return module.Get("P.0.0") == wanted; });
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) return 2;
+  auto* const module = new Contract::Module;  // not destroyed: it stays loaded
+  if (!Reach(*module, argv[1])) {
+    std::fprintf(stderr, "state %s not reached\n", argv[1]);
+    return 1;
+  }
+  std::ofstream(argv[2]) << Vask::Platform::SystemClock().TickMs() << "\n";
+  return 0;
+}

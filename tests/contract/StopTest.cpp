@@ -1,0 +1,147 @@
+// Unloading the module, and the end of a process that has it loaded.
+
+#include <cstdio>
+#include <fstream>
+
+#include "platform/ListeningSocket.h"
+#include "tests/contract/ContractFixture.h"
+#include "tests/contract/Library.h"
+#include "tests/support/RawClient.h"
+
+namespace Contract {
+
+namespace {
+
+constexpr char kTerminating[] = "Info: Terminating SNMP extension agent..";
+
+// The end must come within a second, of which the system gets some.
+constexpr std::uint32_t kLongestEndMs = 1000;
+
+using StopTest = ContractTest;
+
+TEST_F(StopTest, UnloadWithTheLinkUpEndsTheConnectionInOrder) {
+  StartLinked();
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+  ASSERT_TRUE(server->WaitForEnds(1));
+  EXPECT_EQ(server->GetRecord().ends.at(0), Simulator::End::InOrder);
+  EXPECT_EQ(log.Lines().back(), kTerminating);
+  EXPECT_FALSE(log.Has("Lost connection"));
+}
+
+TEST_F(StopTest, UnloadWhileThePeerSendsEndsTheConnectionInOrder) {
+  StartLinked();
+  for (int i = 0; i < 50; ++i) ASSERT_TRUE(server->Send(server->FramesOfUpdate()));
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+  ASSERT_TRUE(server->WaitForEnds(1));
+  EXPECT_EQ(server->GetRecord().ends.at(0), Simulator::End::InOrder);
+}
+
+TEST_F(StopTest, UnloadWithoutAPeerEndsSoon) {
+  ASSERT_TRUE(module.Init().result);
+  ASSERT_TRUE(Eventually([this] { return log.Has("Lost connection"); }));
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+  EXPECT_EQ(log.Lines().back(), kTerminating);
+}
+
+TEST_F(StopTest, UnloadRightAfterTheStartEndsSoon) {
+  ASSERT_TRUE(module.Init().result);
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+  EXPECT_TRUE(log.Has(kTerminating));
+}
+
+// A peer whose queue of connections is full lets the next attempt wait.
+TEST_F(StopTest, UnloadInMidConnectEndsSoon) {
+  Vask::Platform::ListeningSocket full;
+  ASSERT_TRUE(full.Open(kLinkPort, 0));
+  Vask::Tests::RawClient first;
+  ASSERT_TRUE(first.Connect(kLinkPort));
+  ASSERT_TRUE(module.Init().result);
+  Vask::Platform::SystemClock().SleepMs(200);
+  ASSERT_FALSE(log.Has("Lost connection")) << "the attempt was refused";
+  ASSERT_FALSE(log.Has("established")) << "the attempt was accepted";
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+  EXPECT_EQ(log.Lines().back(), kTerminating);
+}
+
+TEST_F(StopTest, ModuleThatWasNeverStartedUnloads) {
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+}
+
+TEST_F(StopTest, ModuleWhoseStartFailedUnloads) {
+  {
+    const LogFolder::Blocked blocked(log);
+    ASSERT_FALSE(module.Init().result);
+  }
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+}
+
+TEST_F(StopTest, TrapsThatNobodyTookGoWithTheModule) {
+  StartLinked();
+  for (int i = 0; i < 20; ++i) ASSERT_TRUE(server->Send(Simulator::CorvaneServer::FrameOfFinish()));
+  ASSERT_TRUE(Eventually([this] { return log.CountOf("successfully updated") == 20; }));
+  EXPECT_LT(TimedUnload(), kLongestEndMs);
+}
+
+TEST_F(StopTest, ModuleServesAgainAfterItWasUnloaded) {
+  StartLinked();
+  module.Unload();
+  Module again;
+  EXPECT_TRUE(again.Init().result);
+  ASSERT_TRUE(server->WaitForConnections(2));
+  EXPECT_TRUE(Eventually([&] { return again.Get("P.0.0") == "0 P.0.0 = INT 0"; }));
+}
+
+// The program module_exit: loads the module, brings it into the state that is
+// asked for, notes the time in a file and returns from main without unloading.
+class ProcessEndTest : public ContractTest {
+ protected:
+  ProcessEndTest() { module.Unload(); }
+
+  // Milliseconds that the process took to end.
+  std::uint32_t TimedEnd(const char* state) {
+    const char* const noteFile = "module_exit.note";
+    std::remove(noteFile);
+    EXPECT_EQ(RunProgram(CORVANE_MODULE_EXIT, {state, noteFile}), 0);
+    const std::uint32_t end = Now();
+    std::uint32_t begin = 0;
+    std::ifstream(noteFile) >> begin;
+    std::remove(noteFile);
+    return end - begin;
+  }
+};
+
+TEST_F(ProcessEndTest, ProcessWithTheLinkUpEndsInOrder) {
+  StartServer();
+  EXPECT_LT(TimedEnd("up"), kLongestEndMs);
+  ASSERT_TRUE(server->WaitForEnds(1));
+  EXPECT_EQ(server->GetRecord().ends.at(0), Simulator::End::InOrder);
+  EXPECT_EQ(log.CountOf(kTerminating), 1u);
+  EXPECT_FALSE(log.Has("Lost connection"));
+}
+
+TEST_F(ProcessEndTest, ProcessWithTheLinkDownEndsSoon) {
+  EXPECT_LT(TimedEnd("down"), kLongestEndMs);
+  EXPECT_EQ(log.CountOf(kTerminating), 1u);
+}
+
+TEST_F(ProcessEndTest, ProcessInMidConnectEndsSoon) {
+  Vask::Platform::ListeningSocket full;
+  ASSERT_TRUE(full.Open(kLinkPort, 0));
+  Vask::Tests::RawClient first;
+  ASSERT_TRUE(first.Connect(kLinkPort));
+  EXPECT_LT(TimedEnd("started"), kLongestEndMs);
+  EXPECT_EQ(log.CountOf(kTerminating), 1u);
+}
+
+TEST_F(ProcessEndTest, ProcessThatNeverStartedTheModuleEnds) {
+  EXPECT_LT(TimedEnd("loaded"), kLongestEndMs);
+}
+
+TEST_F(ProcessEndTest, ProcessThatUnloadedTheModuleEnds) {
+  EXPECT_LT(TimedEnd("unloaded"), kLongestEndMs);
+  EXPECT_EQ(log.CountOf(kTerminating), 1u);
+}
+
+}  // namespace
+
+}  // namespace Contract
