@@ -348,14 +348,14 @@ bool StrDict3<T>::Insert(const char* key, const T& value) {
 template <class T>
 bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
-  const char* end = key + kMaxKeyLength;
+  std::size_t room = kMaxKeyLength;
   Node* level = m_root;
   for (Node* node = nullptr;; level = node->firstChild) {
     const signed char ch = m_folding.Fold(*key);
     node = level;
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
     if (node == nullptr || node->ch != ch) return false;
-    if (*++key == '\0' || key == end) {
+    if (*++key == '\0' || --room == 0) {
       outNode = node;
       return true;
     }
