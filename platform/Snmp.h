@@ -4,6 +4,10 @@
 // types of a request, the utility functions for object identifiers, and the
 // entry points. On Windows the system's own header; elsewhere the same
 // declarations.
+//
+// Wine's SnmpUtilOidCmp takes the identifier with fewer numbers for the lower
+// one, whatever the numbers are. What is to be in order uses SnmpUtilOidNCmp
+// with a count that no length reaches: that is right everywhere.
 
 #if defined(_WIN32)
 #include <windows.h>

@@ -43,9 +43,12 @@ const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
+// As poll answers for the one socket; a handle that is none is an error too.
 int PollFor(SocketHandle socket, short events, int timeoutMs) noexcept {
   pollfd waited{Descriptor(socket), events, 0};
-  return poll(&waited, 1, timeoutMs);
+  if (waited.fd < 0) return errno = EBADF, -1;
+  const int ready = poll(&waited, 1, timeoutMs);
+  return (waited.revents & POLLNVAL) != 0 ? (errno = EBADF, -1) : ready;
 }
 
 // An interrupted connect goes on by itself; its outcome is waited for here.
