@@ -18,11 +18,15 @@ using Vask::JsonRef;
 using Vask::JsonString;
 using Vask::JsonType;
 
+Json* GetProperty(const JsonObject& object, const char* name) {
+  return object.Find(name);
+}
+
 bool GetStrProperty(const JsonObject& object, const char* name, char* destination,
                     std::uint32_t maximum, bool optional) {
   ErrorReport& report = ErrorReport::Instance();
   destination[0] = '\0';
-  const Json* value = object.Find(name);
+  const Json* value = GetProperty(object, name);
   if (value == nullptr) {
     if (!optional) report.Report("GetStrProperty: Property '%s' not found", name);
     return false;
@@ -46,7 +50,7 @@ bool GetStrProperty(const JsonObject& object, const char* name, char* destinatio
 bool GetIntProperty(const JsonObject& object, const char* name, std::int32_t& destination,
                     bool optional) {
   destination = 0;
-  const Json* value = object.Find(name);
+  const Json* value = GetProperty(object, name);
   if (value == nullptr) {
     if (!optional) {
       ErrorReport::Instance().Report("GetIntProperty: Property '%s' not found", name);
@@ -67,7 +71,7 @@ bool GetIntProperty(const JsonObject& object, const char* name, std::int32_t& de
 
 bool GetFloatProperty(const JsonObject& object, const char* name, double& destination) {
   destination = 0.0;
-  const Json* value = object.Find(name);
+  const Json* value = GetProperty(object, name);
   if (value == nullptr) {
     ErrorReport::Instance().Report("GetFloatProperty: Property '%s' not found", name);
     return false;
@@ -82,7 +86,7 @@ bool GetFloatProperty(const JsonObject& object, const char* name, double& destin
 }
 
 JsonObject* GetObjProperty(const JsonObject& object, const char* name, bool optional) {
-  Json* value = object.Find(name);
+  Json* value = GetProperty(object, name);
   if (value == nullptr) {
     if (!optional) {
       ErrorReport::Instance().Report("GetObjProperty: Property '%s' not found", name);

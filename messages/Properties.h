@@ -3,8 +3,9 @@
 #include <cstdint>
 
 namespace Vask {
+class Json;
 class JsonObject;
-}
+}  // namespace Vask
 
 namespace Messages {
 
@@ -14,6 +15,10 @@ namespace Messages {
 // thread must be the only one that changes the object meanwhile.
 //
 // "Optional" silences the report of an absent member; the answer stays false.
+
+// The member's value of whatever kind, or null. Never reports. The value stays
+// owned by the object.
+Vask::Json* GetProperty(const Vask::JsonObject& object, const char* name);
 
 // Copies a text of at most `maximum` bytes and its terminating zero into
 // `destination`, which has room for maximum + 1. A longer one is refused, never

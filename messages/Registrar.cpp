@@ -153,7 +153,7 @@ bool Registrar::Process(const JsonObject& message) {
   std::int32_t id = 0;
   GetIntProperty(message, "id", id, true);
 
-  const Json* name = message.Find("name");
+  const Json* name = GetProperty(message, "name");
   if (name == nullptr) {
     ReportError("Messages::Registrar::OnJsonMessage: Received message missing the 'name' property");
     return false;
