@@ -55,17 +55,26 @@ void ErrorReport::ReportV(const char* format, __builtin_va_list arguments) {
 }
 
 void ErrorReport::SetCurrentMessage(Vask::Json* root) noexcept {
-  const CriticalSectionLock lock(m_currentLock);
-  m_current = root;
+  m_current.store(root, std::memory_order_release);
+}
+
+void ErrorReport::ClearCurrentMessage() noexcept {
+  if (m_current.load(std::memory_order_relaxed) == nullptr) return;
+  m_current.store(nullptr);  // in one order with what AddReferenceToCurrent does
+  if (m_reporting.load()) const CriticalSectionLock untilItHasItsReference(m_reportingLock);
+}
+
+Vask::Json* ErrorReport::AddReferenceToCurrent() {
+  const CriticalSectionLock lock(m_reportingLock);
+  m_reporting.store(true);
+  Vask::Json* current = m_current.load();
+  if (current != nullptr) current->AddRef();
+  m_reporting.store(false);
+  return current;
 }
 
 void ErrorReport::Send(Vask::IOnError& sink, const char* text) {
-  Vask::JsonRef<Vask::Json> message;
-  {
-    const CriticalSectionLock lock(m_currentLock);
-    if (m_current != nullptr) m_current->AddRef();
-    message = Vask::JsonRef<Vask::Json>(m_current);
-  }
+  const Vask::JsonRef<Vask::Json> message(AddReferenceToCurrent());
   sink.OnError(message.Get(), text);
 }
 

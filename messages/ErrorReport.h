@@ -33,17 +33,26 @@ class ErrorReport {
   void Report(const char* format, ...) VASK_PRINTF_FORMAT(2, 3);
   void ReportV(const char* format, __builtin_va_list arguments) VASK_PRINTF_FORMAT(2, 0);
 
-  // The root object of the message that is processed from now on, or null. Its
-  // owner sets null here before it gives up its own reference.
+  // The root object of the message that is processed from now on. It must stay
+  // alive until ClearCurrentMessage has returned.
   void SetCurrentMessage(Vask::Json* root) noexcept;
+
+  // No message is processed from now on. Reports that still show the last one
+  // hold a reference of their own.
+  void ClearCurrentMessage() noexcept;
 
  private:
   void Send(Vask::IOnError& sink, const char* text);
+  Vask::Json* AddReferenceToCurrent();
 
   std::atomic<Vask::IOnError*> m_sink{nullptr};
-  // Held for a pointer's reading or writing only, never during a call.
-  Vask::Platform::CriticalSection m_currentLock;
-  Vask::Json* m_current VASK_GUARDED_BY(m_currentLock) = nullptr;
+  // Whoever processes a message changes m_current for every frame, without a
+  // lock; whoever reports says so in m_reporting while it takes a reference, and
+  // holds the lock then. The one that clears m_current and meets a reporter waits
+  // for the lock, so that the reference is taken before it gives up its own.
+  std::atomic<Vask::Json*> m_current{nullptr};
+  std::atomic<bool> m_reporting{false};
+  Vask::Platform::CriticalSection m_reportingLock;  // never held during a call
 };
 
 }  // namespace Messages

@@ -46,7 +46,7 @@ namespace {
 class CurrentMessage {
  public:
   explicit CurrentMessage(Json* root) { ErrorReport::Instance().SetCurrentMessage(root); }
-  ~CurrentMessage() { ErrorReport::Instance().SetCurrentMessage(nullptr); }
+  ~CurrentMessage() { ErrorReport::Instance().ClearCurrentMessage(); }
   CurrentMessage(const CurrentMessage&) = delete;
   CurrentMessage& operator=(const CurrentMessage&) = delete;
 };
@@ -126,7 +126,7 @@ void Registrar::ReportError(const char* format, ...) {
 }
 
 bool Registrar::OnJsonMessageText(const char* text) {
-  ErrorReport::Instance().SetCurrentMessage(nullptr);
+  ErrorReport::Instance().ClearCurrentMessage();
   Vask::ParseResult result;
   const JsonRef<Json> root(Vask::Parse(result, text));
   if (root.Get() == nullptr) {
@@ -139,7 +139,7 @@ bool Registrar::OnJsonMessageText(const char* text) {
 
 bool Registrar::OnJsonMessage(Json* root) {
   if (root == nullptr || root->Type() != Vask::JsonType::Object) {
-    ErrorReport::Instance().SetCurrentMessage(nullptr);
+    ErrorReport::Instance().ClearCurrentMessage();
     ReportError(
         "Messages::Registrar::OnJsonMessage: The parsed JSON message has the wrong type "
         "(expected 'object')");

@@ -39,8 +39,8 @@ struct SNMPmessage {
 
     std::uint32_t m_tag = kEmpty;
     union {
-      Product m_Product{};
-      Streams m_Streams;
+      Product m_Product;
+      Streams m_Streams{};
       StreamMonitors m_StreamMonitors;
       AudioSources m_AudioSources;
     };

@@ -1,0 +1,74 @@
+#include <benchmark/benchmark.h>
+
+#include "benchmarks/messages/PeerDecoders.h"
+#include "messages/Registrar.h"
+
+// Decoding of the four frames of one update: parse, envelope, record, handler,
+// release. One iteration takes all four.
+namespace Messages::Benchmarks {
+namespace {
+
+constexpr const char* kFrames[] = {
+    R"({"name":"SNMPmessage","data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"id":0,"from":"Corvane","op":"broadcast"})",
+    R"({"name":"SNMPmessage","data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
+    R"({"name":"SNMPmessage","data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
+    R"({"name":"SNMPmessage","data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
+};
+
+// The sum of what was decoded, so that nobody can leave work out.
+std::int64_t s_sum = 0;
+
+void Take(const SNMPmessage& message, std::int32_t id, void*) {
+  const auto& choice = message.m_messageType;
+  s_sum += std::int64_t{id} + choice.m_tag;
+  s_sum += choice.m_tag == SNMPmessage::kProduct ? choice.m_Product.m_Name[0]
+                                                 : choice.m_AudioSources.m_Count;
+}
+
+void DecodeOurs(benchmark::State& state) {
+  Registrar& registrar = Registrar::Instance();
+  registrar.Subscribe<SNMPmessage>(Take);
+  for ([[maybe_unused]] const auto& iteration : state) {
+    for (const char* frame : kFrames) {
+      if (!registrar.OnJsonMessageText(frame)) state.SkipWithError("a frame was refused");
+    }
+  }
+  benchmark::DoNotOptimize(s_sum);
+  registrar.Unsubscribe<SNMPmessage>(Take);
+}
+BENCHMARK(DecodeOurs);
+
+void DecodePeer(benchmark::State& state, bool (*decode)(const char*, SNMPmessage&, std::int32_t&)) {
+  for ([[maybe_unused]] const auto& iteration : state) {
+    for (const char* frame : kFrames) {
+      SNMPmessage message;
+      std::int32_t id = 0;
+      if (!decode(frame, message, id)) state.SkipWithError("a frame was refused");
+      Take(message, id, nullptr);
+    }
+  }
+  benchmark::DoNotOptimize(s_sum);
+}
+BENCHMARK_CAPTURE(DecodePeer, nlohmann, DecodeWithNlohmann);
+BENCHMARK_CAPTURE(DecodePeer, rapidjson, DecodeWithRapidJson);
+
+// A message that nobody subscribed to, last in the catalogue: parse and match.
+void SkipLastName(benchmark::State& state) {
+  Registrar& registrar = Registrar::Instance();
+  for ([[maybe_unused]] const auto& iteration : state) {
+    benchmark::DoNotOptimize(
+        registrar.OnJsonMessageText(R"({"name":"SetNtpConfiguration","data":{},"id":0})"));
+  }
+}
+BENCHMARK(SkipLastName);
+
+// The comparison chain alone.
+void MatchLastName(benchmark::State& state) {
+  for ([[maybe_unused]] const auto& iteration : state) {
+    benchmark::DoNotOptimize(FindInCatalogue("SetNtpConfiguration"));
+  }
+}
+BENCHMARK(MatchLastName);
+
+}  // namespace
+}  // namespace Messages::Benchmarks
