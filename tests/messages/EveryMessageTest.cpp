@@ -1,54 +1,11 @@
-#include <algorithm>
+#include <cctype>
 #include <map>
 
-#include "messages/Confirmation.h"
-#include "messages/GetAudioOutputDeviceList.h"
-#include "messages/GlobalOptions.h"
-#include "messages/GlobalOptions2.h"
-#include "messages/ProcessInfo.h"
-#include "messages/ProcessList.h"
-#include "messages/ProcessList2.h"
-#include "messages/ProductVersion.h"
-#include "messages/SNMPmessage.h"
-#include "messages/SNMPsequence.h"
-#include "messages/SNMPtrap.h"
-#include "messages/UpdateGlobalOptions.h"
-#include "messages/UpdateGlobalOptions2.h"
+#include "tests/messages/AllMessages.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {
 namespace {
-
-std::string s_handled;
-
-// The typed operations of one message, behind one signature.
-struct Message {
-  std::string name;
-  void (*subscribe)();
-  void (*unsubscribe)();
-  void (*dispatch)();
-};
-
-template <class M>
-void Note(const M&, std::int32_t id, void*) {
-  s_handled += std::to_string(kCatalogueIndex<M>) + ":" + std::to_string(id);
-}
-
-template <class M>
-Message MakeMessage(const char* name) {
-  return {name, [] { Registrar::Instance().Subscribe<M>(Note<M>); },
-          [] { Registrar::Instance().Unsubscribe<M>(Note<M>); },
-          [] { Registrar::Instance().Dispatch<M>(M(), 3); }};
-}
-
-const std::vector<Message>& AllMessages() {
-  static const std::vector<Message> messages = {
-#define MESSAGES_TEST(name, body, role) MakeMessage<name>(#name),
-      MESSAGES_CATALOGUE(MESSAGES_TEST)
-#undef MESSAGES_TEST
-  };
-  return messages;
-}
 
 // A body that decodes, for the messages whose empty body does not.
 std::string GoodBody(const std::string& name) {
@@ -84,15 +41,14 @@ std::string GoodBody(const std::string& name) {
 
 class EveryMessageTest : public MessageTest, public ::testing::WithParamInterface<std::size_t> {
  protected:
-  EveryMessageTest() { s_handled.clear(); }
+  EveryMessageTest() { Handled(); }
 
   const Message& Tested() const { return AllMessages()[GetParam()]; }
   bool Receive(std::string name, const std::string& data) {
     return registrar.OnJsonMessageText(
         (R"({"name":")" + name + R"(","data":)" + data + R"(,"id":9})").c_str());
   }
-  std::string Handled() { return std::exchange(s_handled, ""); }
-  std::string Mark(int id) const { return std::to_string(GetParam()) + ":" + std::to_string(id); }
+  std::string Mark(int id) const { return HandledAs(GetParam(), id); }
 };
 
 TEST_P(EveryMessageTest, CanBeSubscribedReceivedAndUnsubscribed) {

@@ -1,0 +1,57 @@
+#include "tests/messages/AllMessages.h"
+
+#include <utility>
+
+#include "messages/Confirmation.h"
+#include "messages/GetAudioOutputDeviceList.h"
+#include "messages/GlobalOptions.h"
+#include "messages/GlobalOptions2.h"
+#include "messages/ProcessInfo.h"
+#include "messages/ProcessList.h"
+#include "messages/ProcessList2.h"
+#include "messages/ProductVersion.h"
+#include "messages/Registrar.h"
+#include "messages/SNMPmessage.h"
+#include "messages/SNMPsequence.h"
+#include "messages/SNMPtrap.h"
+#include "messages/UpdateGlobalOptions.h"
+#include "messages/UpdateGlobalOptions2.h"
+
+namespace Messages::Tests {
+
+namespace {
+
+std::string s_handled;
+
+template <class M>
+void Note(const M&, std::int32_t id, void*) {
+  s_handled += HandledAs(kCatalogueIndex<M>, id);
+}
+
+template <class M>
+Message MakeMessage(const char* name) {
+  return {name, [] { Registrar::Instance().Subscribe<M>(Note<M>); },
+          [] { Registrar::Instance().Unsubscribe<M>(Note<M>); },
+          [] { Registrar::Instance().Dispatch<M>(M(), 3); }};
+}
+
+}  // namespace
+
+const std::vector<Message>& AllMessages() {
+  static const std::vector<Message> messages = {
+#define MESSAGES_TEST(name, body, role) MakeMessage<name>(#name),
+      MESSAGES_CATALOGUE(MESSAGES_TEST)
+#undef MESSAGES_TEST
+  };
+  return messages;
+}
+
+std::string Handled() {
+  return std::exchange(s_handled, "");
+}
+
+std::string HandledAs(std::size_t catalogueIndex, int id) {
+  return std::to_string(catalogueIndex) + ":" + std::to_string(id) + " ";
+}
+
+}  // namespace Messages::Tests
