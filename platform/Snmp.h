@@ -13,7 +13,8 @@
 #include <windows.h>
 
 #include <snmp.h>
-#undef CreateEvent  // would rename Platform::Threading's operation in this file alone
+#undef CreateEvent   // would rename Platform::Threading's operation in this file alone
+#undef StartService  // and TimerService's
 #else
 #include "platform/posix/Snmp.h"
 #endif
