@@ -1,0 +1,166 @@
+// The link without a network and without a second thread: its body runs inside
+// OpenThread, on a clock that only its own sleeping moves.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "net/IJsonSocketEvents.h"
+#include "net/JsonSocket.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/FaultySockets.h"
+#include "tests/support/LinkRecorders.h"
+#include "tests/support/ScriptedThreading.h"
+
+namespace Vask::Tests {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class JsonSocketRetryTest : public testing::Test, protected IJsonSocketEvents {
+ protected:
+  JsonSocketRetryTest() {
+    m_link.SetErrorSink(&m_sink);
+    m_link.SetPort(16969);
+    m_sockets.connects = false;
+  }
+
+  void Note(const std::string& event) {
+    m_events.push_back(event + " at " + std::to_string(m_clock.tick - m_startTick));
+    if (m_events.size() == m_stopAfterEvents) m_link.RequestStop();
+  }
+  void OnConnecting() override { Note("connecting"); }
+  void OnConnectFailed() override {
+    Note("failed");
+    m_sockets.connects = ++m_failures >= m_failuresBeforeSuccess;
+  }
+  void OnConnected() override { Note("connected"); }
+  void OnDisconnected() override { Note("disconnected"); }
+
+  FakeClock m_clock;
+  std::uint32_t m_startTick = m_clock.tick;
+  FaultySockets m_sockets;
+  ScriptedThreading m_threading;
+  RecordingErrorSink m_sink;
+  JsonSocket m_link{this, m_clock, m_sockets, m_threading};
+
+  Texts m_events;
+  std::size_t m_stopAfterEvents = 1;
+  int m_failures = 0;
+  int m_failuresBeforeSuccess = 1000;
+};
+
+TEST_F(JsonSocketRetryTest, AbsentPeerIsTriedAtOnceAndThenEveryFiveSeconds) {
+  m_stopAfterEvents = 6;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0", "connecting at 5000",
+                             "failed at 5000", "connecting at 10000", "failed at 10000"}));
+  EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
+}
+
+TEST_F(JsonSocketRetryTest, FiveSecondsAreKeptAcrossTheWrapOfTheClock) {
+  m_clock.tick = m_startTick = 0xFFFFFF00u;
+  m_stopAfterEvents = 4;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events,
+            (Texts{"connecting at 0", "failed at 0", "connecting at 5000", "failed at 5000"}));
+}
+
+TEST_F(JsonSocketRetryTest, StopIsNoticedWithinOnePoll) {
+  m_stopAfterEvents = 2;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_clock.tick - m_startTick, JsonSocket::kPollMs);
+}
+
+TEST_F(JsonSocketRetryTest, AttemptsGoToLoopbackOnTheGivenPort) {
+  m_stopAfterEvents = 2;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_sockets.calls, (Texts{"OpenTcp", "Connect 7 127.0.0.1:16969", "Close 7"}));
+}
+
+TEST_F(JsonSocketRetryTest, PeerThatAppearsIsFoundAtTheNextAttempt) {
+  m_failuresBeforeSuccess = 2;
+  m_stopAfterEvents = 7;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events,
+            (Texts{"connecting at 0", "failed at 0", "connecting at 5000", "failed at 5000",
+                   "connecting at 10000", "connected at 10000", "disconnected at 10000"}));
+}
+
+TEST_F(JsonSocketRetryTest, LostConnectionIsTriedAgainAtOnce) {
+  m_sockets.connects = true;  // and every wait for a byte fails
+  m_stopAfterEvents = 6;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "connected at 0", "disconnected at 0",
+                             "connecting at 0", "connected at 0", "disconnected at 0"}));
+}
+
+TEST_F(JsonSocketRetryTest, OldSocketIsClosedBeforeANewOneIsOpened) {
+  m_sockets.connects = true;
+  m_stopAfterEvents = 5;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_sockets.calls,
+            (Texts{"OpenTcp", "Connect 7 127.0.0.1:16969", "SetBlocking 7", "Shutdown 7",
+                   "Disconnect 7", "Shutdown 7", "Close 7", "OpenTcp", "Connect 7 127.0.0.1:16969",
+                   "SetBlocking 7", "Shutdown 7"}));
+}
+
+TEST_F(JsonSocketRetryTest, ConnectionMadeDuringAStopIsNotReported) {
+  m_sockets.connects = true;
+  m_stopAfterEvents = 1;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, Texts{"connecting at 0"});
+  EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
+}
+
+TEST_F(JsonSocketRetryTest, PortZeroFailsWithoutTouchingASocket) {
+  m_link.SetPort(0);
+  m_stopAfterEvents = 2;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0"}));
+  EXPECT_EQ(m_sockets.calls, Texts{});
+}
+
+TEST_F(JsonSocketRetryTest, ThreadThatCannotBeCreatedIsReported) {
+  m_threading.nextThread = nullptr;
+  EXPECT_FALSE(m_link.OpenThread());
+  EXPECT_EQ(m_sink.recorder.Texts(), Texts{"Vask::JsonSocket::OpenThread open failed"});
+  EXPECT_FALSE(m_link.IsRunning());
+  EXPECT_EQ(m_events, Texts{});
+}
+
+TEST_F(JsonSocketRetryTest, CanBeOpenedAfterAFailure) {
+  m_threading.nextThread = nullptr;
+  EXPECT_FALSE(m_link.OpenThread());
+  m_threading.nextThread = &m_threading;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0"}));
+}
+
+TEST_F(JsonSocketRetryTest, StopWithoutAThreadJoinsNothing) {
+  m_link.StopThread();
+  EXPECT_EQ(m_threading.joined, 0u);
+}
+
+TEST_F(JsonSocketRetryTest, StopJoinsTheThreadOnce) {
+  EXPECT_TRUE(m_link.OpenThread());
+  m_link.StopThread();
+  m_link.StopThread();
+  EXPECT_EQ(m_threading.joined, 1u);
+}
+
+TEST_F(JsonSocketRetryTest, NothingIsSentBeforeTheFirstConnection) {
+  EXPECT_FALSE(m_link.OnJsonMessage(nullptr));
+  EXPECT_EQ(m_sink.recorder.Texts(), Texts{"Vask::JsonSocket::OnJsonMessageNull message"});
+  EXPECT_EQ(m_sockets.calls, Texts{});
+}
+
+TEST_F(JsonSocketRetryTest, IsIdleAfterConstruction) {
+  EXPECT_FALSE(m_link.IsRunning());
+  EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
+}
+
+}  // namespace
+}  // namespace Vask::Tests
