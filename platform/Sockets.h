@@ -56,10 +56,10 @@ class Sockets {
   // where the extension cannot be loaded, Raised where calling it raised a C++
   // exception. Elsewhere a shutdown gives the peer the same orderly end: Done.
   virtual Disconnection Disconnect(SocketHandle socket) noexcept = 0;
-  // Ends both directions; a thread that waits in a call on it returns. What has
-  // arrived unread is thrown away, so that closing then does not reset the
-  // connection; a peer that goes on sending may still see a reset.
+  // Ends both directions; a thread that waits in a call on it returns.
   virtual void Shutdown(SocketHandle socket) noexcept = 0;
+  // After a Shutdown the peer sees an orderly end and no reset, unless it goes
+  // on sending: what has arrived unread is thrown away in time.
   virtual void Close(SocketHandle socket) noexcept = 0;
 
   // UDP: an ICMP port-unreachable answer does not fail later calls.

@@ -28,7 +28,13 @@ class PosixClock final : public Clock {
     return static_cast<std::uint32_t>(now.tv_sec * kMsPerSecond + now.tv_nsec / kNsPerMs);
   }
 
-  std::int64_t EpochSeconds() noexcept override { return time(nullptr); }
+  // Not time(), which lags behind the clock of LocalNow by up to a tick: a day
+  // must not begin twice.
+  std::int64_t EpochSeconds() noexcept override {
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return now.tv_sec;
+  }
 
   LocalTime LocalNow() noexcept override {
     timespec now{};

@@ -127,12 +127,8 @@ class PosixSockets final : public Sockets {
     return Disconnection::Done;
   }
 
-  // First the sending side alone, so that the end reaches the peer in order.
-  void Shutdown(SocketHandle socket) noexcept override {
-    shutdown(Descriptor(socket), SHUT_WR);
-    Drain(socket);
-    shutdown(Descriptor(socket), SHUT_RDWR);
-  }
+  // Leaves what is unread to Close: this may run beside a connect or a receive.
+  void Shutdown(SocketHandle socket) noexcept override { shutdown(Descriptor(socket), SHUT_RDWR); }
 
   void Close(SocketHandle socket) noexcept override {
     Drain(socket);
