@@ -1,0 +1,27 @@
+// Prints the names behind the agent's numbers, one line each, from the agent's
+// own tables, for scripts and people who read what net-snmp's tools print:
+//
+//   variable <object identifier> LinkStatus
+//   trap <specific number> TrapSoftwareLinkUp
+
+#include <cstdio>
+
+#include "agent/EnterprisePrefix.h"
+#include "agent/Traps.h"
+#include "agent/Variables.h"
+#include "host/Oid.h"
+
+int main() {
+  Agent::EnterprisePrefix prefix;
+  const AsnObjectIdentifier name = prefix.Name();
+  const Host::Oid root(name.ids, name.ids + name.idLength);
+  for (const Agent::VariableRow& row : Agent::kVariables) {
+    Host::Oid oid = root;
+    oid.insert(oid.end(), std::begin(row.suffix), std::end(row.suffix));
+    std::printf("variable %s %s\n", Host::ToText(oid).c_str(), row.name);
+  }
+  for (const Agent::TrapRow& row : Agent::kTraps) {
+    std::printf("trap %u %s\n", row.specificTrap, row.name);
+  }
+  return 0;
+}
