@@ -24,6 +24,16 @@ start_trap_receiver() {
   trap_receiver=$!
 }
 
+# ask TOOL VERSION ARGUMENT...: one question to the agent at $address. On one
+# line the names and values, and then the error's name if there is one.
+ask() {
+  local tool=$1 version=$2
+  shift 2
+  "$tool" -v"$version" -c public -t 5 -r 1 -Oqn "$address" "$@" >"$work/answer" 2>"$work/error" || true
+  sed -nE 's/^Reason: \(?([A-Za-z]+).*/\1/p; /^Timeout/p' "$work/error" |
+    cat "$work/answer" - | paste -sd'|'
+}
+
 # stop_process ID: ends it and waits for it; its exit status is the result.
 stop_process() {
   kill "$1" 2>/dev/null || true

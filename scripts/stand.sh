@@ -1,0 +1,203 @@
+# The whole road of data, standing: corvane-sim as the Corvane server,
+# snmphost with the agent's module, snmptrapd as the receiver of traps. Every
+# process is known by its id and ended by it. To be sourced after console.sh.
+#
+# Needs: top (the repository), kind (native or wine), work (a folder to be
+# filled), snmp_port and trap_port.
+
+source "$top/scripts/wine.sh"
+source "$top/scripts/snmp.sh"
+
+release=$top/build/release
+source "$release/generated/build-settings.sh"
+prefix=$CORVANE_PREFIX
+link_port=16969  # the agent's own, fixed
+address=127.0.0.1:$snmp_port
+simulator= host= trap_receiver=
+simulator_said=$work/simulator.out
+traps=$work/traps
+host_said=$work/host.out
+
+if [[ "$kind" == wine ]]; then
+  host_program=$release/snmphost-wine.exe
+  module=$top/build/windows/SNMPd.dll
+  data_folder=$WINEPREFIX/drive_c/ProgramData
+else
+  host_program=$release/snmphost
+  module=$release/SNMPd.so
+  data_folder=$work/data
+  export CORVANE_DATA=$data_folder
+fi
+log_folder="$data_folder/Veltrin Systems/Corvane/SNMP/Logs"
+
+# Fails, saying which, when a port that the stand needs is taken.
+check_ports() {
+  if ss -Hltn "sport = :$link_port" | grep -q .; then
+    fail "TCP port $link_port is in use: a Corvane server or another run is there"
+  fi
+  local port
+  for port in "$snmp_port" "$trap_port"; do
+    if ss -Hlun "sport = :$port" | grep -q .; then
+      fail "UDP port $port is in use: is another run there?"
+    fi
+  done
+}
+
+# Fails when a process that was just started does not stay.
+stays() {
+  kill -0 "$1" 2>/dev/null || fail "$2 did not start: $(tail -n 3 "$3")"
+}
+
+# await SECONDS COMMAND...: until the command succeeds; its status.
+await() {
+  local deadline=$((SECONDS + $1))
+  shift
+  until "$@" >/dev/null 2>&1; do
+    ((SECONDS < deadline)) || return 1
+    sleep 0.1
+  done
+}
+
+start_simulator() {
+  local input=$work/simulator.in
+  [[ -p "$input" ]] || mkfifo "$input"
+  exec {simulator_input}<>"$input"
+  "$release/corvane-sim" <"$input" >"$simulator_said" 2>&1 &
+  simulator=$!
+  await 10 grep -q '^listening' "$simulator_said" || true
+  stays "$simulator" corvane-sim "$simulator_said"
+}
+
+# tell COMMAND...: one command for the simulator.
+tell() {
+  echo "$*" >&"$simulator_input"
+}
+
+start_trap_receiver_here() {
+  start_trap_receiver "$trap_port" "$traps"
+  await 10 trap_receiver_listens || true
+  stays "$trap_receiver" snmptrapd "$work/snmptrapd.out"
+}
+trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
+
+# The log of an earlier run is thrown away first.
+start_host() {
+  rm -rf "$log_folder"
+  mkdir -p "$data_folder"
+  "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$module" \
+    >"$host_said" 2>&1 </dev/null &
+  host=$!
+  host_started_ms=$(now_ms)
+  await 60 host_is_up || true
+  stays "$host" snmphost "$host_said"
+}
+host_is_up() { grep -q '^Serving' "$host_said" || ! kill -0 "$host"; }
+
+now_ms() { date +%s%3N; }
+
+# Asks the host to end; its exit status.
+stop_host() {
+  local status=0 ended=$host
+  host=
+  stop_process "$ended" || status=$?
+  return "$status"
+}
+
+stop_stand() {
+  local process
+  for process in "$host" "$simulator" "$trap_receiver"; do
+    [[ -z "$process" ]] || stop_process "$process" || true
+  done
+  host= simulator= trap_receiver=
+}
+
+# The names of variables and traps, from the agent's own tables.
+declare -A variable_oid variable_name trap_name
+variables=()
+load_names() {
+  local kind number name
+  while read -r kind number name; do
+    if [[ "$kind" == variable ]]; then
+      variables+=("$name")
+      variable_oid[$name]=$number
+      variable_name[.$number]=$name
+    else
+      trap_name[$number]=$name
+    fi
+  done < <("$release/mib-names")
+}
+
+# read_variable NAME: its value alone.
+read_variable() {
+  snmpget -v2c -c public -t 5 -r 2 -Oqv "$address" "${variable_oid[$1]}"
+}
+
+# All their values on one line.
+variable_values() {
+  local name values=()
+  for name in "${variables[@]}"; do
+    values+=("$(read_variable "$name")")
+  done
+  (IFS='|' && echo "${values[*]}")
+}
+
+# All variables as a walk finds them, one line each: name, identifier, type,
+# value.
+print_walk() {
+  local oid equals rest
+  snmpwalk -v1 -c public -t 5 -r 2 -On "$address" "$prefix" | grep -v '^End of MIB' |
+    while read -r oid equals rest; do
+      printf '%-22s %-33s %s\n' "${variable_name[$oid]:-?}" "$oid" "$rest"
+    done
+}
+
+# The traps that have arrived: "enterprise generic .specific time-stamp" a line.
+received_traps() {
+  grep "^\.$prefix " "$traps" || true
+}
+
+# trap_names [SKIP]: the names of the traps that have arrived, on one line.
+trap_names() {
+  local enterprise generic specific stamp names=()
+  while read -r enterprise generic specific stamp; do
+    names+=("${trap_name[${specific#.}]:-unknown$specific}")
+  done < <(received_traps)
+  echo "${names[*]:${1-0}}"
+}
+
+# What the simulated server was told of traps.
+reported_traps() {
+  grep '^received SNMPtrap ' "$simulator_said" || true
+}
+
+# time_stamps_are_plausible STAMPS: rising, and no later than now.
+time_stamps_are_plausible() {
+  local stamp last=0 highest=$(($(now_ms) - host_started_ms))
+  for stamp in $1; do
+    if ((stamp < last || stamp > highest)); then
+      echo "no: $stamp is not from $last to $highest"
+      return
+    fi
+    last=$stamp
+  done
+  echo yes
+}
+
+# print_traps FROM: those from that line on, each with its name.
+print_traps() {
+  local enterprise generic specific stamp
+  received_traps | tail -n "+$1" | while read -r enterprise generic specific stamp; do
+    printf '%-36s enterprise %s, generic %s, specific %s, time stamp %s\n' \
+      "${trap_name[${specific#.}]:-?}" "$enterprise" "$generic" "${specific#.}" "$stamp"
+  done
+}
+
+# log_count LINE: how often the log holds this line.
+log_count() {
+  log_lines | grep -cxF -- "$1" || true
+}
+
+# The agent's log, without its time stamps and line ends.
+log_lines() {
+  cat "$log_folder"/Log*.log | tr -d '\r' | sed -E 's/^[0-9:.]{12}: //'
+}
