@@ -1,0 +1,44 @@
+# The agent starts while no server is there.
+
+start_trap_receiver_here
+start_host
+expect_within 20 'the first failed attempt raises the trap of a lost link' TrapSoftwareLinkDown trap_names
+expect 'without a server the variables hold what they are born with' "$(variable_values)" \
+  '1|"Corvane"|"1.x.x"|0|0|0|0|0'
+expect_within 5 'the loss is logged' 1 log_count 'Warning: Lost connection to Corvane process!'
+
+# Attempts go on every five seconds; the next ones change nothing.
+sleep 6
+expect 'further failed attempts raise no trap' "$(trap_names)" TrapSoftwareLinkDown
+expect 'nor a line' "$(log_count 'Warning: Lost connection to Corvane process!')" 1
+
+start_simulator
+tell answer off
+expect_within 15 'the link comes by itself' 0 read_variable LinkStatus
+expect_within 5 'and is logged' 1 log_count 'Info: Connection to Corvane process established..'
+
+expect 'the log begins with the start, the variables and the traps' \
+  "$(log_lines | grep -E 'Starting|TABLE')" "Info: Starting Corvane SNMP extension agent..
+Info: MIB TABLE 'AudioSourcesSilence':INT = $prefix.2.4
+Info: MIB TABLE 'AudioSourcesErrors':INT = $prefix.2.3
+Info: MIB TABLE 'AudioSourcesCount':INT = $prefix.2.2
+Info: MIB TABLE 'StreamsErrors':INT = $prefix.2.1
+Info: MIB TABLE 'StreamsCount':INT = $prefix.2.0
+Info: MIB TABLE 'ProductVersion':STRING = $prefix.1.1
+Info: MIB TABLE 'ProductName':STRING = $prefix.1.0
+Info: MIB TABLE 'LinkStatus':INT = $prefix.0.0
+Info: TRAP TABLE 'TrapSoftwareLinkUp' = $prefix.10
+Info: TRAP TABLE 'TrapSoftwareLinkDown' = $prefix.11
+Info: TRAP TABLE 'TrapStreamsOK' = $prefix.12
+Info: TRAP TABLE 'TrapStreamsFailed' = $prefix.13
+Info: TRAP TABLE 'TrapAudioSourcesOK' = $prefix.14
+Info: TRAP TABLE 'TrapAudioSourcesFailed' = $prefix.15
+Info: TRAP TABLE 'TrapAudioSilenceDetectPassed' = $prefix.16
+Info: TRAP TABLE 'TrapAudioSilenceDetectFailed' = $prefix.17
+Info: TRAP TABLE 'TrapStreamsFailedUpdated' = $prefix.18
+Info: TRAP TABLE 'TrapAudioSourcesFailedUpdated' = $prefix.19
+Info: TRAP TABLE 'TrapAudioSilenceDetectFailedUpdated' = $prefix.20"
+expect 'each line has its time' \
+  "$(cat "$log_folder"/Log*.log | grep -cvE '^[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}: (Info|Warning|Error): ')" 0
+expect 'the file is named after the day' \
+  "$(ls "$log_folder" | sed -E 's/^Log[0-9-]+\.log$/good/' | sort -u)" good
