@@ -1,11 +1,15 @@
 """The list of what the package carries (payload.txt), and its WiX source.
 
+As a program: prints source and place of each file of payload.txt, or of the
+list that is named.
+
 Every file is a component of its own. Its code is made from its place, so that
 it stays the same over versions and builds, as Windows Installer wants it.
 """
 
 import hashlib
 import pathlib
+import sys
 import uuid
 from typing import NamedTuple
 from xml.sax.saxutils import quoteattr
@@ -113,5 +117,5 @@ def folder_identifiers(files):
 
 
 if __name__ == "__main__":
-    for payload_file in read_payload():
+    for payload_file in read_payload(None, *map(pathlib.Path, sys.argv[1:])):
         print(f"{payload_file.source.relative_to(PROJECT)}\t{payload_file.place}")

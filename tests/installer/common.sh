@@ -35,7 +35,7 @@ close_cases() {
   ((failed == 0 && passed > 0))
 }
 
-# Source and place of every file in the package, tabulated.
+# payload_list [LIST]: source and place of every file in the package, tabulated.
 payload_list() {
-  PYTHONDONTWRITEBYTECODE=1 python3 "$top/installer/payload.py"
+  PYTHONDONTWRITEBYTECODE=1 python3 "$top/installer/payload.py" "$@"
 }
