@@ -22,9 +22,12 @@ constexpr char kServiceName[] = "SNMP";
 constexpr char kAgentsKey[] =
     "SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\ExtensionAgents";
 
+constexpr DWORD kAnswerTimeMs = 300;
+
 const char* g_logFile = "";
 HANDLE g_stopEvent = nullptr;
 SERVICE_STATUS_HANDLE g_statusHandle = nullptr;
+std::vector<HMODULE> g_agents;
 
 void Log(const std::string& line) {
   if (std::FILE* file = std::fopen(g_logFile, "a")) {
@@ -152,27 +155,31 @@ void Report(DWORD state) {
   SetServiceStatus(g_statusHandle, &status);
 }
 
+// Lets the agents go before it returns: Wine's installer does not wait for a
+// service to have stopped, only for its answer to the order.
 void WINAPI OnControl(DWORD control) {
-  if (control == SERVICE_CONTROL_STOP) {
-    Report(SERVICE_STOP_PENDING);
-    SetEvent(g_stopEvent);
-  } else {
+  if (control != SERVICE_CONTROL_STOP) {
     Report(SERVICE_RUNNING);
+    return;
   }
+  Report(SERVICE_STOP_PENDING);
+  for (const HMODULE module : g_agents) {
+    FreeLibrary(module);
+  }
+  Log("service stopped");
+  Report(SERVICE_STOPPED);
+  SetEvent(g_stopEvent);
 }
 
 void WINAPI ServiceMain(DWORD, char**) {
   g_statusHandle = RegisterServiceCtrlHandlerA(kServiceName, OnControl);
   Log("service started");
-  const std::vector<HMODULE> modules = LoadAgents();
+  g_agents = LoadAgents();
   Log("service ready");
   Report(SERVICE_RUNNING);
   WaitForSingleObject(g_stopEvent, INFINITE);
-  for (const HMODULE module : modules) {
-    FreeLibrary(module);
-  }
-  Log("service stopped");
-  Report(SERVICE_STOPPED);
+  // The process ends with this function: the order to stop is answered first, by another thread.
+  Sleep(kAnswerTimeMs);
 }
 
 }  // namespace
