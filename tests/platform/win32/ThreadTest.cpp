@@ -61,12 +61,14 @@ TEST_F(WindowsThreadTest, HasNormalPriority) {
 TEST_F(WindowsThreadTest, HasAStackOfOurOwnSize) {
   std::size_t stackBytes = 0;
   const auto measure = [](void* result) noexcept {
-    const auto* const block = reinterpret_cast<const NT_TIB*>(NtCurrentTeb());
-    MEMORY_BASIC_INFORMATION stack{};
-    VirtualQuery(&stack, &stack, sizeof stack);
-    *static_cast<std::size_t*>(result) =
-        static_cast<std::size_t>(static_cast<const char*>(block->StackBase) -
-                                 static_cast<const char*>(stack.AllocationBase));
+    MEMORY_BASIC_INFORMATION region{};
+    VirtualQuery(&region, &region, sizeof region);
+    const auto* const stack = static_cast<const char*>(region.AllocationBase);
+    const char* end = stack;
+    while (VirtualQuery(end, &region, sizeof region) != 0 && region.AllocationBase == stack) {
+      end += region.RegionSize;
+    }
+    *static_cast<std::size_t*>(result) = static_cast<std::size_t>(end - stack);
   };
   const NativeHandle thread = Start(measure, &stackBytes);
   threading.JoinThread(thread, finished.Handle());
