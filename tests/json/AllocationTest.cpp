@@ -1,0 +1,70 @@
+#include "tests/support/AllocationCounter.h"
+
+#include <string>
+
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "tests/json/BalancedTest.h"
+
+namespace Vask {
+namespace {
+
+using AllocationTest = Tests::BalancedTest;
+
+std::uint64_t AllocationsOfParsing(const std::string& text) {
+  const std::uint64_t before = Tests::Allocations();
+  ParseResult result;
+  JsonRef<Json> root(Parse(result, text.c_str()));
+  const std::uint64_t after = Tests::Allocations();
+  EXPECT_TRUE(root) << text;
+  return after - before;
+}
+
+// One for each value, its text included, and one for every sixteen characters
+// of an object's keys after the first sixteen.
+TEST_F(AllocationTest, ValuesTakeOneEachAndKeysNearlyNone) {
+  struct Row {
+    const char* name;
+    const char* text;
+    std::uint64_t allocations;
+  };
+  for (const Row& row : {
+           Row{"Literal", "null", 1},
+           Row{"Number", "123456789012345678901234567890", 1},
+           Row{"String", R"("a string of more than fifteen characters")", 1},
+           Row{"StringWithEscapes", R"("a string\nof more than\tfifteen characters")", 1},
+           Row{"EmptyObject", "{}", 1},
+           Row{"SixteenKeyCharacters", R"({"0123456789ABCDEF":0})", 2},
+           Row{"SeventeenKeyCharacters", R"({"0123456789ABCDEFG":0})", 3},
+           Row{"EmptyArray", "[]", 1},
+           Row{"ArrayElement", "[0]", 3},
+           Row{"SixteenLevels", "[[[[[[[[[[[[[[[[]]]]]]]]]]]]]]]]", 16 + 15},
+       }) {
+    EXPECT_EQ(AllocationsOfParsing(row.text), row.allocations) << row.name << ": " << row.text;
+  }
+}
+
+TEST_F(AllocationTest, MessagesThatBringValuesTakeAtMostSixteen) {
+  const std::string head =
+      R"({"name":"SNMPmessage","from":"Corvane","id":0,"op":"broadcast","data":{"messageType":)";
+  for (const char* body : {
+           R"({"Product":{"Name":"Corvane","Version":"4.2.1"}}}})",
+           R"({"Streams":{"Count":12,"Errors":1}}}})",
+           R"({"StreamMonitors":{"Count":12,"Errors":1,"Silence":0}}}})",
+           R"({"AudioSources":{"Count":12,"Errors":1,"Silence":0}}}})",
+       }) {
+    EXPECT_LE(AllocationsOfParsing(head + body), 16u) << body;
+  }
+}
+
+TEST_F(AllocationTest, ReleasingTakesNone) {
+  ParseResult result;
+  JsonRef<Json> root(Parse(result, R"({"a":[{"b":[1,2,{"c":"d"}]},"e"],"f":{"g":[[[]]]}})"));
+  ASSERT_TRUE(root);
+  const std::uint64_t before = Tests::Allocations();
+  root.Reset(nullptr);
+  EXPECT_EQ(Tests::Allocations(), before);
+}
+
+}  // namespace
+}  // namespace Vask

@@ -1,0 +1,115 @@
+#include <cstdlib>
+#include <limits>
+#include <new>
+#include <string>
+
+#include "json/JsonObject.h"
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "tests/json/BalancedTest.h"
+
+namespace {
+
+// How many pieces of memory this program still gets.
+int g_allocationsLeft = std::numeric_limits<int>::max();
+
+void* Allocate(std::size_t size) {
+  if (g_allocationsLeft-- <= 0) throw std::bad_alloc();
+  void* memory = std::malloc(size != 0 ? size : 1);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  return Allocate(size);
+}
+void* operator new[](std::size_t size) {
+  return Allocate(size);
+}
+void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace Vask {
+namespace {
+
+using OutOfMemoryTest = Tests::BalancedTest;
+
+// Runs `body` with an ever larger number of allocations until it comes through,
+// and answers how often it did not.
+template <class Body>
+int FailuresUntilItWorks(Body body) {
+  for (int allowed = 0;; ++allowed) {
+    g_allocationsLeft = allowed;
+    bool worked = true;
+    try {
+      body();
+    } catch (const std::bad_alloc&) {
+      worked = false;
+    }
+    g_allocationsLeft = std::numeric_limits<int>::max();
+    if (worked) return allowed;
+  }
+}
+
+TEST_F(OutOfMemoryTest, ParsingLosesNothingWhereverMemoryRunsOut) {
+  const std::string text = R"({"key":[1,2.5,{"long key of more than sixteen":"x\n"},[[]],true],)"
+                           R"("other":{"a":null},"KEY":")" +
+                           std::string(40, 'x') + "\",\"deep\":" + std::string(20, '[') +
+                           std::string(20, ']') + "}";
+  const std::uint32_t before = Living();
+  const int failures = FailuresUntilItWorks([&] {
+    ParseResult result;
+    JsonRef<Json> root(Parse(result, text.c_str()));
+    if (!root) std::abort();  // memory running out must not look like bad text
+  });
+  EXPECT_GT(failures, 40);
+  EXPECT_EQ(Living(), before);
+}
+
+TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
+  JsonRef<JsonObject> object(new JsonObject);
+  JsonRef<JsonObject> value(new JsonObject);
+  ASSERT_TRUE(object->Set("a", value.Get()));
+  const int failures = FailuresUntilItWorks([&] {
+    try {
+      object->Set("another key that needs more than one block", value.Get());
+    } catch (const std::bad_alloc&) {
+      if (value->RefCount() != 2) std::abort();
+      throw;
+    }
+  });
+  EXPECT_EQ(failures, 2);
+  EXPECT_EQ(value->RefCount(), 3);
+  EXPECT_EQ(object->Find("another"), nullptr);
+}
+
+TEST_F(OutOfMemoryTest, WritingLeavesTheTreeAsItWas) {
+  ParseResult result;
+  JsonRef<Json> root(Parse(result, R"({"a":[1,{"b":"a text that no small string holds"}]})"));
+  ASSERT_TRUE(root);
+  std::string before;
+  root->Write(before);
+  EXPECT_GT(FailuresUntilItWorks([&] {
+              std::string out;
+              root->Write(out);
+            }),
+            2);
+  std::string after;
+  root->Write(after);
+  EXPECT_EQ(after, before);
+}
+
+}  // namespace
+}  // namespace Vask

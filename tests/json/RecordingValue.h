@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "json/Json.h"
+
+namespace Vask::Tests {
+
+// A value that writes its name down when it is deleted.
+class RecordingValue final : public Json {
+ public:
+  RecordingValue(std::string name, std::string& deleted)
+      : m_name(std::move(name)), m_deleted(deleted) {}
+
+  JsonType Type() const noexcept override { return JsonType::Null; }
+  void Write(std::string& out) const override { out = "null"; }
+  void WritePretty(std::string& out, std::uint32_t) const override { Write(out); }
+
+ protected:
+  ~RecordingValue() override { m_deleted += m_name + " "; }
+
+ private:
+  std::string m_name;
+  std::string& m_deleted;
+};
+
+}  // namespace Vask::Tests

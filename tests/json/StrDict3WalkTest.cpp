@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "json/StrDict3.h"
+
+namespace Vask {
+namespace {
+
+using Dictionary = StrDict3<int>;
+using Keys = std::vector<std::string>;
+
+bool CollectKey(const char* key, int*, void* context) {
+  static_cast<Keys*>(context)->emplace_back(key);
+  return true;
+}
+
+Keys KeysOf(const Dictionary& dictionary, const char* prefix = "") {
+  Keys keys;
+  EXPECT_TRUE(dictionary.ForEach(prefix, &CollectKey, &keys));
+  return keys;
+}
+
+TEST(StrDict3Walk, KeysComeInAscendingOrderAKeyBeforeItsExtensions) {
+  Dictionary dictionary;
+  for (const char* key : {"b", "a", "ab"}) dictionary.Insert(key, 0);
+  EXPECT_EQ(KeysOf(dictionary), (Keys{"a", "ab", "b"}));
+}
+
+TEST(StrDict3Walk, BytesOver0x7FComeBeforeAscii) {
+  Dictionary dictionary;
+  for (const char* key : {"\x01", "~", "\x7F", "\x80", "\xFF", "a"}) dictionary.Insert(key, 0);
+  EXPECT_EQ(KeysOf(dictionary), (Keys{"\x80", "\xFF", "\x01", "a", "~", "\x7F"}));
+}
+
+TEST(StrDict3Walk, PrefixStandsBeforeEachKey) {
+  Dictionary dictionary;
+  for (const char* key : {"x", "y"}) dictionary.Insert(key, 0);
+  EXPECT_EQ(KeysOf(dictionary, "Table."), (Keys{"Table.x", "Table.y"}));
+}
+
+TEST(StrDict3Walk, EmptyDictionaryIsWalkedWithoutACall) {
+  EXPECT_EQ(KeysOf(Dictionary()), Keys{});
+}
+
+TEST(StrDict3Walk, CallbackStopsTheWalk) {
+  Dictionary dictionary;
+  for (const char* key : {"a", "b", "c"}) dictionary.Insert(key, 0);
+  Keys keys;
+  const auto stopAtB = [](const char* key, int* value, void* context) {
+    return CollectKey(key, value, context) && std::string(key) != "b";
+  };
+  EXPECT_FALSE(dictionary.ForEach("", stopAtB, &keys));
+  EXPECT_EQ(keys, (Keys{"a", "b"}));
+}
+
+TEST(StrDict3Walk, CallbackMayChangeTheValue) {
+  Dictionary dictionary;
+  dictionary.Insert("a", 1);
+  const auto increment = [](const char*, int* value, void*) {
+    ++*value;
+    return true;
+  };
+  EXPECT_TRUE(dictionary.ForEach("", increment, nullptr));
+  EXPECT_EQ(*dictionary.FindValue("a"), 2);
+}
+
+// Random keys over few letters share and branch everywhere.
+TEST(StrDict3Walk, AgreesWithASortedMapOnRandomKeys) {
+  std::mt19937 random(20180514);
+  for (int round = 0; round < 50; ++round) {
+    Dictionary dictionary(true);
+    std::map<std::string, int> model;
+    for (int i = 0; i < 60; ++i) {
+      std::string key(1 + random() % 6, 'a');
+      for (char& c : key) c = static_cast<char>('a' + random() % 3);
+      dictionary.Insert(key.c_str(), i);
+      model[key] = i;
+    }
+    Keys expected;
+    for (const auto& [key, value] : model) expected.push_back(key);
+    ASSERT_EQ(KeysOf(dictionary), expected) << "round " << round;
+    for (const auto& [key, value] : model) {
+      ASSERT_NE(dictionary.FindValue(key.c_str()), nullptr) << key;
+      ASSERT_EQ(*dictionary.FindValue(key.c_str()), value) << key;
+    }
+    for (const auto& [key, value] : model) {
+      int taken = -1;
+      ASSERT_TRUE(dictionary.TakeFirst(taken));
+      ASSERT_EQ(taken, value) << key;
+    }
+    int none = -1;
+    EXPECT_FALSE(dictionary.TakeFirst(none));
+    EXPECT_EQ(none, -1);
+  }
+}
+
+TEST(StrDict3Walk, LongestKeyAndPrefixTogetherAreAssembled) {
+  Dictionary dictionary;
+  dictionary.Insert(std::string(Dictionary::kMaxVisitedKeyLength, 'k').c_str(), 0);
+  EXPECT_EQ(KeysOf(dictionary), Keys{std::string(128, 'k')});
+  Dictionary shorter;
+  shorter.Insert(std::string(100, 'k').c_str(), 0);
+  EXPECT_EQ(KeysOf(shorter, std::string(28, 'p').c_str()),
+            Keys{std::string(28, 'p') + std::string(100, 'k')});
+}
+
+constexpr const char* kTooLong =
+    "Vask::StrDict3: a key of more than 128 characters cannot be enumerated";
+
+TEST(StrDict3WalkDeathTest, KeyOf129CharactersEndsTheProcess) {
+  Dictionary dictionary;
+  dictionary.Insert(std::string(129, 'k').c_str(), 0);
+  EXPECT_DEATH(KeysOf(dictionary), kTooLong);
+}
+
+TEST(StrDict3WalkDeathTest, PrefixCountsToo) {
+  Dictionary dictionary;
+  dictionary.Insert(std::string(100, 'k').c_str(), 0);
+  EXPECT_DEATH(KeysOf(dictionary, std::string(29, 'p').c_str()), kTooLong);
+  EXPECT_DEATH(KeysOf(dictionary, std::string(129, 'p').c_str()), kTooLong);
+}
+
+}  // namespace
+}  // namespace Vask
