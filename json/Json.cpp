@@ -10,6 +10,7 @@ Json* Json::TakeChild() noexcept {
 }
 
 void Json::ReleaseChildren() noexcept {
+  ValueMemory::Returns returns;
   Json* dying = this;
   for (;;) {
     if (Json* child = dying->TakeChild()) {
@@ -21,7 +22,8 @@ void Json::ReleaseChildren() noexcept {
       return;
     } else {
       Json* parent = dying->m_dyingParent;
-      delete dying;  // holds nothing any more, so its destructor does not walk
+      dying->~Json();  // holds nothing any more, so this does not walk again
+      returns.Add(dying);
       dying = parent;
     }
   }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "json/RefCount3.h"
+#include "json/ValueMemory.h"
 
 namespace Vask {
 
@@ -41,17 +42,19 @@ class Json : public RefCount3 {
   static std::uint32_t Constructed() noexcept { return Read(s_constructed); }
   static std::uint32_t Destroyed() noexcept { return Read(s_destroyed); }
 
-  // A value's text is stored behind the value, in the same allocation; the
-  // room asked for is in bytes. Derived classes hide this behind factories.
-  struct TextRoom {
+  // Where a new value goes: into `memory` (null: the heap), with `bytes` of room
+  // behind it for its text. Derived classes hide the latter behind factories.
+  struct Place {
+    ValueMemory* memory;
     std::size_t bytes;
   };
-  static void* operator new(std::size_t size) { return ::operator new(size); }
-  static void* operator new(std::size_t size, TextRoom room) {
-    return ::operator new(size + room.bytes);
+  static void* operator new(std::size_t size) { return ValueMemory::TakeAlone(size); }
+  static void* operator new(std::size_t size, Place place) {
+    size += place.bytes;
+    return place.memory != nullptr ? place.memory->Take(size) : ValueMemory::TakeAlone(size);
   }
-  static void operator delete(void* memory) noexcept { ::operator delete(memory); }
-  static void operator delete(void* memory, TextRoom) noexcept { ::operator delete(memory); }
+  static void operator delete(void* value) noexcept { ValueMemory::Free(value); }
+  static void operator delete(void* value, Place) noexcept { ValueMemory::Free(value); }
 
  protected:
   Json() noexcept { Count(s_constructed); }

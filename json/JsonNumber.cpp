@@ -9,8 +9,8 @@
 
 namespace Vask {
 
-JsonNumber* JsonNumber::FromText(std::string_view text, bool isInteger) {
-  return new (TextRoom{text.size() + 1}) JsonNumber(text, isInteger);
+JsonNumber* JsonNumber::FromText(std::string_view text, bool isInteger, ValueMemory* memory) {
+  return new (Place{memory, text.size() + 1}) JsonNumber(text, isInteger);
 }
 
 JsonNumber* JsonNumber::FromInt(std::int32_t value) {

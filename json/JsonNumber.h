@@ -17,7 +17,10 @@ class JsonNumber final : public Json {
   // the ends of 64 bits; its floating-point reading is that integer converted.
   // Otherwise the floating-point reading follows the whole text, whatever the
   // locale, and the integer one is it truncated toward zero, saturating too.
-  [[nodiscard]] static JsonNumber* FromText(std::string_view text, bool isInteger);
+  //
+  // The value lies in `memory`, or in the heap.
+  [[nodiscard]] static JsonNumber* FromText(std::string_view text, bool isInteger,
+                                            ValueMemory* memory = nullptr);
 
   // An integer; the text is that of "%d".
   [[nodiscard]] static JsonNumber* FromInt(std::int32_t value);

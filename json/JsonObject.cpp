@@ -10,12 +10,12 @@ JsonObject::~JsonObject() {
   if (!Empty()) ReleaseChildren();
 }
 
-JsonObject* JsonObject::CreateWithRoom() {
+JsonObject* JsonObject::CreateWithRoom(ValueMemory* memory) {
   using Nodes = Dictionary::StandardAllocator::Nodes;
+  void* object = Json::operator new (sizeof(JsonObject), Place{memory, sizeof(Nodes)});
   // The nodes lie behind the object; they are plain memory until handed out.
-  void* memory = Json::operator new (sizeof(JsonObject), TextRoom{sizeof(Nodes)});
-  void* nodes = static_cast<char*>(memory) + sizeof(JsonObject);
-  return ::new (memory) JsonObject(false, static_cast<Nodes*>(nodes));
+  void* nodes = static_cast<char*>(object) + sizeof(JsonObject);
+  return ::new (object) JsonObject(false, static_cast<Nodes*>(nodes));
 }
 
 bool JsonObject::Set(const char* key, Json* value) {

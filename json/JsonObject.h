@@ -16,8 +16,9 @@ class JsonObject final : public Json {
   explicit JsonObject(bool caseSensitive = false) : JsonObject(caseSensitive, nullptr) {}
 
   // One that has the memory of its first nodes with it, in one allocation; for
-  // objects that will not stay empty. Folds names.
-  [[nodiscard]] static JsonObject* CreateWithRoom();
+  // objects that will not stay empty. Folds names. It lies in `memory`, or in
+  // the heap.
+  [[nodiscard]] static JsonObject* CreateWithRoom(ValueMemory* memory = nullptr);
 
   // Stores `value` under the key, in place of any earlier value, which is
   // released. The object takes a reference of its own; the caller keeps his and

@@ -177,11 +177,13 @@ class JsonParser {
   template <class Sink>
   bool ReadCodeUnit(Sink& sink);
 
+  Json::Place Here() { return {&m_memory, 0}; }
   std::size_t StringRoom() const;
   void SkipSpace();
   void SkipDigits();
   void NewLine();
 
+  ValueMemory m_memory;
   const char* m_at;
   const char* m_lineBegin;
   std::uint32_t m_line = 1;
@@ -244,9 +246,9 @@ JsonParser::Step JsonParser::BeginObject() {
   SkipSpace();
   if (*m_at == '}') {
     ++m_at;
-    return Complete(new JsonObject);
+    return Complete(new (Here()) JsonObject);
   }
-  JsonRef<JsonObject> object(JsonObject::CreateWithRoom());
+  JsonRef<JsonObject> object(JsonObject::CreateWithRoom(&m_memory));
   m_open.Push({object.Get(), nullptr, nullptr});
   static_cast<void>(object.Detach());
   return ReadKey();
@@ -254,7 +256,7 @@ JsonParser::Step JsonParser::BeginObject() {
 
 JsonParser::Step JsonParser::BeginArray() {
   ++m_at;
-  auto* array = new JsonArray;
+  auto* array = new (Here()) JsonArray;
   m_value = array;
   SkipSpace();
   if (*m_at == ']') {
@@ -324,8 +326,8 @@ JsonParser::Step JsonParser::ReadLiteral(std::string_view literal) {
   // Stops at the text's end, which no literal holds.
   if (std::strncmp(m_at, literal.data(), literal.size()) != 0) return Fail(kUnexpectedToken);
   m_at += literal.size();
-  if (literal == "null") return Complete(new JsonNull);
-  return Complete(new JsonBool(literal == "true"));
+  if (literal == "null") return Complete(new (Here()) JsonNull);
+  return Complete(new (Here()) JsonBool(literal == "true"));
 }
 
 JsonParser::Step JsonParser::ReadNumber() {
@@ -345,7 +347,7 @@ JsonParser::Step JsonParser::ReadNumber() {
     SkipDigits();
   }
   const std::string_view text(begin, static_cast<std::size_t>(m_at - begin));
-  return Complete(JsonNumber::FromText(text, isInteger));
+  return Complete(JsonNumber::FromText(text, isInteger, &m_memory));
 }
 
 JsonParser::Step JsonParser::BeginString() {
@@ -353,14 +355,15 @@ JsonParser::Step JsonParser::BeginString() {
   const char* end = SkipPlain(begin);
   if (*end == '"') {  // nearly every string: its text stands there as it is
     m_at = end + 1;
-    return Complete(JsonString::Create({begin, end}));
+    return Complete(JsonString::Create({begin, end}, &m_memory));
   }
   bool complete = false;
-  m_value = JsonString::CreateFilled(StringRoom(), [&](char* buffer) {
+  const auto fill = [&](char* buffer) {
     BufferSink sink(buffer);
     complete = ReadString(sink);
     return static_cast<std::size_t>(sink.End() - buffer);
-  });
+  };
+  m_value = JsonString::CreateFilled(StringRoom(), fill, &m_memory);
   return complete ? Step::Complete : Step::Failed;
 }
 

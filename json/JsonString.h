@@ -10,17 +10,20 @@ namespace Vask {
 // the value is handed out.
 class JsonString final : public Json {
  public:
-  // A new string with a copy of `text`; the caller owns the one reference.
-  [[nodiscard]] static JsonString* Create(std::string_view text = {}) {
-    return CreateFilled(text.size(),
-                        [text](char* buffer) { return text.copy(buffer, text.size()); });
+  // A new string with a copy of `text`; the caller owns the one reference. It
+  // lies in `memory`, or in the heap.
+  [[nodiscard]] static JsonString* Create(std::string_view text = {},
+                                          ValueMemory* memory = nullptr) {
+    const auto copy = [text](char* buffer) { return text.copy(buffer, text.size()); };
+    return CreateFilled(text.size(), copy, memory);
   }
 
   // A new string whose text is written in place: fill(buffer) gets room for
   // `capacity` bytes and answers how many it has used. It must not throw.
   template <class Fill>
-  [[nodiscard]] static JsonString* CreateFilled(std::size_t capacity, Fill fill) {
-    auto* string = new (TextRoom{capacity + 1}) JsonString;
+  [[nodiscard]] static JsonString* CreateFilled(std::size_t capacity, Fill fill,
+                                                ValueMemory* memory = nullptr) {
+    auto* string = new (Place{memory, capacity + 1}) JsonString;
     char* buffer = reinterpret_cast<char*>(string) + sizeof(JsonString);
     string->m_size = fill(buffer);
     buffer[string->m_size] = '\0';

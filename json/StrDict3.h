@@ -1,13 +1,12 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <span>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "json/KeyFolding.h"
 
@@ -44,6 +43,12 @@ class StrDict3 {
     Node* nextSibling;
     Node* firstChild;
     T value;  // set only when hasValue is 1
+  };
+
+  // Nodes that lie side by side.
+  struct NodeRun {
+    Node* begin;
+    Node* end;
   };
 
   // Where nodes come from. One allocator may serve several dictionaries of one
@@ -137,10 +142,14 @@ class StrDict3 {
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  // One node or more that lie side by side, no field set; then the way to give
-  // the last `count` of them back.
-  std::span<Node> AllocRun();
-  void FreeRunEnd(std::size_t count) noexcept;
+  NodeRun AllocRun() {
+    if (m_standardAllocator != nullptr) return m_standardAllocator->AllocRun();
+    Node* node = m_allocator->AllocNode();
+    return {node, node + 1};
+  }
+  void FreeRest(NodeRun rest) noexcept {
+    if (rest.begin != rest.end) m_standardAllocator->FreeRest(rest);
+  }
 
   // What comes next when `first`, the first node of the first chain, is cut off:
   // its children are put before its siblings. This takes a dictionary apart in
@@ -177,41 +186,38 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator& operator=(const Allocator&) = delete;
 
   Node* AllocNode() override {
-    const std::span<Node> run = AllocRun();
-    FreeRunEnd(run.size() - 1);
-    return run.data();
+    const NodeRun run = AllocRun();
+    FreeRest({run.begin + 1, run.end});
+    return run.begin;
   }
 
   // As many nodes as happen to lie side by side, one at least. Whoever needs
-  // fewer gives the last ones back before anything else is asked of this.
-  std::span<Node> AllocRun() {
-    std::span<Node> run;
-    if (m_freeNodes != nullptr) {
-      run = {m_freeNodes, 1};
-      m_freeNodes = m_freeNodes->nextSibling;
-    } else {
-      if (m_freshNodes == m_freshEnd) AddBlock();
-      run = {m_freshNodes, m_freshEnd};
-      m_freshNodes = m_freshEnd;
+  // fewer gives the others back before anything else is asked of this.
+  NodeRun AllocRun() {
+    if (Node* node = m_freeNodes) {
+      m_freeNodes = node->nextSibling;
+      --m_freeCount;
+      return {node, node + 1};
     }
-    m_nodesInUse += static_cast<std::uint32_t>(run.size());
-    return run;
+    if (m_freshNodes.begin == m_freshNodes.end) AddBlock();
+    return std::exchange(m_freshNodes, {m_freshNodes.end, m_freshNodes.end});
   }
-  void FreeRunEnd(std::size_t count) noexcept {
-    if (count == 0) return;  // so it is for a recycled node
-    m_freshNodes = m_freshEnd - count;
-    m_nodesInUse -= static_cast<std::uint32_t>(count);
+  void FreeRest(NodeRun rest) noexcept {
+    if (rest.begin != rest.end) m_freshNodes = rest;
   }
 
   void FreeNode(Node* node) noexcept override {
     node->nextSibling = m_freeNodes;
     m_freeNodes = node;
-    --m_nodesInUse;
+    ++m_freeCount;
   }
 
   std::uint32_t Blocks() const noexcept { return m_blockCount; }
   std::uint32_t NodesProvided() const noexcept { return m_blockCount * NodesPerBlock; }
-  std::uint32_t NodesInUse() const noexcept { return m_nodesInUse; }
+  std::uint32_t NodesInUse() const noexcept {
+    const auto fresh = static_cast<std::uint32_t>(m_freshNodes.end - m_freshNodes.begin);
+    return NodesProvided() - fresh - m_freeCount;
+  }
 
  private:
   struct Block {
@@ -221,8 +227,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
 
   void AddBlock() {
     Nodes* nodes = m_blockCount == 0 && m_firstNodes != nullptr ? m_firstNodes : AddHeapBlock();
-    m_freshNodes = nodes->data();
-    m_freshEnd = m_freshNodes + NodesPerBlock;
+    m_freshNodes = {nodes->data(), nodes->data() + NodesPerBlock};
     ++m_blockCount;
   }
 
@@ -234,12 +239,11 @@ class StrDict3<T>::Allocator final : public IAllocator {
   }
 
   Node* m_freeNodes = nullptr;
-  Node* m_freshNodes = nullptr;  // of the newest block: never handed out so far
-  Node* m_freshEnd = nullptr;
+  NodeRun m_freshNodes{nullptr, nullptr};  // of the newest block: never handed out so far
   Nodes* m_firstNodes;
   Block* m_blocks = nullptr;  // those from the heap
   std::uint32_t m_blockCount = 0;
-  std::uint32_t m_nodesInUse = 0;
+  std::uint32_t m_freeCount = 0;
 };
 
 // Lays a key's path piece by piece, so that a key that is still being read needs
@@ -277,7 +281,7 @@ class StrDict3<T>::Path {
 };
 
 template <class T>
-const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& folding) {
+inline const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& folding) {
   while (const signed char ch = folding.Fold(*at)) {
     Node** link = m_level;
     while (*link != nullptr && (*link)->ch < ch) link = &(*link)->nextSibling;
@@ -297,9 +301,10 @@ const char* StrDict3<T>::Path::Extend(Node** link, const char* at, const KeyFold
   signed char ch = folding.Fold(*at);
   Node* nextSibling = *link;
   while (m_room != 0) {
-    const std::span<Node> run = m_dictionary.AllocRun();
-    Node* node = run.data();
-    Node* const end = node + std::min(run.size(), m_room);
+    const NodeRun run = m_dictionary.AllocRun();
+    const auto offered = static_cast<std::size_t>(run.end - run.begin);
+    Node* const end = offered <= m_room ? run.end : run.begin + m_room;
+    Node* node = run.begin;
     *link = node;
     do {
       *node = {0, ch, nextSibling, node + 1, T()};
@@ -307,12 +312,11 @@ const char* StrDict3<T>::Path::Extend(Node** link, const char* at, const KeyFold
       ++node;
       ch = folding.Fold(*++at);
     } while (ch != 0 && node != end);
+    m_dictionary.FreeRest({node, run.end});
     m_node = node - 1;
     m_node->firstChild = nullptr;
     m_level = link = &m_node->firstChild;
-    const auto laid = static_cast<std::size_t>(node - run.data());
-    m_dictionary.FreeRunEnd(run.size() - laid);
-    m_room -= laid;
+    m_room -= static_cast<std::size_t>(node - run.begin);
     if (ch == 0) return at;
   }
   return SkipRest(at, folding);
@@ -322,17 +326,6 @@ template <class T>
 const char* StrDict3<T>::Path::SkipRest(const char* at, const KeyFolding& folding) {
   while (folding.Fold(*at) != 0) ++at;
   return at;
-}
-
-template <class T>
-std::span<typename StrDict3<T>::Node> StrDict3<T>::AllocRun() {
-  if (m_standardAllocator != nullptr) return m_standardAllocator->AllocRun();
-  return {m_allocator->AllocNode(), 1};
-}
-
-template <class T>
-void StrDict3<T>::FreeRunEnd(std::size_t count) noexcept {
-  if (m_standardAllocator != nullptr) m_standardAllocator->FreeRunEnd(count);
 }
 
 template <class T>
@@ -348,17 +341,17 @@ bool StrDict3<T>::Insert(const char* key, const T& value) {
 template <class T>
 bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
-  std::size_t room = kMaxKeyLength;
   Node* level = m_root;
-  for (Node* node = nullptr;; level = node->firstChild) {
+  for (std::size_t room = kMaxKeyLength;;) {
     const signed char ch = m_folding.Fold(*key);
-    node = level;
+    Node* node = level;
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
     if (node == nullptr || node->ch != ch) return false;
     if (*++key == '\0' || --room == 0) {
       outNode = node;
       return true;
     }
+    level = node->firstChild;
   }
 }
 

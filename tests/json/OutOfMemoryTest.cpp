@@ -74,7 +74,7 @@ TEST_F(OutOfMemoryTest, ParsingLosesNothingWhereverMemoryRunsOut) {
     JsonRef<Json> root(Parse(result, text.c_str()));
     if (!root) std::abort();  // memory running out must not look like bad text
   });
-  EXPECT_GT(failures, 40);
+  EXPECT_GT(failures, 20);
   EXPECT_EQ(Living(), before);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -53,11 +54,11 @@ TEST(RefCount3, LastReleaseOfAKeptObjectIsOnlyReported) {
   int deletions = 0;
   int lastReleases = 0;
   {
-    Shared kept(deletions, lastReleases);
-    kept.AddRef();
-    kept.Release();
+    const auto kept = std::make_unique<Shared>(deletions, lastReleases);
+    kept->AddRef();
+    kept->Release();
     EXPECT_EQ(lastReleases, 0);
-    kept.Release();
+    kept->Release();
     EXPECT_EQ(lastReleases, 1);
     EXPECT_EQ(deletions, 0);
   }

@@ -1,0 +1,121 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+
+// Under AddressSanitizer what lies unused in a slab is as untouchable as freed
+// memory of the heap. Elsewhere these are nothing.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#include <sanitizer/asan_interface.h>
+#endif
+#endif
+#if !defined(ASAN_POISON_MEMORY_REGION)
+#define ASAN_POISON_MEMORY_REGION(address, size) (static_cast<void>(address))
+#define ASAN_UNPOISON_MEMORY_REGION(address, size) (static_cast<void>(address))
+#endif
+
+namespace Vask {
+
+// Memory for the values of one text, cut from larger pieces ("slabs"), because a
+// message's values come together and go together: one call of the heap for all
+// of them instead of one each. A slab goes back to the heap when the last value
+// in it was deleted, in whatever order and on whatever thread that happens; one
+// value that is kept keeps its slab.
+//
+// A parser owns one of these while it builds its tree; nobody else takes memory
+// here. Each piece has a small head that tells where it came from, so that
+// Free serves pieces of a slab and such of the heap alike.
+class ValueMemory {
+ public:
+  // What a slab holds, heads included: the largest message of a few values.
+  static constexpr std::size_t kSlabBytes = 4096;
+  // Larger pieces that do not fit any more come from the heap each for itself.
+  static constexpr std::size_t kLargestPiece = 1024;
+
+  ValueMemory() = default;
+  ~ValueMemory() { CloseSlab(); }
+  ValueMemory(const ValueMemory&) = delete;
+  ValueMemory& operator=(const ValueMemory&) = delete;
+
+  // A piece of `bytes`, aligned to 8. Throws std::bad_alloc.
+  void* Take(std::size_t bytes) {
+    const std::size_t whole = sizeof(Head) + (bytes + kAlignment - 1) / kAlignment * kAlignment;
+    if (whole > m_left) {
+      if (bytes > kLargestPiece) return TakeAlone(bytes);
+      OpenSlab();
+    }
+    char* head = reinterpret_cast<char*>(m_slab) + (kSlabBytes - m_left);
+    m_left -= whole;
+    ++m_pieces;
+    ASAN_UNPOISON_MEMORY_REGION(head, sizeof(Head) + bytes);
+    const auto offset = static_cast<std::uint32_t>(kSlabBytes - m_left - whole);
+    return new (head) Head{offset, static_cast<std::uint32_t>(bytes)} + 1;
+  }
+
+  // A piece of the heap that Free knows, for a value that stands alone.
+  static void* TakeAlone(std::size_t bytes);
+
+  class Returns;
+
+  // Gives a piece back, from either source and on any thread.
+  static void Free(void* piece) noexcept;
+
+ private:
+  struct Head {
+    std::uint32_t slabOffset;  // from the slab's begin to here; 0: of the heap
+    std::uint32_t bytes;       // of the piece, for checkers of memory use
+  };
+  struct Slab {
+    // Pieces in use, once all that will ever be cut from the slab are counted
+    // in; before that, the number given back, negative.
+    std::atomic<std::int32_t> inUse{0};
+  };
+
+  static Head& HeadOf(void* piece) noexcept { return *(static_cast<Head*>(piece) - 1); }
+  static void FreeSlab(Slab* slab) noexcept;
+  static void Retire(Slab* slab, std::int32_t pieces) noexcept;
+  void OpenSlab();
+  void CloseSlab() noexcept;
+
+  static constexpr std::size_t kAlignment = 8;
+
+  Slab* m_slab = nullptr;
+  std::size_t m_left = 0;     // bytes of the slab
+  std::int32_t m_pieces = 0;  // cut from it
+};
+
+// Pieces that one thread gives back one after the other, counted in one step
+// for each run that comes from the same slab. The last step is the destructor's.
+class ValueMemory::Returns {
+ public:
+  Returns() = default;
+  ~Returns() { Settle(); }
+  Returns(const Returns&) = delete;
+  Returns& operator=(const Returns&) = delete;
+
+  void Add(void* piece) noexcept {
+    Head& head = HeadOf(piece);
+    if (head.slabOffset == 0) return ::operator delete(&head);
+    auto* slab = reinterpret_cast<Slab*>(reinterpret_cast<char*>(&head) - head.slabOffset);
+    ASAN_POISON_MEMORY_REGION(piece, head.bytes);
+    if (slab != m_slab) {
+      Settle();
+      m_slab = slab;
+      m_pieces = 0;
+    }
+    ++m_pieces;
+  }
+
+ private:
+  void Settle() noexcept {
+    if (m_pieces != 0) Retire(m_slab, m_pieces);
+  }
+
+  Slab* m_slab = nullptr;
+  std::int32_t m_pieces = 0;
+};
+
+}  // namespace Vask

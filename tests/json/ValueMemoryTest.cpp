@@ -1,0 +1,130 @@
+#include "json/ValueMemory.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "json/JsonObject.h"
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "json/JsonString.h"
+#include "tests/json/BalancedTest.h"
+#include "tests/support/AllocationCounter.h"
+
+namespace Vask {
+namespace {
+
+using ValueMemoryTest = Tests::BalancedTest;
+
+// Pieces of `bytes` until the heap is asked again.
+int PiecesPerSlab(std::size_t bytes) {
+  ValueMemory memory;
+  std::vector<void*> pieces{memory.Take(bytes)};
+  pieces.reserve(1000);
+  const std::uint64_t before = Tests::Allocations();
+  while (Tests::Allocations() == before) pieces.push_back(memory.Take(bytes));
+  for (void* piece : pieces) ValueMemory::Free(piece);
+  return static_cast<int>(pieces.size()) - 1;
+}
+
+TEST_F(ValueMemoryTest, ManyPiecesTakeOneAllocation) {
+  EXPECT_EQ(PiecesPerSlab(64), (4096 - 8) / (64 + 8));
+  EXPECT_EQ(PiecesPerSlab(57), (4096 - 8) / (64 + 8));
+  EXPECT_EQ(PiecesPerSlab(65), (4096 - 8) / (72 + 8));
+}
+
+TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabStandsAlone) {
+  ValueMemory memory;
+  std::vector<void*> pieces;
+  pieces.reserve(10);
+  for (const std::size_t bytes : {ValueMemory::kLargestPiece, ValueMemory::kLargestPiece + 1,
+                                  std::size_t{100'000}, std::size_t{8}}) {
+    pieces.push_back(memory.Take(bytes));
+    std::memset(pieces.back(), 0xAA, bytes);
+  }
+  const std::uint64_t before = Tests::Allocations();
+  pieces.push_back(memory.Take(ValueMemory::kLargestPiece));  // the slab still has room
+  EXPECT_EQ(Tests::Allocations(), before);
+  pieces.push_back(memory.Take(4096));
+  EXPECT_EQ(Tests::Allocations(), before + 1);
+  pieces.push_back(memory.Take(8));  // and has it after that
+  EXPECT_EQ(Tests::Allocations(), before + 1);
+  for (void* piece : pieces) ValueMemory::Free(piece);
+}
+
+TEST_F(ValueMemoryTest, PiecesAreAlignedAndApart) {
+  ValueMemory memory;
+  std::vector<unsigned char*> pieces;
+  for (std::size_t bytes = 1; bytes <= 40; ++bytes) {
+    auto* piece = static_cast<unsigned char*>(memory.Take(bytes));
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(piece) % 8, 0u);
+    std::memset(piece, static_cast<int>(bytes), bytes);
+    pieces.push_back(piece);
+  }
+  for (std::size_t bytes = 1; bytes <= 40; ++bytes) {
+    unsigned char* piece = pieces[bytes - 1];
+    EXPECT_TRUE(std::all_of(piece, piece + bytes, [&](unsigned char c) { return c == bytes; }));
+    ValueMemory::Free(piece);
+  }
+}
+
+TEST_F(ValueMemoryTest, PiecesMayGoInAnyOrderWhileOthersAreTaken) {
+  std::mt19937 random(7);
+  std::vector<void*> pieces;
+  {
+    ValueMemory memory;
+    for (int i = 0; i < 5'000; ++i) {
+      pieces.push_back(memory.Take(1 + random() % 1'200));
+      std::memset(pieces.back(), 0x55, 1);
+      std::swap(pieces[random() % pieces.size()], pieces.back());
+      if (random() % 3 == 0) {
+        ValueMemory::Free(pieces.back());
+        pieces.pop_back();
+      }
+    }
+  }
+  std::shuffle(pieces.begin(), pieces.end(), random);
+  ValueMemory::Returns returns;
+  for (void* piece : pieces) returns.Add(piece);
+}
+
+TEST_F(ValueMemoryTest, KeptValueOutlivesTheMessageItCameWith) {
+  ParseResult result;
+  JsonRef<JsonObject> root(static_cast<JsonObject*>(
+      Parse(result, R"({"id":1,"data":{"name":"kept","other":[1,2,3]},"from":"x"})")));
+  ASSERT_TRUE(root);
+  auto* data = static_cast<JsonObject*>(root->Find("data"));
+  auto* name = static_cast<JsonString*>(data->Find("name"));
+  name->AddRef();
+  root.Reset(nullptr);
+  EXPECT_EQ(name->Text(), "kept");
+  EXPECT_EQ(name->RefCount(), 1);
+  name->Release();
+}
+
+TEST_F(ValueMemoryTest, ThreadsMayGiveBackPiecesOfOneSlab) {
+  std::uint64_t allocations = 0;
+  for (int round = 0; round < 200; ++round) {
+    std::vector<void*> pieces[2];
+    for (std::vector<void*>& half : pieces) half.reserve(20);
+    const std::uint64_t before = Tests::Allocations();
+    {
+      ValueMemory memory;
+      for (int i = 0; i < 40; ++i) pieces[i % 2].push_back(memory.Take(48));
+    }
+    allocations += Tests::Allocations() - before;
+    const auto giveBack = [](const std::vector<void*>& mine) {
+      for (void* piece : mine) ValueMemory::Free(piece);
+    };
+    std::thread other([&] { giveBack(pieces[0]); });
+    giveBack(pieces[1]);
+    other.join();
+  }
+  EXPECT_EQ(allocations, 200u);
+}
+
+}  // namespace
+}  // namespace Vask
