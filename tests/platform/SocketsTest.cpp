@@ -58,6 +58,12 @@ Stream ReceiveAll(SocketHandle socket) {
   return stream;
 }
 
+// Whether a reset followed the orderly end: then sending has failed already,
+// and not only once an answer says that nobody is there.
+bool WasReset(SocketHandle socket) {
+  return !SendText(socket, "x");
+}
+
 // A connection with both of its ends.
 class SocketsTest : public testing::Test {
  protected:
@@ -132,6 +138,7 @@ TEST_F(SocketsTest, EndWithBytesUnreadIsNoReset) {
   const Stream stream = ReceiveAll(far);
   EXPECT_EQ(stream.bytes, "last");
   EXPECT_EQ(stream.end, 0);
+  EXPECT_FALSE(WasReset(far));
 }
 
 TEST_F(SocketsTest, ShutdownWithBytesUnreadIsNoReset) {
@@ -140,6 +147,7 @@ TEST_F(SocketsTest, ShutdownWithBytesUnreadIsNoReset) {
   System().Shutdown(near);
   CloseNear();
   EXPECT_EQ(ReceiveAll(far).end, 0);
+  EXPECT_FALSE(WasReset(far));
 }
 
 TEST_F(SocketsTest, ShutdownEndsAWaitingReceive) {
