@@ -19,7 +19,7 @@ start_trap_receiver() {
   printf 'disableAuthorization yes\nformat1 %s\nformat2 %s\n' \
     '%N %w %q %T\n' 'notification %V, %v\n' >"$work/snmptrapd.conf"
   : >"$2"
-  snmptrapd -f -Lf "$2" -n -C -c "$work/snmptrapd.conf" -On \
+  setsid snmptrapd -f -Lf "$2" -n -C -c "$work/snmptrapd.conf" -On \
     -p "$work/snmptrapd.pid" "udp:127.0.0.1:$1" >"$work/snmptrapd.out" 2>&1 &
   trap_receiver=$!
 }

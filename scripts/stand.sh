@@ -1,6 +1,8 @@
 # The whole road of data, standing: corvane-sim as the Corvane server,
 # snmphost with the agent's module, snmptrapd as the receiver of traps. Every
-# process is known by its id and ended by it. To be sourced after console.sh.
+# process is known by its id and ended by it; each is started in a session of
+# its own, so that Ctrl-C reaches the script alone. To be sourced after
+# console.sh.
 #
 # Needs: top (the repository), kind (native or wine), work (a folder to be
 # filled), snmp_port and trap_port.
@@ -62,7 +64,7 @@ start_simulator() {
   local input=$work/simulator.in
   [[ -p "$input" ]] || mkfifo "$input"
   exec {simulator_input}<>"$input"
-  "$release/corvane-sim" <"$input" >"$simulator_said" 2>&1 &
+  setsid "$release/corvane-sim" <"$input" >"$simulator_said" 2>&1 &
   simulator=$!
   await 10 grep -q '^listening' "$simulator_said" || true
   stays "$simulator" corvane-sim "$simulator_said"
@@ -84,7 +86,7 @@ trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
 start_host() {
   rm -rf "$log_folder"
   mkdir -p "$data_folder"
-  "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$module" \
+  setsid "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$module" \
     >"$host_said" 2>&1 </dev/null &
   host=$!
   host_started_ms=$(now_ms)
