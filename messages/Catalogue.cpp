@@ -1,7 +1,8 @@
 #include "messages/Catalogue.h"
 
-#include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <iterator>
 
 #include "messages/Fields.h"
 
@@ -10,9 +11,11 @@ namespace Messages {
 namespace {
 
 constexpr bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return FoldAscii(x) == FoldAscii(y);
-         });
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i] && FoldAscii(a[i]) != FoldAscii(b[i])) return false;
+  }
+  return true;
 }
 
 constexpr bool HasDuplicates() {
@@ -33,11 +36,18 @@ constexpr std::uint8_t kLengths[] = {
 
 }  // namespace
 
-// One comparison after the other, the length before the text: nearly every
-// message ends here, and most of the catalogue is passed over by its lengths.
+// Entry after entry, in order, and of each the length before the text: nearly
+// every message passes over most of the catalogue, and memchr does that for many
+// lengths at a time.
 std::size_t FindInCatalogue(std::string_view name) noexcept {
-  for (std::size_t i = 0; i < kCatalogueSize; ++i) {
-    if (kLengths[i] == name.size() && SameName(kCatalogue[i].name, name)) return i;
+  const std::uint8_t* const end = std::end(kLengths);
+  const auto length = static_cast<std::uint8_t>(name.size());  // SameName compares it whole
+  for (const std::uint8_t* next = kLengths; next != end; ++next) {
+    const auto left = static_cast<std::size_t>(end - next);
+    next = static_cast<const std::uint8_t*>(std::memchr(next, length, left));
+    if (next == nullptr) return kCatalogueSize;
+    const auto i = static_cast<std::size_t>(next - kLengths);
+    if (SameName(kCatalogue[i].name, name)) return i;
   }
   return kCatalogueSize;
 }

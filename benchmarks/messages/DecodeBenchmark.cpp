@@ -8,11 +8,12 @@
 namespace Messages::Benchmarks {
 namespace {
 
+// As corvane-sim sends them.
 constexpr const char* kFrames[] = {
-    R"({"name":"SNMPmessage","data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"id":0,"from":"Corvane","op":"broadcast"})",
-    R"({"name":"SNMPmessage","data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
-    R"({"name":"SNMPmessage","data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
-    R"({"name":"SNMPmessage","data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"id":0,"from":"Corvane","op":"broadcast"})",
+    R"({"data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
 };
 
 // The sum of what was decoded, so that nobody can leave work out.
