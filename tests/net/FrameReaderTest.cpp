@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "net/FrameWriter.h"
+#include "net/IOnJsonMessageText.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/LinkRecorders.h"
 
 namespace Vask::Tests {
@@ -220,6 +222,22 @@ TEST_F(FrameReaderTest, MemoryOfAHugeUnfinishedMessageIsGivenBack) {
 TEST_F(FrameReaderTest, MemoryOfAnOrdinaryMessageIsKept) {
   EXPECT_TRUE(Feed("1000#" + std::string(1000, 'x')));
   EXPECT_GE(m_reader.BodyCapacity(), 1000u);
+}
+
+TEST_F(FrameReaderTest, FramesOfAUsualSizeCostNoMemoryOnceOneHasCome) {
+  class Counting final : public IOnJsonMessageText {
+   public:
+    bool OnJsonMessageText(const char*) override { return ++count > 0; }
+    int count = 0;
+  } counting;
+  m_reader.SetListener(&counting);
+  std::string frame;
+  AppendFrame(frame, std::string(1000, 'x'));
+  EXPECT_TRUE(Feed(frame));
+  const std::uint64_t before = Allocations();
+  for (int i = 0; i < 100; ++i) EXPECT_TRUE(Feed(frame));
+  EXPECT_EQ(Allocations() - before, 0u);
+  EXPECT_EQ(counting.count, 101);
 }
 
 }  // namespace

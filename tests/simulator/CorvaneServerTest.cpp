@@ -145,7 +145,7 @@ TEST_F(CorvaneServerTest, ServesTheNextConnectionAfterOneHasEnded) {
 }
 
 TEST_F(CorvaneServerTest, RefusesConnectionsForAWhile) {
-  m_server.RefuseFor(milliseconds{300});
+  m_server.RefuseFor(milliseconds{2000});
   EXPECT_FALSE(m_client.Connect(m_server.Port()));
   ASSERT_TRUE(m_lines.WaitForText("listening again"));
   EXPECT_TRUE(m_client.Connect(m_server.Port()));
@@ -154,7 +154,7 @@ TEST_F(CorvaneServerTest, RefusesConnectionsForAWhile) {
 
 TEST_F(CorvaneServerTest, RefusingKeepsTheConnectionThatStands) {
   ConnectClient();
-  m_server.RefuseFor(milliseconds{300});
+  m_server.RefuseFor(milliseconds{2000});
   EXPECT_TRUE(m_server.Send("still here"));
   EXPECT_EQ(m_client.Receive(10), "still here");
   EXPECT_TRUE(m_lines.WaitForText("listening again"));
