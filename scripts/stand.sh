@@ -11,8 +11,6 @@ source "$top/scripts/wine.sh"
 source "$top/scripts/snmp.sh"
 
 release=$top/build/release
-source "$release/generated/build-settings.sh"
-prefix=$CORVANE_PREFIX
 link_port=16969  # the agent's own, fixed
 address=127.0.0.1:$snmp_port
 simulator= host= trap_receiver=
@@ -113,11 +111,14 @@ stop_stand() {
   host= simulator= trap_receiver=
 }
 
-# The names of variables and traps, from the agent's own tables.
+# What the build knows: the prefix, and the names of variables and traps from
+# the agent's own tables.
 declare -A variable_oid variable_name trap_name
 variables=()
 load_names() {
   local kind number name
+  source "$release/generated/build-settings.sh"
+  prefix=$CORVANE_PREFIX
   while read -r kind number name; do
     if [[ "$kind" == variable ]]; then
       variables+=("$name")
