@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include <iterator>
+#include <string_view>
 
 #include "agent/Traps.h"
 #include "agent/Variables.h"
@@ -74,7 +75,7 @@ inline constexpr Notification kNotifications[] = {
 
 constexpr const Notification& NotificationOf(const Agent::TrapRow& trap) {
   for (const Notification& notification : kNotifications)
-    if (notification.trap == trap.name) return notification;
+    if (std::string_view(notification.trap) == trap.name) return notification;
   throw "no notification for this trap";
 }
 

@@ -1,6 +1,7 @@
 #include "mibs/Module.h"
 
 #include <stdexcept>
+#include <string_view>
 
 #include "BuildSettings.h"
 #include "messages/SNMPmessage.h"
@@ -69,7 +70,8 @@ std::string Syntax(const char* variableName, const char* integer) {
     // A text may fill the whole capacity: the answer has no terminating zero.
     return "DisplayString (SIZE (0.." + std::to_string(variable.capacity) + "))";
   }
-  if (variable.name == Agent::VariableName("LinkStatus")) return "INTEGER { up(0), down(1) }";
+  if (variable.name == std::string_view(Agent::VariableName("LinkStatus")))
+    return "INTEGER { up(0), down(1) }";
   return std::string(integer) + " (" + std::to_string(Messages::kSnmpCount.lower) + ".." +
          std::to_string(Messages::kSnmpCount.upper) + ")";
 }
