@@ -60,6 +60,11 @@ int CompareLeading(const AsnObjectIdentifier& key, const AsnObjectIdentifier& na
   return name.idLength < key.idLength ? 1 : 0;
 }
 
+int CompareWhole(const AsnObjectIdentifier& first, const AsnObjectIdentifier& second) noexcept {
+  const int order = CompareLeading(first, second);
+  return order == 0 && first.idLength < second.idLength ? -1 : order;
+}
+
 std::string DottedText(const AsnObjectIdentifier& name) {
   std::string text;
   text.reserve(std::size_t{name.idLength} * 4);

@@ -49,6 +49,12 @@ class ObjectIdentifier {
 [[nodiscard]] int CompareLeading(const AsnObjectIdentifier& key,
                                  const AsnObjectIdentifier& name) noexcept;
 
+// Compares two whole names in the order in which managers walk them: below 0,
+// 0 or above 0, sub-identifier by sub-identifier, and of two names that are
+// alike so far the shorter one first.
+[[nodiscard]] int CompareWhole(const AsnObjectIdentifier& first,
+                               const AsnObjectIdentifier& second) noexcept;
+
 // The sub-identifiers in decimal with single points between them, as in
 // "1.3.6.1"; empty for a name of length 0.
 [[nodiscard]] std::string DottedText(const AsnObjectIdentifier& name);

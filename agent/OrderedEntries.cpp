@@ -6,15 +6,6 @@
 
 namespace Agent {
 
-namespace {
-
-int CompareWhole(const AsnObjectIdentifier& first, const AsnObjectIdentifier& second) noexcept {
-  return SnmpUtilOidCmp(const_cast<AsnObjectIdentifier*>(&first),
-                        const_cast<AsnObjectIdentifier*>(&second));
-}
-
-}  // namespace
-
 OrderedEntries::~OrderedEntries() {
   while (m_head != nullptr) delete std::exchange(m_head, m_head->m_next);
 }

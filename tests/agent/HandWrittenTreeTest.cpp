@@ -131,10 +131,9 @@ TEST_P(EveryTreeTest, NamesAreStrictlyAscending) {
   ASSERT_NE(node, nullptr);
   std::size_t count = 1;
   for (; node->m_next != nullptr; node = node->m_next, ++count) {
-    AsnObjectIdentifier first = node->m_fullName.Name();
-    AsnObjectIdentifier second = node->m_next->m_fullName.Name();
-    EXPECT_LT(SnmpUtilOidCmp(&first, &second), 0)
-        << DottedText(first) << " and " << DottedText(second);
+    const AsnObjectIdentifier& first = node->m_fullName.Name();
+    const AsnObjectIdentifier& second = node->m_next->m_fullName.Name();
+    EXPECT_LT(CompareWhole(first, second), 0) << DottedText(first) << " and " << DottedText(second);
   }
   EXPECT_EQ(count, GetParam().variables.size());
 }

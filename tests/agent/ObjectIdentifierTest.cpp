@@ -69,6 +69,15 @@ TEST(ObjectIdentifierTest, ComparisonGoesNumberByNumberAndCountsLengthLast) {
   }
 }
 
+TEST(ObjectIdentifierTest, WholeNamesAreInTheOrderOfAWalk) {
+  std::vector<std::vector<UINT>> ascending{{},     {1}, {1, 3}, {1, 3, 6}, {1, 3, 6, 0},
+                                           {1, 4}, {2}, {2, 1}, {10}};
+  for (std::size_t i = 0; i < ascending.size(); ++i)
+    for (std::size_t j = 0; j < ascending.size(); ++j)
+      EXPECT_EQ(Sign(CompareWhole(Name(ascending[i]), Name(ascending[j]))), (i > j) - (i < j))
+          << i << " and " << j;
+}
+
 TEST(ObjectIdentifierTest, JoinCopiesAllPartsInOrder) {
   std::vector<UINT> first{1, 3};
   std::vector<UINT> none;
