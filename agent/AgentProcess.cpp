@@ -2,6 +2,7 @@
 
 #include "platform/Clock.h"
 #include "platform/Files.h"
+#include "platform/Sockets.h"
 #include "platform/Threading.h"
 
 namespace Agent {
@@ -15,7 +16,8 @@ AgentProcess::AgentProcess()
       m_updates(m_agent, m_connectNotify, m_registrar),
       m_link(&m_connectNotify),
       m_lifecycle({m_agent, m_connectNotify, m_link, m_timers, m_log, m_errors, m_registrar,
-                   Vask::Platform::SystemFiles(), &HandleMessage, &HandleUpdateFinished}),
+                   Vask::Platform::SystemFiles(), Vask::Platform::SystemSockets(), &HandleMessage,
+                   &HandleUpdateFinished}),
       m_entryPoints(m_agent, m_lifecycle) {}
 
 // The registrar gives handlers no context: it keeps one handler per function.

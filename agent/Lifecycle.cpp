@@ -13,6 +13,7 @@
 #include "net/CFileName2.h"
 #include "net/JsonSocket.h"
 #include "platform/Files.h"
+#include "platform/Sockets.h"
 
 namespace Agent {
 
@@ -64,7 +65,10 @@ bool Lifecycle::OpenLog() {
 
 // A link that runs already must not be touched, but it does say so.
 bool Lifecycle::OpenLink() {
-  if (!m_parts.link.IsRunning()) WireLink();
+  if (!m_parts.link.IsRunning()) {
+    WireLink();
+    LoadSocketLibraries();
+  }
   if (m_parts.link.OpenThread()) return true;
   LogPrinter::Instance().Error("Unable to open JsonSocket!\n");
   return false;
@@ -82,6 +86,16 @@ void Lifecycle::WireLink() {
   m_parts.link.SetEvents(&m_parts.connectNotify);
   m_parts.link.SetErrorSink(&m_parts.errors);
   m_parts.link.SetPort(kLinkPort);
+}
+
+// The first socket of a process, and the first graceful end, load libraries. On
+// the link's thread that could meet an unload, which holds the loader's lock and
+// waits for that thread: for ever.
+void Lifecycle::LoadSocketLibraries() {
+  const Vask::Platform::SocketHandle socket = m_parts.sockets.OpenTcp();
+  if (socket == Vask::Platform::kInvalidSocket) return;
+  static_cast<void>(m_parts.sockets.Disconnect(socket));
+  m_parts.sockets.Close(socket);
 }
 
 void Lifecycle::Stop(Ending ending) {

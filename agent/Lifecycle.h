@@ -13,7 +13,8 @@ class TimerService;
 }  // namespace Vask
 namespace Vask::Platform {
 class Files;
-}
+class Sockets;
+}  // namespace Vask::Platform
 
 namespace Agent {
 
@@ -47,6 +48,7 @@ class Lifecycle {
     Vask::ErrReporter& errors;
     Messages::Registrar& registrar;
     Vask::Platform::Files& files;
+    Vask::Platform::Sockets& sockets;  // those that the link uses
     Messages::Handler<Messages::SNMPmessage> onMessage;
     Messages::Handler<Messages::SNMPupdateFinished> onUpdateFinished;
   };
@@ -69,6 +71,7 @@ class Lifecycle {
   [[nodiscard]] bool OpenLog();
   [[nodiscard]] bool OpenLink();
   void WireLink();
+  void LoadSocketLibraries();
 
   Parts m_parts;
 };

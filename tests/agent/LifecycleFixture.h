@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -91,6 +92,7 @@ class StartFiles final : public Vask::Platform::Files {
 class CountedThreading final : public Vask::Platform::Threading {
  public:
   std::set<int> refusedStarts;
+  std::function<void()> beforeStart;
   std::atomic<int> starts{0};
   std::atomic<int> joins{0};
 
@@ -106,6 +108,7 @@ class CountedThreading final : public Vask::Platform::Threading {
   }
   Vask::Platform::NativeHandle StartThread(
       const Vask::Platform::ThreadEntry& entry) noexcept override {
+    if (beforeStart) beforeStart();
     if (refusedStarts.contains(starts++)) return nullptr;
     return m_system.StartThread(entry);
   }
@@ -161,7 +164,7 @@ class LifecycleTest : public ::testing::Test {
   MyConnectNotify connectNotify{agent, timers, Messages::Registrar::Instance()};
   Vask::JsonSocket link{&connectNotify, Vask::Platform::SystemClock(), sockets, threading};
   Lifecycle lifecycle{{agent, connectNotify, link, timers, log, errors,
-                       Messages::Registrar::Instance(), files,
+                       Messages::Registrar::Instance(), files, sockets,
                        [](const Messages::SNMPmessage&, std::int32_t, void*) {},
                        [](const Messages::SNMPupdateFinished&, std::int32_t, void*) {}}};
   EntryPoints entries{agent, lifecycle};

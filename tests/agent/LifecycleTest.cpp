@@ -55,6 +55,15 @@ TEST_F(LifecycleTest, StartRegistersEverythingBeforeTheLinkRuns) {
   EXPECT_EQ(threading.starts, 2);
 }
 
+// What the system loads for its first socket must not be loaded by a thread that
+// an unload waits for.
+TEST_F(LifecycleTest, FirstSocketIsOpenedAndEndedBeforeTheLinksThreadStarts) {
+  std::vector<int> atStart;
+  threading.beforeStart = [&] { atStart = {sockets.opened, sockets.disconnected, sockets.closed}; };
+  EXPECT_TRUE(lifecycle.Start());
+  EXPECT_EQ(atStart, (std::vector<int>{1, 1, 1}));
+}
+
 TEST_F(LifecycleTest, WithoutATimerThreadTheAgentStartsAllTheSame) {
   threading.refusedStarts = {kTimerThread};
   EXPECT_TRUE(lifecycle.Start());
