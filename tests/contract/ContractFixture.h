@@ -19,8 +19,6 @@ using Vask::Tests::FullName;
 using Lines = std::vector<std::string>;
 using Traps = std::vector<std::int32_t>;
 
-inline constexpr std::uint16_t kLinkPort = 16969;
-
 // A freshly loaded module and its log. The Corvane process plays the simulator,
 // where a test starts it.
 class ContractTest : public ::testing::Test {

@@ -8,6 +8,9 @@
 
 namespace Contract {
 
+// Where the module expects the Corvane process.
+inline constexpr std::uint16_t kLinkPort = 16969;
+
 // The built module, loaded as the SNMP service loads it, and its three entry
 // points. Which file it is says the environment variable CORVANE_MODULE, or
 // else the build.

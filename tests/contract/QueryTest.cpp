@@ -101,7 +101,7 @@ TEST_F(QueryTest, WalkVisitsTheEightVariablesWithTheirFirstValues) {
     name = walk.back().substr(2, walk.back().find(' ', 2) - 2);
   } while (walk.back()[0] == '0' && walk.size() < 20);
   EXPECT_EQ(walk, expected);
-  EXPECT_EQ(log.Lines().back(), "Info: GetNextRequest(" + FullName("P.2.4") + ") END OF TABLE");
+  EXPECT_TRUE(log.Has("Info: GetNextRequest(" + FullName("P.2.4") + ") END OF TABLE"));
 }
 
 TEST_F(QueryTest, RequestOfEightBindingsIsAnsweredWhole) {
