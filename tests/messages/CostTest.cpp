@@ -13,6 +13,15 @@ void CountFinished(const SNMPupdateFinished&, std::int32_t, void*) {
   ++s_handled;
 }
 
+// What one update brings, as corvane-sim sends it.
+constexpr const char* kFrames[] = {
+    R"({"data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
+    R"({"data":{},"from":"Corvane","id":0,"name":"SNMPupdateFinished","op":"broadcast"})",
+};
+
 // What a frame costs beyond time: allocations, which do not depend on the
 // machine.
 class CostTest : public MessageTest {
@@ -34,14 +43,7 @@ TEST_F(CostTest, CounterCounts) {
 TEST_F(CostTest, FrameOfTheUpdateTakesAtMostSixteenAllocations) {
   registrar.Subscribe<SNMPmessage>(Count);
   registrar.Subscribe<SNMPupdateFinished>(CountFinished);
-  for (
-      const char* frame : {
-          R"({"name":"SNMPmessage","data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"id":0})",
-          R"({"name":"SNMPmessage","data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"id":0})",
-          R"({"name":"SNMPmessage","data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"id":0})",
-          R"({"name":"SNMPmessage","data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"id":0})",
-          R"({"name":"SNMPupdateFinished","data":{},"id":0})",
-      }) {
+  for (const char* frame : kFrames) {
     s_handled = 0;
     EXPECT_LE(AllocationsOf([&] { EXPECT_TRUE(registrar.OnJsonMessageText(frame)); }), 16u)
         << frame;
