@@ -2,19 +2,14 @@
 
 #include "benchmarks/messages/PeerDecoders.h"
 #include "messages/Registrar.h"
+#include "tests/support/UpdateFrames.h"
 
 // Decoding of the four frames of one update: parse, envelope, record, handler,
 // release. One iteration takes all four.
 namespace Messages::Benchmarks {
 namespace {
 
-// As corvane-sim sends them.
-constexpr const char* kFrames[] = {
-    R"({"data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-};
+using Vask::Tests::kUpdateFrames;
 
 // The sum of what was decoded, so that nobody can leave work out.
 std::int64_t s_sum = 0;
@@ -30,7 +25,7 @@ void DecodeOurs(benchmark::State& state) {
   Registrar& registrar = Registrar::Instance();
   registrar.Subscribe<SNMPmessage>(Take);
   for ([[maybe_unused]] const auto& iteration : state) {
-    for (const char* frame : kFrames) {
+    for (const char* frame : kUpdateFrames) {
       if (!registrar.OnJsonMessageText(frame)) state.SkipWithError("a frame was refused");
     }
   }
@@ -41,7 +36,7 @@ BENCHMARK(DecodeOurs);
 
 void DecodePeer(benchmark::State& state, bool (*decode)(const char*, SNMPmessage&, std::int32_t&)) {
   for ([[maybe_unused]] const auto& iteration : state) {
-    for (const char* frame : kFrames) {
+    for (const char* frame : kUpdateFrames) {
       SNMPmessage message;
       std::int32_t id = 0;
       if (!decode(frame, message, id)) state.SkipWithError("a frame was refused");

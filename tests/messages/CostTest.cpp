@@ -1,6 +1,7 @@
 #include "messages/SNMPmessage.h"
 #include "tests/messages/MessageTest.h"
 #include "tests/support/AllocationCounter.h"
+#include "tests/support/UpdateFrames.h"
 
 namespace Messages::Tests {
 namespace {
@@ -9,18 +10,6 @@ int s_handled = 0;
 void Count(const SNMPmessage&, std::int32_t, void*) {
   ++s_handled;
 }
-void CountFinished(const SNMPupdateFinished&, std::int32_t, void*) {
-  ++s_handled;
-}
-
-// What one update brings, as corvane-sim sends it.
-constexpr const char* kFrames[] = {
-    R"({"data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"StreamMonitors":{"Count":4,"Errors":0,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{"messageType":{"AudioSources":{"Count":8,"Errors":2,"Silence":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
-    R"({"data":{},"from":"Corvane","id":0,"name":"SNMPupdateFinished","op":"broadcast"})",
-};
 
 // What a frame costs beyond time: allocations, which do not depend on the
 // machine.
@@ -42,15 +31,13 @@ TEST_F(CostTest, CounterCounts) {
 
 TEST_F(CostTest, FrameOfTheUpdateTakesAtMostSixteenAllocations) {
   registrar.Subscribe<SNMPmessage>(Count);
-  registrar.Subscribe<SNMPupdateFinished>(CountFinished);
-  for (const char* frame : kFrames) {
+  for (const char* frame : Vask::Tests::kUpdateFrames) {
     s_handled = 0;
     EXPECT_LE(AllocationsOf([&] { EXPECT_TRUE(registrar.OnJsonMessageText(frame)); }), 16u)
         << frame;
     EXPECT_EQ(2, s_handled) << frame;
   }
   registrar.Unsubscribe<SNMPmessage>(Count);
-  registrar.Unsubscribe<SNMPupdateFinished>(CountFinished);
 }
 
 TEST_F(CostTest, MatchingAndSkippingAllocatesNothingAfterTheParse) {
