@@ -14,6 +14,7 @@ class EntryPointsTest : public LifecycleTest {
     AsnInteger status = 99;
     AsnInteger index = 99;
     const BOOL result = entries.Query(pduType, &list, &status, &index);
+    for (SnmpVarBind& binding : bindings) Vask::Tests::FreeText(binding.value);
     return std::string(result ? "TRUE " : "FALSE ") + std::to_string(status) + "/" +
            std::to_string(index);
   }

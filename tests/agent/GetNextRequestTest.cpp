@@ -38,7 +38,7 @@ TEST_F(GetNextRequestTest, EachNameIsAnsweredByWhatFollowsIt) {
 TEST_F(GetNextRequestTest, WalkFromThePrefixVisitsAllVariablesAndEnds) {
   std::string walk;
   Binding binding("P");
-  while (agent.GetNextRequest(binding.Get()) == SNMP_ERRORSTATUS_NOERROR && walk.size() < 500)
+  while (agent.GetNextRequest(binding.Again()) == SNMP_ERRORSTATUS_NOERROR && walk.size() < 500)
     walk += binding.Name() + " ";
   EXPECT_EQ(walk, "P.0.0 P.1.0 P.1.1 P.2.0 P.2.1 P.2.2 P.2.3 P.2.4 ");
   EXPECT_EQ(LastLine(), "Info: GetNextRequest(" + FullName("P.2.4") + ") END OF TABLE\n");

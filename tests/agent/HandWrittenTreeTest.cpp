@@ -148,7 +148,7 @@ TEST_P(EveryTreeTest, GetNextChainsThemAndEnds) {
   Binding binding("P");
   INT status = agent.GetNextRequest(binding.Get());
   for (; status == SNMP_ERRORSTATUS_NOERROR && walk.size() < 1000;
-       status = agent.GetNextRequest(binding.Get()))
+       status = agent.GetNextRequest(binding.Again()))
     walk += binding.Name() + " ";
   EXPECT_EQ(walk + "| " + std::to_string(status) + " " + binding.Name(), GetParam().walk);
   std::string line = LastLine();

@@ -31,12 +31,15 @@ bool Reach(Contract::Module& module, const std::string& state) {
   return Contract::Eventually([&] { return module.Get("P.0.0") == wanted; });
 }
 
+// Not destroyed: the module stays loaded.
+constinit Contract::Module* g_module = nullptr;
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
-  auto* const module = new Contract::Module;  // not destroyed: it stays loaded
-  if (!Reach(*module, argv[1])) {
+  g_module = new Contract::Module;
+  if (!Reach(*g_module, argv[1])) {
     std::fprintf(stderr, "state %s not reached\n", argv[1]);
     return 1;
   }

@@ -273,7 +273,9 @@ TEST_F(JsonSocketTest, PeerThatSaysNothingKeepsItsConnection) {
 TEST_F(JsonSocketTest, MessageThatNeverCompletesIsNeverDelivered) {
   OpenAndConnect();
   ASSERT_TRUE(m_server.Send("2147483647#only this much"));
-  std::this_thread::sleep_for(milliseconds{3 * JsonSocket::kPollMs});
+  for (int i = 0; i < 1000 && m_link.GetState() != FrameReader::kReadingBody; ++i) {
+    std::this_thread::sleep_for(milliseconds{10});
+  }
   EXPECT_EQ(m_link.GetState(), FrameReader::kReadingBody);
   EXPECT_TRUE(m_server.GetRecord().Connected());
   EXPECT_TRUE(m_server.Drop());

@@ -41,9 +41,18 @@ Binding::Binding(const std::string& name) {
 
 Binding::~Binding() {
   if (m_binding.name.ids != nullptr) SnmpUtilOidFree(&m_binding.name);
-  const bool text = m_binding.value.asnType == ASN_OCTETSTRING;
-  if (text && m_binding.value.asnValue.string.dynamic)
-    SnmpUtilMemFree(m_binding.value.asnValue.string.stream);
+  FreeText(m_binding.value);
+}
+
+SnmpVarBind& Binding::Again() {
+  FreeText(m_binding.value);
+  m_binding.value.asnType = ASN_NULL;
+  return m_binding;
+}
+
+void FreeText(AsnAny& value) {
+  if (value.asnType == ASN_OCTETSTRING && value.asnValue.string.dynamic)
+    SnmpUtilMemFree(value.asnValue.string.stream);
 }
 
 std::string Binding::Name() const {

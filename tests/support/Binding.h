@@ -13,6 +13,9 @@ namespace Vask::Tests {
 std::string FullName(const std::string& name);
 std::string ShortName(const std::string& dotted);
 
+// Frees the text that a request answered, if it is one.
+void FreeText(AsnAny& value);
+
 // One variable binding of a request, with its memory: the name in the utility
 // functions' own, as the service has it, and no value at first.
 class Binding {
@@ -23,6 +26,10 @@ class Binding {
   Binding& operator=(const Binding&) = delete;
 
   SnmpVarBind& Get() { return m_binding; }
+
+  // The same for a request that follows another: what that answered is freed,
+  // as the service does between the steps of a walk.
+  SnmpVarBind& Again();
 
   // The present name, short.
   [[nodiscard]] std::string Name() const;
