@@ -27,6 +27,7 @@ class VariableUpdatesTest : public UpdatesTest {
   }
   void SendProduct(const std::string& name, const std::string& version) {
     SNMPmessage message;
+    message.m_messageType.m_Product = {};
     name.copy(message.m_messageType.m_Product.m_Name, 128);
     version.copy(message.m_messageType.m_Product.m_Version, 64);
     message.m_messageType.m_tag = SNMPmessage::kProduct;

@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <new>
 #include <string>
 
 #include "platform/Clock.h"
@@ -31,15 +32,15 @@ bool Reach(Contract::Module& module, const std::string& state) {
   return Contract::Eventually([&] { return module.Get("P.0.0") == wanted; });
 }
 
-// Not destroyed: the module stays loaded.
-constinit Contract::Module* g_module = nullptr;
+// Where a module lies that is never destroyed: it stays loaded.
+alignas(Contract::Module) unsigned char g_storage[sizeof(Contract::Module)];
 
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc != 3) return 2;
-  g_module = new Contract::Module;
-  if (!Reach(*g_module, argv[1])) {
+  auto* const module = ::new (g_storage) Contract::Module;
+  if (!Reach(*module, argv[1])) {
     std::fprintf(stderr, "state %s not reached\n", argv[1]);
     return 1;
   }
