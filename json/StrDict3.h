@@ -40,6 +40,10 @@ class StrDict3 {
   struct Node {
     std::uint8_t hasValue;  // 1 when a key ends here
     signed char ch;         // the folded character
+    // Above 0: this many nodes right behind this one are a chain of only
+    // children below it. Then `firstChild` is not set, and of the nodes between
+    // this and the chain's last only the two fields above are.
+    std::uint16_t run;
     Node* nextSibling;
     Node* firstChild;
     T value;  // set only when hasValue is 1
@@ -133,6 +137,7 @@ class StrDict3 {
   // Gives every node back; the values are not touched.
   void Clear() noexcept {
     while (Node* node = m_root) {
+      Unfold(node);
       m_root = Successor(node);
       m_allocator->FreeNode(node);
     }
@@ -151,10 +156,17 @@ class StrDict3 {
     if (rest.begin != rest.end) m_standardAllocator->FreeRest(rest);
   }
 
+  // Sets the fields that a run leaves out in `node` and hands the rest of the
+  // run to its child, so that something can be hung in below.
+  static void Unfold(Node* node) noexcept;
+
   // What comes next when `first`, the first node of the first chain, is cut off:
-  // its children are put before its siblings. This takes a dictionary apart in
+  // its children are put before its siblings. Within a run that is the last
+  // node, for the others hold no value. This takes a dictionary apart in
   // the order of ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
+
+  static bool Visit(char* key, std::size_t length, Node* node, Callback callback, void* context);
 
   IAllocator* m_allocator;
   // The same allocator when it is the standard one, whose calls the compiler
@@ -289,6 +301,7 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& f
     if (m_room == 0) return SkipRest(at, folding);
     --m_room;
     m_node = *link;
+    Unfold(m_node);
     m_level = &m_node->firstChild;
     ++at;
   }
@@ -301,22 +314,26 @@ const char* StrDict3<T>::Path::Extend(Node** link, const char* at, const KeyFold
   signed char ch = folding.Fold(*at);
   Node* nextSibling = *link;
   while (m_room != 0) {
-    const NodeRun run = m_dictionary.AllocRun();
-    const auto offered = static_cast<std::size_t>(run.end - run.begin);
-    Node* const end = offered <= m_room ? run.end : run.begin + m_room;
-    Node* node = run.begin;
-    *link = node;
+    const NodeRun nodes = m_dictionary.AllocRun();
+    const auto offered = static_cast<std::size_t>(nodes.end - nodes.begin);
+    Node* const end = offered <= m_room ? nodes.end : nodes.begin + m_room;
+    Node* node = nodes.begin;
     do {
-      *node = {0, ch, nextSibling, node + 1, T()};
-      nextSibling = nullptr;
+      node->hasValue = 0;
+      node->ch = ch;
       ++node;
       ch = folding.Fold(*++at);
     } while (ch != 0 && node != end);
-    m_dictionary.FreeRest({node, run.end});
+    m_dictionary.FreeRest({node, nodes.end});
+    *link = nodes.begin;
     m_node = node - 1;
+    m_node->run = 0;
+    m_node->nextSibling = nullptr;
     m_node->firstChild = nullptr;
+    nodes.begin->run = static_cast<std::uint16_t>(m_node - nodes.begin);
+    nodes.begin->nextSibling = std::exchange(nextSibling, nullptr);
     m_level = link = &m_node->firstChild;
-    m_room -= static_cast<std::size_t>(node - run.begin);
+    m_room -= static_cast<std::size_t>(node - nodes.begin);
     if (ch == 0) return at;
   }
   return SkipRest(at, folding);
@@ -341,18 +358,26 @@ bool StrDict3<T>::Insert(const char* key, const T& value) {
 template <class T>
 bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
-  Node* level = m_root;
-  for (std::size_t room = kMaxKeyLength;;) {
-    const signed char ch = m_folding.Fold(*key);
-    Node* node = level;
+  const char* at = key;
+  signed char ch = m_folding.Fold(*at);
+  Node* parent = nullptr;
+  for (Node* node = m_root;; node = node->firstChild) {
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
-    if (node == nullptr || node->ch != ch) return false;
-    if (*++key == '\0' || --room == 0) {
-      outNode = node;
-      return true;
+    if (node == nullptr || node->ch != ch) {
+      // No path is longer than the limit, so only there can a key be cut.
+      if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
+      break;
     }
-    level = node->firstChild;
+    ch = m_folding.Fold(*++at);
+    for (const Node* const end = node + node->run; node != end && ch != 0;) {
+      if ((++node)->ch != ch) return false;
+      ch = m_folding.Fold(*++at);
+    }
+    parent = node;
+    if (ch == 0) break;
   }
+  outNode = parent;
+  return true;
 }
 
 template <class T>
@@ -369,19 +394,16 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
   std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
     if (length == kMaxVisitedKeyLength) EndProcessOnLongKey();
-    key[length] = static_cast<char>(node->ch);
-    if (node->hasValue) {
-      key[length + 1] = '\0';
-      if (!callback(key, &node->value, context)) return false;
+    key[length++] = static_cast<char>(node->ch);
+    if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
+    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length - 1};
+    if (const Node* const end = node + node->run; node != end) {
+      if (length + node->run > kMaxVisitedKeyLength) EndProcessOnLongKey();
+      while (node != end) key[length++] = static_cast<char>((++node)->ch);
+      if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
     }
-    if (node->firstChild != nullptr) {
-      if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
-      node = node->firstChild;
-      ++length;
-    } else if (node->nextSibling != nullptr) {
-      node = node->nextSibling;
-    } else {
-      if (lastLater == later) return true;
+    node = node->firstChild;
+    if (node == nullptr && lastLater != later) {
       node = (--lastLater)->node;
       length = lastLater->length;
     }
@@ -390,17 +412,36 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
 }
 
 template <class T>
+bool StrDict3<T>::Visit(char* key, std::size_t length, Node* node, Callback callback,
+                        void* context) {
+  key[length] = '\0';
+  return callback(key, &node->value, context);
+}
+
+template <class T>
+void StrDict3<T>::Unfold(Node* node) noexcept {
+  if (node->run == 0) return;
+  Node* child = node + 1;
+  if (node->run > 1) {
+    child->run = static_cast<std::uint16_t>(node->run - 1);
+    child->nextSibling = nullptr;
+  }
+  node->run = 0;
+  node->firstChild = child;
+}
+
+template <class T>
 typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
-  Node* child = first->firstChild;
-  if (child == nullptr) return first->nextSibling;
+  Node* next = first->run != 0 ? first + first->run : first->firstChild;
+  if (next == nullptr) return first->nextSibling;
   if (first->nextSibling != nullptr) {
     // Each chain of siblings is walked to its end once at most, so a whole
     // dictionary is taken apart in linear time.
-    Node* lastChild = child;
-    while (lastChild->nextSibling != nullptr) lastChild = lastChild->nextSibling;
-    lastChild->nextSibling = first->nextSibling;
+    Node* last = next;
+    while (last->nextSibling != nullptr) last = last->nextSibling;
+    last->nextSibling = first->nextSibling;
   }
-  return child;
+  return next;
 }
 
 template <class T>

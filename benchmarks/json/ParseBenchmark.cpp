@@ -24,7 +24,7 @@ constexpr std::array<const char*, 4> kFrames = {
     R"({"AudioSources":{"Count":12,"Errors":1,"Silence":0}}}})"};
 
 void ParseCorvane(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] const auto& iteration : state) {
     for (const char* frame : kFrames) {
       Vask::ParseResult result;
       Vask::JsonRef<Vask::Json> root(Vask::Parse(result, frame));
@@ -35,7 +35,7 @@ void ParseCorvane(benchmark::State& state) {
 BENCHMARK(ParseCorvane);
 
 void ParseNlohmann(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] const auto& iteration : state) {
     for (const char* frame : kFrames) {
       auto root = nlohmann::json::parse(frame, nullptr, false);
       benchmark::DoNotOptimize(&root);
@@ -45,7 +45,7 @@ void ParseNlohmann(benchmark::State& state) {
 BENCHMARK(ParseNlohmann);
 
 void ParseRapidJson(benchmark::State& state) {
-  for (auto _ : state) {
+  for ([[maybe_unused]] const auto& iteration : state) {
     for (const char* frame : kFrames) {
       rapidjson::Document root;
       root.Parse(frame);

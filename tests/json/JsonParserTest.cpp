@@ -258,6 +258,15 @@ TEST_F(JsonParserTest, FailureReleasesEverythingBuiltSoFar) {
   }
 }
 
+TEST_F(JsonParserTest, FailureWithinAValueUnderAnEmptyKeyReleasesThatToo) {
+  for (const char* text : {R"({"":)", R"({"":[)", R"([{"":{"":[{"a":"b")", R"({"":{"a":[1],"b")"}) {
+    const std::uint32_t before = Living();
+    ParseResult result;
+    EXPECT_EQ(Parse(result, text), nullptr) << text;
+    EXPECT_EQ(Living(), before) << text;
+  }
+}
+
 TEST_F(JsonParserTest, KeyLongerThanTheDictionaryTakesIsCut) {
   const std::string most(StrDict3<Json*>::kMaxKeyLength, 'k');
   ParseResult result;

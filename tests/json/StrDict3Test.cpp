@@ -115,6 +115,23 @@ TEST(StrDict3, KeyMayExtendOrCutAnother) {
   EXPECT_EQ(Pairs(dictionary), "a=7 abc=7 abcde=7 abd=7 ");
 }
 
+TEST(StrDict3, KeysMayBranchOffAnywhereInALongerOne) {
+  const std::string longest = "abcdefghijklmnopqrstuvwxyz0123456789";
+  for (std::size_t at = 1; at < longest.size(); ++at) {
+    Dictionary dictionary;
+    dictionary.Insert(longest.c_str(), 1);
+    const std::string cut = longest.substr(0, at);
+    dictionary.Insert((cut + "~").c_str(), 2);
+    EXPECT_EQ(dictionary.FindValue(cut.c_str()), nullptr);
+    dictionary.Insert(cut.c_str(), 3);
+    dictionary.Insert((cut + "!").c_str(), 4);
+    EXPECT_EQ(Pairs(dictionary), cut + "=3 " + cut + "!=4 " + longest + "=1 " + cut + "~=2 ");
+    EXPECT_EQ(Value(dictionary, longest.c_str()), 1) << cut;
+    EXPECT_EQ(Value(dictionary, (cut + "!").c_str()), 4) << cut;
+    EXPECT_EQ(Value(dictionary, (longest + "x").c_str()), -1) << cut;
+  }
+}
+
 TEST(StrDict3, KeysAreCutAtTheirLimit) {
   const std::string most(Dictionary::kMaxKeyLength, 'k');
   Dictionary dictionary;
@@ -211,7 +228,7 @@ class RubbishAllocator final : public Dictionary::IAllocator {
  public:
   Node* AllocNode() override {
     ++allocated;
-    return new Node{1, 'x', reinterpret_cast<Node*>(1), reinterpret_cast<Node*>(1), 99};
+    return new Node{1, 'x', 77, reinterpret_cast<Node*>(1), reinterpret_cast<Node*>(1), 99};
   }
   void FreeNode(Node* node) noexcept override {
     ++freed;

@@ -57,6 +57,14 @@ TEST(StrDict3Walk, CallbackStopsTheWalk) {
   EXPECT_EQ(keys, (Keys{"a", "b"}));
 }
 
+TEST(StrDict3Walk, StoppedWalkDoesNotReachAKeyThatIsTooLong) {
+  Dictionary dictionary;
+  dictionary.Insert("a", 0);
+  dictionary.Insert(("a" + std::string(200, 'k')).c_str(), 0);
+  const auto stop = [](const char*, int*, void*) { return false; };
+  EXPECT_FALSE(dictionary.ForEach("", stop, nullptr));
+}
+
 TEST(StrDict3Walk, CallbackMayChangeTheValue) {
   Dictionary dictionary;
   dictionary.Insert("a", 1);
