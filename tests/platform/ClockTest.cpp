@@ -36,6 +36,25 @@ TEST(ClockTest, LocalNowIsThePresentMoment) {
   EXPECT_LT(now.millisecond, 1000u);
 }
 
+// Twice: the second reading may come from what the first one kept.
+TEST(ClockTest, LocalNowAgreesWithTheSecondThatItLiesIn) {
+  for (int reading = 0; reading < 2; ++reading) {
+    LocalTime now;
+    std::int64_t second = 0;
+    do {
+      second = SystemClock().EpochSeconds();
+      now = SystemClock().LocalNow();
+    } while (SystemClock().EpochSeconds() != second);
+    const LocalTime expected = SystemClock().ToLocal(second);
+    EXPECT_EQ(now.year, expected.year);
+    EXPECT_EQ(now.month, expected.month);
+    EXPECT_EQ(now.day, expected.day);
+    EXPECT_EQ(now.hour, expected.hour);
+    EXPECT_EQ(now.minute, expected.minute);
+    EXPECT_EQ(now.second, expected.second);
+  }
+}
+
 struct MomentRow {
   const char* name;
   std::int64_t epochSeconds;
