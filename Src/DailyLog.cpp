@@ -137,7 +137,7 @@ void DailyLog::Record(LogLevel level, std::string_view text) {
   const std::string_view prefix = LogPrefix(level);
   m_file.WriteLine(timeStamp, prefix, text);
   if (m_consoleEcho) Echo(timeStamp, prefix, text);
-  m_syslog.Send(prefix, text);
+  if (m_syslog.Enabled()) m_syslog.Send(prefix, text);
   m_history.Store(timeStamp, prefix, text);
 }
 

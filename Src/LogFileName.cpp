@@ -1,15 +1,16 @@
 #include "Src/LogFileName.h"
 
-#include "Src/PaddedNumber.h"
+#include "Src/TwoDigits.h"
 
 namespace Vask {
 
 void FormatLogDate(const Platform::LocalTime& day, char (&date)[kLogDateLength]) noexcept {
-  WritePadded(date, 4, day.year);
+  WriteTwoDigits(date, day.year / 100);
+  WriteTwoDigits(date + 2, day.year % 100);
   date[4] = '-';
-  WritePadded(date + 5, 2, day.month);
+  WriteTwoDigits(date + 5, day.month);
   date[7] = '-';
-  WritePadded(date + 8, 2, day.day);
+  WriteTwoDigits(date + 8, day.day);
 }
 
 std::int64_t NextLogRotation(Platform::Clock& clock, std::int64_t now) noexcept {

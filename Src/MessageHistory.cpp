@@ -7,23 +7,24 @@ MessageHistory::~MessageHistory() {
   FreeAll(m_free);
 }
 
+// The chunks that the slot has are filled again where they are; what it lacks
+// comes from the free list, and what it does not need goes there.
 void MessageHistory::Store(std::string_view timeStamp, std::string_view prefix,
                            std::string_view text) {
   Slot& slot = m_slots[m_current];
-  m_current = (m_current + 1) % kSlots;
+  if (++m_current == kSlots) m_current = 0;
   if (m_used < kSlots) ++m_used;
-  while (MessageChunk* const old = slot.chunks.TakeHead()) m_free.Append(old);
   slot.length = static_cast<std::uint32_t>(timeStamp.size() + prefix.size() + text.size());
 
-  MessageChunk* const start = TakeChunk();
-  start->Fill(timeStamp);
-  start->Fill(prefix);
-  slot.chunks.Append(start);
-  while (!text.empty()) {
-    MessageChunk* const chunk = TakeChunk();
+  MessageChunk* chunk = ChunkAfter(nullptr, slot.chunks);
+  chunk->Fill(timeStamp);
+  chunk->Fill(prefix);
+  std::uint32_t filled = 1;
+  for (; !text.empty(); ++filled) {
+    chunk = ChunkAfter(chunk, slot.chunks);
     text.remove_prefix(chunk->Fill(text));
-    slot.chunks.Append(chunk);
   }
+  slot.chunks.MoveRest(chunk, filled, m_free);
 }
 
 MessageHistoryCopy MessageHistory::Copy() const {
@@ -46,9 +47,13 @@ MessageHistoryCopy MessageHistory::Copy() const {
   return copy;
 }
 
-MessageChunk* MessageHistory::TakeChunk() {
-  MessageChunk* const chunk = m_free.TakeHead();
-  if (chunk == nullptr) return new MessageChunk;
+MessageChunk* MessageHistory::ChunkAfter(MessageChunk* previous, MessageChunkList& message) {
+  MessageChunk* chunk = previous == nullptr ? message.Head() : previous->Next();
+  if (chunk == nullptr) {
+    chunk = m_free.TakeHead();
+    if (chunk == nullptr) chunk = new MessageChunk;
+    message.Append(chunk);
+  }
   chunk->Clear();
   return chunk;
 }

@@ -58,7 +58,8 @@ class MessageHistory {
     std::uint32_t length = 0;
   };
 
-  MessageChunk* TakeChunk();
+  // The empty chunk that follows `previous`, null for the first, in a message.
+  MessageChunk* ChunkAfter(MessageChunk* previous, MessageChunkList& message);
   static void FreeAll(MessageChunkList& list) noexcept;
 
   std::uint32_t m_used = 0;

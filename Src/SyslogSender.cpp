@@ -25,7 +25,7 @@ void SyslogSender::Disable() {
 }
 
 void SyslogSender::Send(std::string_view prefix, std::string_view text) {
-  if (!m_enabled || m_socket.Handle() == Platform::kInvalidSocket) return;
+  if (m_socket.Handle() == Platform::kInvalidSocket) return;
   char datagram[kSyslogCapacity];
   const std::size_t length = BuildSyslogDatagram(prefix, text, datagram);
   (void)m_sockets.SendTo(m_socket.Handle(), datagram, length, m_server.Address());

