@@ -99,12 +99,22 @@ tour() {
   echo "$answer"
   expect 'a Set is refused' "$answer" 'notWritable (That object does not support modification)'
 
+  show "The server sends what the agent does not subscribe to"
+  # The first two would not decode, and would say so.
+  tell message GlobalOptions '{"adminpass": 5}'
+  tell message SNMPsequence '{}'
+  tell message ProcessList '{"processes": {"encoder": {}, "monitor": {}}}'
+
   show "The server drops the connection; the agent comes back by itself"
   local before
   before=$(received_traps | wc -l)
   tell drop
   expect_next_trap "$before" TrapSoftwareLinkDown 10
   expect_next_trap $((before + 1)) TrapSoftwareLinkUp 30
+
+  # All that was sent before the drop has been read by now.
+  expect 'what nobody subscribes to is skipped without decoding' \
+    "$(cat "$log_folder"/Log*.log | grep -c 'Error: ')" 0
 
   show "The variables now"
   check_walk "$(walk_text 0 'Corvane Main' 2.1 24 0 8 0 0)"
