@@ -1,7 +1,9 @@
 # Building through the presets. To be sourced after console.sh.
 
-# ccache, where there is one, makes the second build a short one.
+# ccache, where there is one, makes the second build a short one. Precompiled
+# headers are none of its business unless it is told that they are.
 if command -v ccache >/dev/null; then
+  export CCACHE_SLOPPINESS=pch_defines,time_macros
   export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}
 fi
 
