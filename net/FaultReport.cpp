@@ -12,7 +12,7 @@ void ReportFault(IOnError* sink, const char* format, ...) {
   char text[kFaultReportBytes];
   va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
+  (void)std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   sink->OnError(nullptr, text);
 }

@@ -30,7 +30,7 @@ class FrameReader {
 
   // The room for the body that is kept between messages. One that had to grow
   // beyond it is given back as soon as its message is done.
-  static constexpr std::size_t kKeptBodyBytes = 64 * 1024;
+  static constexpr std::size_t kKeptBodyBytes = std::size_t{64} * 1024;
 
   // Both are lent for the reader's life and may be null: a message without a
   // listener is dropped, a fault without a sink goes unreported. To be set

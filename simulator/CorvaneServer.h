@@ -61,7 +61,7 @@ class CorvaneServer final : private Vask::IOnJsonMessageText, private Vask::IOnE
   static constexpr std::chrono::seconds kPatience{20};
 
   explicit CorvaneServer(ServerOptions options = {});
-  ~CorvaneServer();
+  ~CorvaneServer() override;
   CorvaneServer(const CorvaneServer&) = delete;
   CorvaneServer& operator=(const CorvaneServer&) = delete;
 

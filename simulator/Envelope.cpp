@@ -15,7 +15,7 @@ std::string WriteEnvelope(std::string_view name, std::string_view data) {
 }
 
 Message ReadEnvelope(const std::string& text) {
-  const Message noEnvelope{"", text};
+  Message noEnvelope{"", text};
   Vask::ParseResult result;
   const Vask::JsonRef<Vask::Json> root(Vask::Parse(result, text.c_str()));
   if (!root || root->Type() != Vask::JsonType::Object) return noEnvelope;

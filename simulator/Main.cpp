@@ -13,8 +13,8 @@
 namespace {
 
 void PrintTo(std::FILE* file, const std::string& line) {
-  std::fputs((line + '\n').c_str(), file);
-  std::fflush(file);
+  (void)std::fputs((line + '\n').c_str(), file);
+  (void)std::fflush(file);
 }
 
 int Serve(const Simulator::ProgramOptions& options) {
@@ -39,7 +39,8 @@ int main(int count, char** arguments) {
     return 2;
   }
   if (options.help || options.version) {
-    std::fputs((options.help ? Simulator::HelpText() : Simulator::VersionText()).c_str(), stdout);
+    (void)std::fputs((options.help ? Simulator::HelpText() : Simulator::VersionText()).c_str(),
+                     stdout);
     return 0;
   }
   const int status = Serve(options);

@@ -13,14 +13,14 @@ static_assert(std::atomic<bool>::is_always_lock_free, "set in a signal handler")
 // Windows forgets the handler when it calls it.
 void Note(int signal) {
   g_came = true;
-  std::signal(signal, &Note);
+  (void)std::signal(signal, &Note);
 }
 
 }  // namespace
 
 void CatchStopSignals() {
-  std::signal(SIGINT, &Note);
-  std::signal(SIGTERM, &Note);
+  (void)std::signal(SIGINT, &Note);
+  (void)std::signal(SIGTERM, &Note);
 }
 
 bool StopSignalCame() {
