@@ -1,8 +1,22 @@
 # net-snmp's tools, away from the system's settings: no configuration files, no
-# MIB files, names as numbers. To be sourced; needs $work, a folder of its own.
+# MIB files unless asked for, names as numbers. To be sourced; needs $work, a
+# folder of its own.
 
 export MIBS='' SNMPCONFPATH=/nonexistent SNMP_PERSISTENT_DIR=$work/net-snmp
 mkdir -p "$SNMP_PERSISTENT_DIR/cert_indexes"
+
+# Debian ships the base modules, SNMPv2-SMI and its kin, with Erlang's SNMP
+# library only.
+base_mibs=$(echo /usr/lib/erlang/lib/snmp-*/mibs)
+
+# write_mib PROGRAM: the module that goes with this build. After it, a tool
+# that is given "${through_mib[@]}" reads and prints names.
+mib_name=VELTRIN-CORVANE-MIB
+write_mib() {
+  mkdir -p "$work/mibs"
+  "$1" >"$work/mibs/$mib_name.txt"
+  through_mib=(-M "$base_mibs:$work/mibs" -m "$mib_name")
+}
 
 # A UDP port of the loopback that nobody listens on, starting at a random one.
 free_udp_port() {

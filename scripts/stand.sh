@@ -128,6 +128,7 @@ load_names() {
       trap_name[$number]=$name
     fi
   done < <("$release/mib-names")
+  write_mib "$release/mib-module"
 }
 
 # read_variable NAME: its value alone.
@@ -144,14 +145,10 @@ variable_values() {
   (IFS='|' && echo "${values[*]}")
 }
 
-# All variables as a walk finds them, one line each: name, identifier, type,
-# value.
+# All variables as a manager with the MIB walks them.
 print_walk() {
-  local oid equals rest
-  snmpwalk -v1 -c public -t 5 -r 2 -On "$address" "$prefix" | grep -v '^End of MIB' |
-    while read -r oid equals rest; do
-      printf '%-22s %-33s %s\n' "${variable_name[$oid]:-?}" "$oid" "$rest"
-    done
+  snmpwalk "${through_mib[@]}" -v1 -c public -t 5 -r 2 "$address" "$mib_name::corvane" |
+    grep -v '^End of MIB'
 }
 
 # The traps that have arrived: "enterprise generic .specific time-stamp" a line.
@@ -186,14 +183,16 @@ time_stamps_are_plausible() {
   echo yes
 }
 
-# print_traps FROM: those from that line on, each with its name.
+# print_traps FROM: those from that line on, as a manager with the MIB names
+# them: an SNMPv1 trap's name is its enterprise, 0 and its specific number.
 print_traps() {
   local enterprise generic specific stamp
   received_traps | tail -n "+$1" | while read -r enterprise generic specific stamp; do
-    printf '%-36s enterprise %s, generic %s, specific %s, time stamp %s\n' \
-      "${trap_name[${specific#.}]:-?}" "$enterprise" "$generic" "${specific#.}" "$stamp"
+    printf '%s, enterprise %s, specific %s, time stamp %s ms\n' \
+      "$(name_of "$enterprise.0$specific")" "$(name_of "$enterprise")" "${specific#.}" "$stamp"
   done
 }
+name_of() { snmptranslate "${through_mib[@]}" "$1"; }
 
 # log_count LINE: how often the log holds this line.
 log_count() {

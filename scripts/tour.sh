@@ -37,14 +37,14 @@ check_walk() {
   local expected=$1 walked
   walked=$(print_walk)
   echo "$walked"
-  expect 'the walk' "$(sed -E 's/ +[.0-9]+ +/ /' <<<"$walked")" "$expected"
+  expect 'the walk' "$walked" "$expected"
 }
 
 # walk_text LINK NAME VERSION STREAMS ERRORS SOURCES ERRORS SILENCE
 walk_text() {
-  printf '%s\n' "LinkStatus INTEGER: $1" "ProductName STRING: \"$2\"" "ProductVersion STRING: \"$3\"" \
-    "StreamsCount INTEGER: $4" "StreamsErrors INTEGER: $5" "AudioSourcesCount INTEGER: $6" \
-    "AudioSourcesErrors INTEGER: $7" "AudioSourcesSilence INTEGER: $8"
+  printf "$mib_name::corvane%s\n" "LinkStatus = INTEGER: $1" "ProductName = STRING: $2" \
+    "ProductVersion = STRING: $3" "StreamsCount = INTEGER: $4" "StreamsErrors = INTEGER: $5" \
+    "AudioSourcesCount = INTEGER: $6" "AudioSourcesErrors = INTEGER: $7" "AudioSourcesSilence = INTEGER: $8"
 }
 
 # change VARIABLE VALUE GROUP TRAP: sets a value at the server, which sends the
@@ -61,8 +61,11 @@ change() {
 
 # expect_next_trap BEFORE NAME SECONDS: the one trap that came after so many.
 expect_next_trap() {
+  local printed
   expect_within "$3" "trap $2" "$2" trap_names "$1"
-  print_traps "$(($1 + 1))" | sed 's/^/  trap: /'
+  printed=$(print_traps "$(($1 + 1))")
+  expect "trap $2 has a name in the MIB" "${printed%%,*}" "$mib_name::corvane$2"
+  sed 's/^/  trap: /' <<<"$printed"
 }
 
 tour() {
@@ -72,7 +75,7 @@ tour() {
     "$(time_stamps_are_plausible "15000 $(received_traps | awk '{print $4}')")" yes
 
   show "The variables, as a walk finds them"
-  check_walk "$(walk_text 0 Corvane 1.0.0 12 0 6 0 0)"
+  check_walk "$(walk_text 'up(0)' Corvane 1.0.0 12 0 6 0 0)"
 
   show "Values change at the server; traps arrive"
   tell set ProductName Corvane Main
@@ -117,7 +120,7 @@ tour() {
     "$(cat "$log_folder"/Log*.log | grep -c 'Error: ')" 0
 
   show "The variables now"
-  check_walk "$(walk_text 0 'Corvane Main' 2.1 24 0 8 0 0)"
+  check_walk "$(walk_text 'up(0)' 'Corvane Main' 2.1 24 0 8 0 0)"
 
   show "The end of the agent's log without the requests; it lies in $log_folder"
   cat "$log_folder"/Log*.log | grep -vE ': (GetRequest|GetNextRequest|GetStoredVar)' | tail -n 12
