@@ -4,7 +4,8 @@
 # functions have the names of the Windows library's, with another calling
 # convention.
 
-set(winelib_flags -std=c++20 -fPIC -O2 -g
+# Windows' characters are char16_t then, and wchar_t is the standard library's.
+set(winelib_flags -std=c++20 -fPIC -O2 -g -fno-short-wchar
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wimplicit-fallthrough -Wformat=2 -Werror
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
@@ -12,7 +13,8 @@ set(winelib_folder "${CMAKE_CURRENT_BINARY_DIR}/winelib")
 file(MAKE_DIRECTORY "${winelib_folder}")
 
 set(winelib_objects)
-foreach(source ContractModule.cpp winelib/DllLibrary.cpp)
+foreach(source ContractModule.cpp winelib/DllLibrary.cpp winelib/WideText.cpp
+        winelib/WindowsRegistry.cpp)
   get_filename_component(name "${source}" NAME_WE)
   set(object "${winelib_folder}/${name}.o")
   add_custom_command(

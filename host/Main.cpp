@@ -8,6 +8,7 @@
 #include "BuildSettings.h"
 #include "host/ExtensionModule.h"
 #include "host/Options.h"
+#include "host/Registration.h"
 #include "host/SnmpFront.h"
 #include "platform/Threading.h"
 #include "platform/posix/EventDescriptor.h"
@@ -48,8 +49,26 @@ void StartModule(ExtensionModule& module, const Options& options, SnmpFront& fro
               options.agentxSocket.empty() ? options.listen.c_str() : options.agentxSocket.c_str());
 }
 
-int Serve(const Options& options) {
+// Puts the registered agent's path into the options; false when there is none.
+bool FindModule(Options& options) {
+  const Registry* const registry = SystemRegistry();
+  if (registry == nullptr) {
+    Complain(0,
+             "--registered reads the Windows registry, which is not here: "
+             "use snmphost-wine, or name the module");
+    return false;
+  }
+  const Registration registration = FindRegisteredAgent(*registry);
+  for (const std::string& complaint : registration.complaints) Complain(0, complaint);
+  if (registration.path.empty()) return false;
+  options.module = registration.path;
+  std::printf("%s is registered: %s\n", registration.name.c_str(), registration.path.c_str());
+  return true;
+}
+
+int Serve(Options& options) {
   std::string error;
+  if (options.registered && !FindModule(options)) return kCannotServe;
   const std::unique_ptr<ExtensionModule> module = ExtensionModule::Load(options.module, error);
   if (module == nullptr) return Complain(kCannotServe, options.module, ": ", error);
   SnmpFront front(options, *module);
@@ -69,7 +88,7 @@ int Serve(const Options& options) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const ParsedOptions parsed = ParseOptions({argv + 1, argv + argc});
+  ParsedOptions parsed = ParseOptions({argv + 1, argv + argc});
   if (!parsed.error.empty()) {
     return Complain(kBadCommandLine, parsed.error, " (snmphost --help shows what there is)");
   }

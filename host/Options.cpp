@@ -58,6 +58,16 @@ std::string StoreModule(Options& options, const std::string& path) {
   return {};
 }
 
+// What is wrong with the options as a whole; empty when nothing is.
+std::string WhyNoModule(const Options& options) {
+  if (options.help || options.version) return {};
+  if (options.registered && !options.module.empty()) {
+    return "--registered finds the module itself: leave out '" + options.module + "'";
+  }
+  const bool named = options.registered || !options.module.empty();
+  return named ? "" : "which module? Name SNMPd.so or SNMPd.dll";
+}
+
 }  // namespace
 
 ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
@@ -68,6 +78,8 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
       result.options.help = true;
     } else if (argument == "--version") {
       result.options.version = true;
+    } else if (argument == "--registered") {
+      result.options.registered = true;
     } else if (argument.empty() || argument[0] != '-') {
       result.error = StoreModule(result.options, argument);
     } else if (!IsValueOption(argument)) {
@@ -78,19 +90,19 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
       result.error = Store(result.options, argument, arguments[++i]);
     }
   }
-  const bool informs = result.options.help || result.options.version;
-  if (result.error.empty() && !informs && result.options.module.empty()) {
-    result.error = "which module? Name SNMPd.so or SNMPd.dll";
-  }
+  if (result.error.empty()) result.error = WhyNoModule(result.options);
   return result;
 }
 
 const char* HelpText() {
   return "snmphost [OPTION]... MODULE\n"
+         "snmphost [OPTION]... --registered\n"
          "\n"
          "Loads an SNMP extension agent as the Windows SNMP service would and answers\n"
          "SNMPv1, SNMPv2c and SNMPv3 managers from it.\n"
          "\n"
+         "  --registered            instead of MODULE, the agent that is registered with the\n"
+         "                          SNMP service in the registry (under Wine only)\n"
          "  --listen ADDRESS        where to listen (udp:127.0.0.1:1161)\n"
          "  --community TEXT        the community that may read and write (public)\n"
          "  --user NAME:PASSPHRASE  an SNMPv3 user (SHA, AES, the same pass phrase for both);\n"

@@ -8,6 +8,7 @@ namespace Host {
 // What the command line asks for.
 struct Options {
   std::string module;
+  bool registered = false;  // the registration names the module
   std::string listen = "udp:127.0.0.1:1161";
   std::string community = "public";
   std::vector<std::string> trapSinks;

@@ -1,5 +1,5 @@
-// The one source of the host that faces Windows: compiled with wineg++, linked
-// into a program that is a Linux process and a Windows one at the same time.
+// Faces Windows: compiled with wineg++, linked into a program that is a Linux
+// process and a Windows one at the same time.
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "host/ModuleLibrary.h"
+#include "host/winelib/WideText.h"
 
 // After the host's own headers: it defines a macro for every second English word.
 #include <windows.h>
@@ -25,6 +26,11 @@ std::string LastErrorText() {
   std::string line(text);
   while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.pop_back();
   return "error " + std::to_string(code) + ": " + line;
+}
+
+// "C:\\..." or "\\\\server\\...", as a registration names a DLL; anything else is Unix'.
+bool IsDosPath(const std::string& path) {
+  return path.starts_with("\\\\") || (path.size() > 2 && path[1] == ':' && path[2] == '\\');
 }
 
 HMODULE LoadFromUnixPath(const std::string& path) {
@@ -102,7 +108,8 @@ class DllLibrary final : public ModuleLibrary {
 }  // namespace
 
 std::unique_ptr<ModuleLibrary> ModuleLibrary::Open(const std::string& path, std::string& error) {
-  const HMODULE module = LoadFromUnixPath(path);
+  const HMODULE module =
+      IsDosPath(path) ? LoadLibraryW(ToWide(path).c_str()) : LoadFromUnixPath(path);
   if (module == nullptr) {
     error = LastErrorText();
     return nullptr;

@@ -36,6 +36,14 @@ TEST(HostOptions, EveryOptionIsTaken) {
   EXPECT_EQ(options.module, "m");
 }
 
+TEST(HostOptions, RegisteredStandsInPlaceOfTheModule) {
+  const ParsedOptions parsed = ParseOptions({"--registered"});
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_TRUE(parsed.options.registered);
+  EXPECT_EQ(parsed.options.module, "");
+  EXPECT_FALSE(ParseOptions({"m"}).options.registered);
+}
+
 TEST(HostOptions, HelpAndVersionNeedNoModule) {
   EXPECT_TRUE(ParseOptions({"--help"}).options.help);
   EXPECT_EQ(ParseOptions({"--help"}).error, "");
@@ -60,6 +68,9 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BadCommandLine{"NoModule", {}, "which module? Name SNMPd.so or SNMPd.dll"},
         BadCommandLine{"TwoModules", {"a", "b"}, "one module only: 'a' or 'b'?"},
+        BadCommandLine{"RegisteredAndAModule",
+                       {"--registered", "m"},
+                       "--registered finds the module itself: leave out 'm'"},
         BadCommandLine{"EmptyModule", {""}, "the module's path is empty"},
         BadCommandLine{"UnknownOption", {"--port", "1", "m"}, "unknown option '--port'"},
         BadCommandLine{"MissingValue", {"m", "--listen"}, "--listen needs a value"},
@@ -87,7 +98,7 @@ TEST(HostOptions, EightCharactersOfPassPhraseAreEnough) {
 TEST(HostOptions, HelpNamesEveryOption) {
   const std::string help = Host::HelpText();
   for (const char* option : {"--listen", "--community", "--user", "--trap-sink", "--agentx",
-                             "--help", "--version", "MODULE"}) {
+                             "--registered", "--help", "--version", "MODULE"}) {
     EXPECT_NE(help.find(option), std::string::npos) << option;
   }
 }
