@@ -3,15 +3,23 @@
 //
 //   variable <object identifier> LinkStatus
 //   trap <specific number> TrapSoftwareLinkUp
+//
+// With --version, the version.
 
 #include <cstdio>
+#include <cstring>
 
+#include "BuildSettings.h"
 #include "agent/EnterprisePrefix.h"
 #include "agent/Traps.h"
 #include "agent/Variables.h"
 #include "host/Oid.h"
 
-int main() {
+int main(int argc, char** argv) {
+  if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+    std::puts("mib-names " CORVANE_VERSION_TEXT);
+    return 0;
+  }
   Agent::EnterprisePrefix prefix;
   const AsnObjectIdentifier name = prefix.Name();
   const Host::Oid root(name.ids, name.ids + name.idLength);
