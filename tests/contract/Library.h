@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -18,10 +19,36 @@ void UnloadLibrary(void* library);
 // started. Arguments contain neither blanks nor quotes.
 int RunProgram(const std::string& path, const std::vector<std::string>& arguments);
 
+// A program beside this one, from construction to destruction, which ends it at
+// once and waits until it is gone.
+class Companion {
+ public:
+  // Arguments as for RunProgram. Exits when the program cannot be started.
+  Companion(const std::string& path, const std::vector<std::string>& arguments);
+  ~Companion();
+  Companion(const Companion&) = delete;
+  Companion& operator=(const Companion&) = delete;
+
+ private:
+  std::intptr_t m_process;
+};
+
 // Handles or descriptors that this process has open.
 std::size_t OpenHandles();
 
-// Bytes of memory that this process has asked for and not given back.
+// Threads of this process.
+std::size_t RunningThreads();
+
+// Slots for values that each thread has its own of, and that nobody has taken: a
+// process has about a thousand.
+std::size_t FreeThreadSlots();
+
+// Bytes that this process has asked its heaps for and not given back: exact, and
+// no matter of pages. CountWholeHeap comes first, before there are threads.
 std::size_t HeldMemory();
+void CountWholeHeap();
+
+// Bytes of memory that this process has pages for, files' pages apart.
+std::size_t ResidentMemory();
 
 }  // namespace Contract

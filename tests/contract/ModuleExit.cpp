@@ -5,17 +5,33 @@
 //   started    started, whatever became of the link
 //   down, up   started, and the link is so
 //   unloaded   started and unloaded again
+//   busy       started, a peer floods the link, and threads of the host's ask for
+//              values and take traps on and on, so that whatever lock there is is
+//              likely held at the end
 
 #include <cstdio>
 #include <fstream>
 #include <new>
 #include <string>
+#include <thread>
 
 #include "platform/Clock.h"
 #include "tests/contract/Eventually.h"
 #include "tests/contract/Module.h"
 
 namespace {
+
+// They end with the process.
+void KeepBusy(Contract::Module& module) {
+  for (int i = 0; i < 2; ++i) {
+    std::thread([&module] {
+      for (;;) module.GetNext("P.1.0");
+    }).detach();
+  }
+  std::thread([&module] {
+    for (;;) module.TakeTraps();
+  }).detach();
+}
 
 bool Reach(Contract::Module& module, const std::string& state) {
   if (state == "loaded") return true;
@@ -27,6 +43,13 @@ bool Reach(Contract::Module& module, const std::string& state) {
   if (state == "unloaded") {
     module.Unload();
     return true;
+  }
+  if (state == "busy") {
+    const bool flooded =
+        Contract::Eventually([&] { return module.Get("P.2.0") == "0 P.2.0 = INT 77"; });
+    KeepBusy(module);
+    Vask::Platform::SystemClock().SleepMs(20);
+    return flooded;
   }
   const std::string wanted = state == "up" ? "0 P.0.0 = INT 0" : "0 P.0.0 = INT 1";
   return Contract::Eventually([&] { return module.Get("P.0.0") == wanted; });

@@ -1,11 +1,8 @@
 // Unloading the module, and the end of a process that has it loaded.
 
-#include <cstdio>
-#include <fstream>
-
 #include "platform/ListeningSocket.h"
 #include "tests/contract/ContractFixture.h"
-#include "tests/contract/Library.h"
+#include "tests/contract/ProcessEnd.h"
 #include "tests/support/RawClient.h"
 
 namespace Contract {
@@ -91,22 +88,15 @@ TEST_F(StopTest, ModuleServesAgainAfterItWasUnloaded) {
   EXPECT_TRUE(Eventually([&] { return again.Get("P.0.0") == "0 P.0.0 = INT 0"; }));
 }
 
-// The program module_exit: loads the module, brings it into the state that is
-// asked for, notes the time in a file and returns from main without unloading.
 class ProcessEndTest : public ContractTest {
  protected:
   ProcessEndTest() { module.Unload(); }
 
   // Milliseconds that the process took to end.
-  std::uint32_t TimedEnd(const char* state) {
-    const char* const noteFile = "module_exit.note";
-    std::remove(noteFile);
-    EXPECT_EQ(RunProgram(CORVANE_MODULE_EXIT, {state, noteFile}), 0);
-    const std::uint32_t end = Now();
-    std::uint32_t begin = 0;
-    std::ifstream(noteFile) >> begin;
-    std::remove(noteFile);
-    return end - begin;
+  static std::uint32_t TimedEnd(const char* state) {
+    const ProcessEnd end = RunToItsEnd(CORVANE_MODULE_EXIT, state);
+    EXPECT_EQ(end.status, 0);
+    return end.tookMs;
   }
 };
 

@@ -9,8 +9,10 @@ namespace Vask::Tests {
 
 namespace {
 
+// Kept for ever: a host's threads may use it while the process ends.
 const std::string& PrefixText() {
-  static const std::string text = "1.3.6.1.4.1." + std::to_string(CORVANE_ENTERPRISE) + ".333";
+  static const std::string& text =
+      *new std::string("1.3.6.1.4.1." + std::to_string(CORVANE_ENTERPRISE) + ".333");
   return text;
 }
 

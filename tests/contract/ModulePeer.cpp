@@ -1,0 +1,60 @@
+// module_peer flood|silent: takes connections on the agent's port until it is
+// ended, one at a time, and either sends good frames as fast as they are taken,
+// each raising a trap, or says and reads nothing.
+
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+#include "platform/ListeningSocket.h"
+#include "platform/Sockets.h"
+#include "simulator/CorvaneServer.h"
+#include "tests/contract/Module.h"
+
+namespace {
+
+// Two updates whose errors come and go.
+std::string Frames(Simulator::CorvaneServer& server) {
+  std::string frames;
+  std::string error;
+  for (const char* const errors : {"1", "0"}) {
+    if (!server.Set("StreamsCount", "77", error) || !server.Set("StreamsErrors", errors, error))
+      return {};
+    frames += server.FramesOfUpdate();
+  }
+  return frames;
+}
+
+[[noreturn]] void Flood() {
+  Simulator::ServerOptions options;
+  options.port = Contract::kLinkPort;
+  options.answerUpdates = false;
+  options.keepBytes = false;
+  Simulator::CorvaneServer server(options);
+  if (!server.Start()) std::exit(2);
+  const std::string frames = Frames(server);
+  for (;;) {
+    if (!server.Send(frames)) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+}
+
+// Each connection is kept until the next one comes.
+[[noreturn]] void StaySilent() {
+  Vask::Platform::ListeningSocket listener;
+  if (!listener.Open(Contract::kLinkPort)) std::exit(2);
+  Vask::Platform::SocketHandle kept = Vask::Platform::kInvalidSocket;
+  for (;;) {
+    const Vask::Platform::SocketHandle next = listener.Accept(1000);
+    if (next == Vask::Platform::kInvalidSocket) continue;
+    if (kept != Vask::Platform::kInvalidSocket) Vask::Platform::SystemSockets().Close(kept);
+    kept = next;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) return 2;
+  std::string(argv[1]) == "flood" ? Flood() : StaySilent();
+}
