@@ -21,8 +21,6 @@ using Vask::LogPrinter;
 
 namespace {
 
-constexpr char kProductFolder[] = "\\Veltrin Systems\\Corvane\\SNMP";
-constexpr char kLogsFolder[] = "\\Logs";
 constexpr char kOwnName[] = "SNMPd";
 
 // The longest path that the log takes.

@@ -38,6 +38,11 @@ class Lifecycle {
   // Port of the main process's link. There is no setting for it.
   static constexpr std::uint16_t kLinkPort = 16969;
 
+  // Under the folder of the system for data that all users share, and the
+  // log's folder under that.
+  static constexpr char kProductFolder[] = "\\Veltrin Systems\\Corvane\\SNMP";
+  static constexpr char kLogsFolder[] = "\\Logs";
+
   // What is started and stopped. All outlive this object.
   struct Parts {
     SNMPExtensionAgent& agent;

@@ -6,8 +6,8 @@
 #include "agent/Traps.h"
 #include "agent/Variables.h"
 
-// What a management module says of the agent's variables and traps beyond what
-// the agent's own tables hold.
+// What management modules and monitoring files say of the agent's variables and
+// traps beyond what the agent's own tables hold.
 
 namespace Mibs {
 
@@ -34,6 +34,7 @@ constexpr const Branch& BranchOf(const Agent::VariableRow& variable) {
 
 // How bad a trap is, in the words of trap translators.
 enum class Severity { Informational, Major, Critical };
+[[nodiscard]] const char* Word(Severity severity);
 
 // `sentence` is whole by itself, since trap translators show nothing else.
 struct Notification {
@@ -79,12 +80,38 @@ constexpr const Notification& NotificationOf(const Agent::TrapRow& trap) {
   throw "no notification for this trap";
 }
 
-// Every variable has a branch and every trap its notification, or this does
-// not compile.
+// A variable's name as a Prometheus metric: lower case, the thing counted first.
+struct Metric {
+  const char* variable;
+  const char* name;
+};
+inline constexpr Metric kMetrics[] = {
+    {Agent::VariableName("LinkStatus"), "corvane_link_down"},
+    {Agent::VariableName("ProductName"), "corvane_product_name"},
+    {Agent::VariableName("ProductVersion"), "corvane_product_version"},
+    {Agent::VariableName("StreamsCount"), "corvane_streams"},
+    {Agent::VariableName("StreamsErrors"), "corvane_streams_failed"},
+    {Agent::VariableName("AudioSourcesCount"), "corvane_audio_sources"},
+    {Agent::VariableName("AudioSourcesErrors"), "corvane_audio_sources_failed"},
+    {Agent::VariableName("AudioSourcesSilence"), "corvane_audio_sources_silent"},
+};
+
+constexpr const Metric& MetricOf(const Agent::VariableRow& variable) {
+  for (const Metric& metric : kMetrics)
+    if (std::string_view(metric.variable) == variable.name) return metric;
+  throw "no metric for this variable";
+}
+
+// Every variable has a branch and a metric and every trap its notification, or
+// this does not compile.
 consteval bool IsComplete() {
-  for (const Agent::VariableRow& variable : Agent::kVariables) (void)BranchOf(variable);
+  for (const Agent::VariableRow& variable : Agent::kVariables) {
+    (void)BranchOf(variable);
+    (void)MetricOf(variable);
+  }
   for (const Agent::TrapRow& trap : Agent::kTraps) (void)NotificationOf(trap);
-  return std::size(kNotifications) == std::size(Agent::kTraps);
+  return std::size(kNotifications) == std::size(Agent::kTraps) &&
+         std::size(kMetrics) == std::size(Agent::kVariables);
 }
 static_assert(IsComplete());
 

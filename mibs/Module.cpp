@@ -23,6 +23,8 @@ const Notification& Find(const std::string& trapName) {
   throw std::invalid_argument(trapName);
 }
 
+}  // namespace
+
 const char* Word(Severity severity) {
   switch (severity) {
     case Severity::Informational:
@@ -34,8 +36,6 @@ const char* Word(Severity severity) {
   }
   throw std::invalid_argument("severity");
 }
-
-}  // namespace
 
 std::string Quoted(const std::string& text) {
   return '"' + text + '"';

@@ -1,23 +1,46 @@
-// Prints the management module that goes with this build of the agent.
+// Prints the management module that goes with this build of the agent, or fills
+// in a template of a monitoring file for it.
 
 #include <cstdio>
 #include <cstring>
+#include <exception>
+#include <fstream>
+#include <iterator>
 
 #include "BuildSettings.h"
 #include "mibs/Module.h"
+#include "mibs/Template.h"
 
 namespace {
 
 constexpr char kUsage[] =
-    "usage: mib-module [--v1 | --help | --version]\n"
+    "usage: mib-module [--v1 | --fill TEMPLATE | --help | --version]\n"
     "\n"
     "Prints VELTRIN-CORVANE-MIB (SMIv2), or with --v1 VELTRIN-CORVANE-V1-MIB\n"
-    "(SMIv1), for the enterprise number that this build was made with.\n";
+    "(SMIv1), for the enterprise number that this build was made with. With --fill\n"
+    "prints the file TEMPLATE with names and numbers of the agent filled in.\n";
+
+int PrintFilled(const char* file) {
+  std::ifstream input(file);
+  const std::string text{std::istreambuf_iterator<char>(input), {}};
+  if (!input) {
+    std::fprintf(stderr, "mib-module: cannot read %s\n", file);
+    return 1;
+  }
+  try {
+    std::fputs(Mibs::FillTemplate(text).c_str(), stdout);
+  } catch (const std::exception& unknown) {
+    std::fprintf(stderr, "mib-module: %s: not understood: %s\n", file, unknown.what());
+    return 1;
+  }
+  return 0;
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
   const char* option = argc == 2 ? argv[1] : "";
+  if (argc == 3 && std::strcmp(argv[1], "--fill") == 0) return PrintFilled(argv[2]);
   if (argc == 1) {
     std::fputs(Mibs::SmiV2Module().c_str(), stdout);
   } else if (std::strcmp(option, "--v1") == 0) {

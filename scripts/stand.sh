@@ -80,11 +80,11 @@ start_trap_receiver_here() {
 }
 trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
 
-# The log of an earlier run is thrown away first.
+# start_host [OPTION...]: the log of an earlier run is thrown away first.
 start_host() {
   rm -rf "$log_folder"
   mkdir -p "$data_folder"
-  setsid "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$module" \
+  setsid "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$@" "$module" \
     >"$host_said" 2>&1 </dev/null &
   host=$!
   host_started_ms=$(now_ms)

@@ -1,0 +1,50 @@
+# Those who ask: snmp_exporter with the committed module, check_snmp as the
+# committed commands call it. Beside them an SNMP service without the agent. To be
+# sourced after snmp.sh and stand.sh.
+
+bare_address=127.0.0.1:$((snmp_port + 5))
+exporter_address=127.0.0.1:$((snmp_port + 6))
+pollers=()
+
+start_pollers() {
+  printf 'rocommunity public 127.0.0.1\n' >"$work/snmpd.conf"
+  setsid snmpd -f -Lo -C -c "$work/snmpd.conf" -p "$work/snmpd.pid" "udp:$bare_address" >"$work/snmpd.out" 2>&1 </dev/null &
+  pollers+=($!)
+  setsid prometheus-snmp-exporter --config.file="$top/monitoring/prometheus/snmp-corvane-0.22.yml" \
+    --web.listen-address="$exporter_address" >"$work/exporter.out" 2>&1 </dev/null &
+  pollers+=($!)
+  await 10 curl -sf "http://$exporter_address/" || fail "no exporter: $(tail -n 2 "$work/exporter.out")"
+  await 10 snmpget -v2c -c public -t 1 -r 0 "$bare_address" 1.3.6.1.2.1.1.3.0 || fail "no snmpd: $(tail -n 2 "$work/snmpd.out")"
+}
+
+stop_pollers() {
+  local process
+  for process in "${pollers[@]}"; do
+    stop_process "$process" || true
+  done
+}
+
+# scrape ADDRESS: the HTTP status and the agent's series, sorted.
+scrape() {
+  curl -s -w 'status %{http_code}\n' -o "$work/scraped" \
+    "http://$exporter_address/snmp?target=$1&module=corvane&auth=corvane_v2"
+  grep '^corvane_' "$work/scraped" | sort
+}
+packets_of_last_scrape() { sed -n 's/^snmp_scrape_packets_sent //p' "$work/scraped"; }
+
+# check NAME [PORT]: exit status and text of this service's check.
+check() {
+  local status=0 text command
+  command=$(python3 "$here/configuration.py" nagios "$top/monitoring/nagios/corvane.cfg" \
+    127.0.0.1 "${2-$snmp_port}" | sed -n "s/^$1\t//p")
+  text=$(eval "$command" 2>&1) || status=$?
+  echo "$status ${text%"${text##*[! ]}"}"
+}
+
+# Name and exit status of every service's check.
+check_all() {
+  local name
+  for name in audio-sources link product silence streams; do
+    echo "$name $(check "$name" | sed 's/ .*//;q')"
+  done
+}
