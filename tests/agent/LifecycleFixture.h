@@ -19,9 +19,9 @@
 #include "messages/Registrar.h"
 #include "net/JsonSocket.h"
 #include "platform/Files.h"
-#include "platform/Threading.h"
 #include "tests/agent/AgentFixture.h"
 #include "tests/agent/NoNetwork.h"
+#include "tests/support/ForwardingThreading.h"
 
 namespace Agent::Tests {
 
@@ -89,40 +89,24 @@ class StartFiles final : public Vask::Platform::Files {
 };
 
 // The machine's threads, of which the n-th start (from 0) may be refused.
-class CountedThreading final : public Vask::Platform::Threading {
+class CountedThreading final : public Vask::Tests::ForwardingThreading {
  public:
   std::set<int> refusedStarts;
   std::function<void()> beforeStart;
   std::atomic<int> starts{0};
   std::atomic<int> joins{0};
 
-  Vask::Platform::NativeHandle CreateEvent(Vask::Platform::EventReset reset) noexcept override {
-    return m_system.CreateEvent(reset);
-  }
-  void CloseEvent(Vask::Platform::NativeHandle event) noexcept override {
-    m_system.CloseEvent(event);
-  }
-  void SetEvent(Vask::Platform::NativeHandle event) noexcept override { m_system.SetEvent(event); }
-  bool WaitEvent(Vask::Platform::NativeHandle event, std::uint32_t timeoutMs) noexcept override {
-    return m_system.WaitEvent(event, timeoutMs);
-  }
   Vask::Platform::NativeHandle StartThread(
       const Vask::Platform::ThreadEntry& entry) noexcept override {
     if (beforeStart) beforeStart();
     if (refusedStarts.contains(starts++)) return nullptr;
-    return m_system.StartThread(entry);
+    return ForwardingThreading::StartThread(entry);
   }
   void JoinThread(Vask::Platform::NativeHandle thread,
                   Vask::Platform::NativeHandle finished) noexcept override {
     ++joins;
-    m_system.JoinThread(thread, finished);
+    ForwardingThreading::JoinThread(thread, finished);
   }
-  void CloseThread(Vask::Platform::NativeHandle thread) noexcept override {
-    m_system.CloseThread(thread);
-  }
-
- private:
-  Vask::Platform::Threading& m_system = Vask::Platform::SystemThreading();
 };
 
 inline constexpr int kTimerThread = 0;

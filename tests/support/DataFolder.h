@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstring>
+#include <string>
+
+#include "tests/support/ForwardingFiles.h"
+#include "tests/support/TempFolder.h"
+
+namespace Vask::Tests {
+
+// The machine's disk, but with the data of all users in a folder of its own,
+// which goes with this object. Any thread.
+class DataFolder final : public ForwardingFiles {
+ public:
+  bool CommonApplicationData(char* path, std::size_t capacity) noexcept override {
+    if (m_path.size() >= capacity) return false;
+    std::memcpy(path, m_path.c_str(), m_path.size() + 1);
+    return true;
+  }
+
+ private:
+  TempFolder m_folder;
+  const std::string m_path = m_folder.Path();
+};
+
+}  // namespace Vask::Tests
