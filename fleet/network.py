@@ -1,0 +1,62 @@
+"""A network of the fleet's own: a bridge, and a namespace for each server behind a pair of
+virtual cards. The script itself is in a namespace without any other network, so that nothing
+of it is seen outside, and all of it is gone with the last program."""
+
+import ipaddress
+import os
+
+from programs import Program, run, wait_until
+
+SUBNET = ipaddress.ip_network("10.33.0.0/16")
+FIRST_SERVER = 256  # below it the monitoring side: 10.33.0.x
+BRIDGE = "fleet"
+
+
+def make_bridge():
+    run("ip", "link", "set", "lo", "up")
+    run("ip", "link", "add", BRIDGE, "type", "bridge")
+    run("ip", "address", "add", f"{SUBNET[1]}/{SUBNET.prefixlen}", "dev", BRIDGE)
+    run("ip", "link", "set", BRIDGE, "up")
+
+
+def write_hosts(file, servers):
+    """Lets the servers' names be known, here and to the programs started from here."""
+    lines = ["127.0.0.1 localhost"] + [f"{server.address} {server.name}" for server in servers]
+    file.write_text("\n".join(lines) + "\n", encoding="ascii")
+    run("mount", "--bind", file, "/etc/hosts")
+
+
+class Namespace:
+    """One server's network. It lives as long as a sleeping program that holds it."""
+
+    def __init__(self, number, folder):
+        self.address = str(SUBNET[FIRST_SERVER + number])
+        self._card = f"server{number}"
+        self._holder = Program(["unshare", "--net", "sleep", "infinity"], None, cwd=folder)
+        own = os.readlink("/proc/self/ns/net")
+        wait_until(lambda: self._name_of_holder() not in ("", own), 10, "no network namespace")
+        pid = self._holder.pid
+        run("ip", "link", "add", self._card, "type", "veth", "peer", "name", "eth0", "netns", pid)
+        run("ip", "link", "set", self._card, "master", BRIDGE, "up")
+        for command in (f"address add {self.address}/{SUBNET.prefixlen} dev eth0",
+                        "link set eth0 up", "link set lo up"):
+            run(*self.inside("ip", *command.split()))
+
+    def _name_of_holder(self):
+        try:
+            return os.readlink(f"/proc/{self._holder.pid}/ns/net")
+        except FileNotFoundError:
+            return ""
+
+    def inside(self, *command):
+        """The command line that runs a command in this network."""
+        return ["nsenter", f"--net=/proc/{self._holder.pid}/ns/net", "--", *command]
+
+    def cut(self):
+        run("ip", "link", "set", self._card, "down")
+
+    def mend(self):
+        run("ip", "link", "set", self._card, "up")
+
+    def stop(self):
+        self._holder.stop()

@@ -1,0 +1,84 @@
+"""Programs that the fleet starts: each known by its id, and ended by it."""
+
+import contextlib
+import subprocess
+import time
+
+
+class ProgramFault(Exception):
+    """A program that would not start, or ended by itself, or a wait that took too long."""
+
+
+class Program:
+    """One running program; what it says goes to `log`.
+
+    It is killed by the kernel when this script goes without ending it. Its session is its own,
+    so that Ctrl-C at the terminal reaches the script alone.
+    """
+
+    def __init__(self, command, log, **options):
+        self.name = command[0].rsplit("/", 1)[-1] if log is None else log.stem
+        self._log = log
+        with contextlib.ExitStack() as stack:
+            output = stack.enter_context(open(log, "w", encoding="utf-8")) if log else subprocess.DEVNULL
+            self._process = subprocess.Popen(
+                ["setpriv", "--pdeathsig", "KILL", "--", *map(str, command)], text=True,
+                stdin=subprocess.PIPE, stdout=output, stderr=subprocess.STDOUT,
+                start_new_session=True, **options)
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    def tell(self, *lines):
+        """Writes lines to its standard input."""
+        self._process.stdin.write("".join(line + "\n" for line in lines))
+        self._process.stdin.flush()
+
+    def said(self):
+        return self._log.read_text(encoding="utf-8", errors="replace")
+
+    def await_text(self, text, seconds=20):
+        """Until it has said so; ends the wait when it is gone."""
+        wait_until(lambda: text in self.said() or not self.is_running(), seconds,
+                   f"{self.name} has not said '{text}'")
+        if not self.is_running():
+            raise ProgramFault(f"{self.name} has ended: {self.said()[-500:].strip()}")
+
+    def is_running(self):
+        return self._process.poll() is None
+
+    def wait(self, seconds):
+        """Until it has ended by itself."""
+        try:
+            self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise ProgramFault(f"{self.name} has not ended in {seconds} s") from None
+
+    def stop(self):
+        """Ends it in order, or by force when it does not go in ten seconds."""
+        if self.is_running():
+            self._process.terminate()
+        try:
+            self._process.wait(10)
+        except subprocess.TimeoutExpired:
+            self._process.kill()
+            self._process.wait()
+        with contextlib.suppress(BrokenPipeError):
+            self._process.stdin.close()
+
+
+def run(*command):
+    """Runs a short command to its end."""
+    done = subprocess.run([str(word) for word in command], check=False, capture_output=True, text=True)
+    if done.returncode != 0:
+        raise ProgramFault(f"{' '.join(str(word) for word in command)}: {done.stderr.strip()}")
+
+
+def wait_until(condition, seconds, complaint):
+    """Asks again and again, ten times a second; raises ProgramFault when the time is over."""
+    deadline = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > deadline:
+            raise ProgramFault(f"{complaint} in {seconds} s")
+        time.sleep(0.1)
