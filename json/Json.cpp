@@ -13,19 +13,18 @@ void Json::ReleaseChildren() noexcept {
   ValueMemory::Returns returns;
   Json* dying = this;
   for (;;) {
-    if (Json* child = dying->TakeChild()) {
-      if (child->DropReference()) {
-        child->m_dyingParent = dying;
-        dying = child;
-      }
-    } else if (dying == this) {
-      return;
-    } else {
-      Json* parent = dying->m_dyingParent;
-      dying->~Json();  // holds nothing any more, so this does not walk again
-      returns.Add(dying);
-      dying = parent;
+    Json* child = dying->TakeChild();
+    if (child != nullptr) {
+      if (!child->DropReference()) continue;
+      child->m_around = dying;
+      dying = child;
+      if (child->m_holdsValues) continue;
     }
+    if (dying == this) return;
+    Json* around = dying->m_around;
+    dying->~Json();  // holds nothing any more, so this does not walk again
+    returns.Add(dying);
+    dying = around;
   }
 }
 

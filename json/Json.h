@@ -42,6 +42,11 @@ class Json : public RefCount3 {
   static std::uint32_t Constructed() noexcept { return Read(s_constructed); }
   static std::uint32_t Destroyed() noexcept { return Read(s_destroyed); }
 
+  // The container around this one, as who builds the tree has set it: so he needs
+  // no stack of his own. Undefined before, and once anything is released.
+  Json* Around() const noexcept { return m_around; }
+  void SetAround(Json* container) noexcept { m_around = container; }
+
   // Where a new value goes: into `memory` (null: the heap), with `bytes` of room
   // behind it for its text. Derived classes hide the latter behind factories.
   struct Place {
@@ -57,7 +62,9 @@ class Json : public RefCount3 {
   static void operator delete(void* value, Place) noexcept { ValueMemory::Free(value); }
 
  protected:
-  Json() noexcept { Count(s_constructed); }
+  explicit Json(bool holdsValues = false) noexcept : m_holdsValues(holdsValues) {
+    Count(s_constructed);
+  }
   ~Json() override { Count(s_destroyed); }
 
   // A container's destructor calls this: every value below it is released,
@@ -83,8 +90,8 @@ class Json : public RefCount3 {
   static constinit Counter s_constructed;
   static constinit Counter s_destroyed;
 
-  // The way back up while a tree is taken apart; unset before.
-  Json* m_dyingParent;
+  Json* m_around;
+  const bool m_holdsValues;  // a container
 };
 
 }  // namespace Vask

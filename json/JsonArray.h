@@ -47,7 +47,7 @@ class JsonArray final : public Json {
     const Cell* m_cell = nullptr;
   };
 
-  JsonArray() noexcept = default;
+  JsonArray() noexcept : Json(true) {}
 
   // Puts `value`, which must not be null, at the end. The array takes a
   // reference of its own; the caller keeps his.

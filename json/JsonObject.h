@@ -60,7 +60,7 @@ class JsonObject final : public Json {
 
  private:
   JsonObject(bool caseSensitive, Dictionary::StandardAllocator::Nodes* firstNodes)
-      : m_nodes(firstNodes), m_members(&m_nodes, caseSensitive) {}
+      : Json(true), m_nodes(firstNodes), m_members(&m_nodes, caseSensitive) {}
 
   Json* TakeChild() noexcept override;
 

@@ -1,9 +1,7 @@
 #include "json/JsonParser.h"
 
-#include <array>
 #include <cstring>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "json/JsonArray.h"
@@ -13,6 +11,7 @@
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
 #include "json/JsonString.h"
+#include "json/NumberReading.h"
 
 namespace Vask {
 
@@ -41,8 +40,20 @@ const char* SkipPlain(const char* at) {
   return at;
 }
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
+const char* SkipDigits(const char* at) {
+  while (IsDigit(*at)) ++at;
+  return at;
+}
+
+// Bytes that suffice for a string's text from `begin` on: as many as stand before
+// its closing quote, for no escape grows.
+std::size_t StringRoom(const char* begin) {
+  const char* at = SkipPlain(begin);
+  while (*at != '"' && *at != '\0') {
+    if (*at == '\\' && at[1] != '\0') ++at;
+    ++at;
+  }
+  return static_cast<std::size_t>(at - begin);
 }
 
 // The digit's value, or -1.
@@ -52,58 +63,6 @@ int HexDigit(char c) {
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
   return -1;
 }
-
-// A container that is not complete yet, with the reference to it.
-struct OpenContainer {
-  JsonObject* object;  // one of the two is null
-  JsonArray* array;
-  JsonObject::Dictionary::Node* key;  // under which the object's next value goes
-
-  Json* Value() const { return object != nullptr ? static_cast<Json*>(object) : array; }
-};
-
-// The containers around the place where the parser is, outermost first. The
-// first few, all there are in any message of this system, need no heap.
-class OpenContainers {
- public:
-  bool Empty() const { return m_count == 0; }
-
-  // There must be one.
-  OpenContainer& Innermost() { return *m_innermost; }
-
-  void Push(const OpenContainer& container) {
-    if (m_count < m_first.size()) {
-      m_first[m_count] = container;
-    } else {
-      m_deeper.push_back(container);
-    }
-    ++m_count;
-    FindInnermost();
-  }
-
-  // Gives up the innermost one; its reference passes to the caller.
-  Json* Pop() {
-    Json* value = m_innermost->Value();
-    if (m_count > m_first.size()) m_deeper.pop_back();
-    --m_count;
-    FindInnermost();
-    return value;
-  }
-
- private:
-  void FindInnermost() {
-    if (m_count > m_first.size()) {
-      m_innermost = &m_deeper.back();
-    } else if (m_count != 0) {
-      m_innermost = &m_first[m_count - 1];
-    }
-  }
-
-  std::size_t m_count = 0;
-  OpenContainer* m_innermost = nullptr;
-  std::array<OpenContainer, 16> m_first;
-  std::vector<OpenContainer> m_deeper;
-};
 
 // Where the characters of a string go: either into a buffer of sufficient size
 // or into a dictionary.
@@ -124,7 +83,7 @@ class BufferSink {
 
 class KeySink {
  public:
-  explicit KeySink(JsonObject& object) : m_path(object.Members()) {}
+  explicit KeySink(JsonObject::Dictionary& members) : m_path(members) {}
   void Append(char c) { m_path.Append(c); }
   const char* AppendPlain(const char* at) { return m_path.Append(at, kKeyFolding); }
   JsonObject::Dictionary::Node* Node() const { return m_path.End(); }
@@ -135,16 +94,21 @@ class KeySink {
 
 // One pointer runs over the text once. At each place where a value may stand,
 // BeginValue reads a scalar, a string or an empty container whole, or opens a
-// container and stops before its first value. EndValue then gives the complete
-// value to the innermost open container and reads on to the next value or to
-// the container's end, which makes that container the complete value. No call
-// goes deeper for a nested value.
+// container: that is given to the one around it at once and becomes the
+// innermost, and what follows is read into it. AfterValue reads on from a value's
+// end to the next value, over the ends of as many containers as end there. No
+// call goes deeper for a nested value.
+//
+// Each step takes the place where it begins and answers the place where it ended,
+// or null when there is nothing more to read: after a fault, or when the root is
+// complete. So the pointer stays in a register from the first character on.
 //
 // The line's beginning is kept instead of a column: the column is the distance
 // to it. A character that does not count moves it along.
 class JsonParser {
  public:
-  explicit JsonParser(const char* text) : m_at(text), m_lineBegin(text) {}
+  JsonParser(const char* text, ValueMemory& memory)
+      : m_memory(memory), m_end(text), m_lineBegin(text) {}
   ~JsonParser();
   JsonParser(const JsonParser&) = delete;
   JsonParser& operator=(const JsonParser&) = delete;
@@ -153,260 +117,277 @@ class JsonParser {
   void Report(ParseResult& result) const;
 
  private:
-  enum class Step { Complete, NextValue, Failed };
+  // Where reading goes on, and the value that was read whole there: null when a
+  // container was opened, or after a fault.
+  struct Begun {
+    const char* at;
+    Json* value;
+  };
 
-  Step BeginValue();
-  Step BeginString();
-  Step BeginObject();
-  Step BeginArray();
-  Step ReadKey();
-  Step ReadScalar();
-  Step ReadNumber();
-  Step ReadLiteral(std::string_view literal);
-  Step EndValue();
-  Step EndMember();
-  Step EndElement();
-  Step CloseContainer();
-  Step Complete(Json* value);
-  Step Fail(const char* message);
+  Begun BeginValue(const char* at);
+  Begun BeginString(const char* at);
+  Begun BeginMixedString(const char* at);
+  Begun BeginObject(const char* at);
+  Begun BeginArray(const char* at);
+  Begun ReadScalar(const char* at);
+  Begun ReadNumber(const char* at);
+  Begun ReadLiteral(const char* at, std::string_view literal);
+  const char* AfterValue(const char* at);
+  const char* ReadKey(const char* at);
+  const char* ReadMixedKey(const char* at);
+  const char* Fail(const char* at, const char* message);
+
+  void Open(Json* container, JsonObject* object);
+  void Close();
+  void Give(Json* value);
 
   template <class Sink>
-  bool ReadString(Sink& sink);
+  const char* ReadString(const char* at, Sink& sink);
   template <class Sink>
-  bool ReadEscape(Sink& sink);
+  const char* ReadEscape(const char* at, Sink& sink);
   template <class Sink>
-  bool ReadCodeUnit(Sink& sink);
+  const char* ReadCodeUnit(const char* at, Sink& sink);
 
   Json::Place Here() { return {&m_memory, 0}; }
-  std::size_t StringRoom() const;
-  void SkipSpace();
-  void SkipDigits();
-  void NewLine();
+  const char* SkipSpace(const char* at);
+  const char* SkipLongSpace(const char* at);
+  const char* NewLine(const char* at);
 
-  ValueMemory m_memory;
-  const char* m_at;
+  ValueMemory& m_memory;
+  const char* m_end;  // where the parse stopped
   const char* m_lineBegin;
   std::uint32_t m_line = 1;
   const char* m_message = kNoMessage;
-  Json* m_value = nullptr;  // complete, and not yet given to anybody
-  OpenContainers m_open;
+  JsonRef<Json> m_root;                           // the outermost container
+  Json* m_innermost = nullptr;                    // of the open ones; each knows the one around it
+  JsonObject* m_object = nullptr;                 // the innermost, unless it is an array
+  JsonObject::Dictionary::Node* m_key = nullptr;  // under which its next value goes
+  std::vector<JsonRef<Json>> m_underEmptyKeys;    // open ones that no object holds
 };
 
-JsonParser::~JsonParser() {
-  if (m_value != nullptr) m_value->Release();
-  while (!m_open.Empty()) m_open.Pop()->Release();
-}
+// What is still open under an empty key goes with a parse that failed; what is
+// complete there is lost.
+JsonParser::~JsonParser() = default;
 
 Json* JsonParser::Run() {
-  Step step = Step::NextValue;
-  while (step != Step::Failed) {
-    if (step == Step::NextValue) {
-      SkipSpace();
-      step = BeginValue();
-    } else if (m_open.Empty()) {
-      return std::exchange(m_value, nullptr);
-    } else {
-      step = EndValue();
+  const char* at = m_end;
+  while (at != nullptr) {
+    const Begun begun = BeginValue(SkipSpace(at));
+    at = begun.at;
+    if (begun.value == nullptr) continue;
+    if (m_innermost == nullptr) {
+      m_end = at;
+      return begun.value;
     }
+    Give(begun.value);
+    at = AfterValue(at);
   }
-  return nullptr;
+  return m_innermost == nullptr ? m_root.Detach() : nullptr;
 }
 
 void JsonParser::Report(ParseResult& result) const {
   result.errorMessage = m_message;
   result.line = m_line;
-  result.column = static_cast<std::uint32_t>(m_at - m_lineBegin) + 1;
+  result.column = static_cast<std::uint32_t>(m_end - m_lineBegin) + 1;
 }
 
-JsonParser::Step JsonParser::Complete(Json* value) {
-  m_value = value;
-  return Step::Complete;
-}
-
-JsonParser::Step JsonParser::Fail(const char* message) {
+const char* JsonParser::Fail(const char* at, const char* message) {
+  m_end = at;
   m_message = message;
-  return Step::Failed;
+  return nullptr;
 }
 
-JsonParser::Step JsonParser::BeginValue() {
-  switch (*m_at) {
+inline JsonParser::Begun JsonParser::BeginValue(const char* at) {
+  switch (*at) {
     case '"':
-      return BeginString();
+      return BeginString(at);
     case '{':
-      return BeginObject();
+      return BeginObject(at);
     case '[':
-      return BeginArray();
+      return BeginArray(at);
     default:
-      return ReadScalar();
+      return ReadScalar(at);
   }
 }
 
-JsonParser::Step JsonParser::BeginObject() {
-  ++m_at;
-  SkipSpace();
-  if (*m_at == '}') {
-    ++m_at;
-    return Complete(new (Here()) JsonObject);
-  }
-  JsonRef<JsonObject> object(JsonObject::CreateWithRoom(&m_memory));
-  m_open.Push({object.Get(), nullptr, nullptr});
-  static_cast<void>(object.Detach());
-  return ReadKey();
+inline JsonParser::Begun JsonParser::BeginObject(const char* at) {
+  at = SkipSpace(at + 1);
+  if (*at == '}') return {at + 1, new (Here()) JsonObject};
+  JsonObject* object = JsonObject::CreateWithRoom(&m_memory);
+  Open(object, object);
+  return {ReadKey(at), nullptr};
 }
 
-JsonParser::Step JsonParser::BeginArray() {
-  ++m_at;
+JsonParser::Begun JsonParser::BeginArray(const char* at) {
+  at = SkipSpace(at + 1);
   auto* array = new (Here()) JsonArray;
-  m_value = array;
-  SkipSpace();
-  if (*m_at == ']') {
-    ++m_at;
-    return Step::Complete;
+  if (*at == ']') return {at + 1, array};
+  Open(array, nullptr);
+  return {at, nullptr};
+}
+
+// Takes over the reference to a container that has something in it.
+inline void JsonParser::Open(Json* container, JsonObject* object) {
+  if (m_innermost == nullptr) {
+    m_root.Reset(container);
+  } else if (m_object != nullptr && m_key == nullptr) {
+    m_underEmptyKeys.emplace_back(container);
+  } else {
+    Give(container);
   }
-  m_open.Push({nullptr, array, nullptr});
-  m_value = nullptr;
-  return Step::NextValue;
+  container->SetAround(m_innermost);
+  m_innermost = container;
+  m_object = object;
 }
 
-JsonParser::Step JsonParser::ReadKey() {
-  if (*m_at != '"') return Fail(kExpectedKey);
-  OpenContainer& open = m_open.Innermost();
-  KeySink key(*open.object);
-  if (!ReadString(key)) return Step::Failed;
-  open.key = key.Node();
-  SkipSpace();
-  if (*m_at != ':') return Fail(kExpectedColon);
-  ++m_at;
-  return Step::NextValue;
+inline void JsonParser::Close() {
+  if (!m_underEmptyKeys.empty() && m_underEmptyKeys.back().Get() == m_innermost) {
+    static_cast<void>(m_underEmptyKeys.back().Detach());
+    m_underEmptyKeys.pop_back();
+  }
+  m_innermost = m_innermost->Around();
+  const bool isObject = m_innermost != nullptr && m_innermost->Type() == JsonType::Object;
+  m_object = isObject ? static_cast<JsonObject*>(m_innermost) : nullptr;
 }
 
-JsonParser::Step JsonParser::EndValue() {
-  return m_open.Innermost().object != nullptr ? EndMember() : EndElement();
+// Gives the reference to the innermost container.
+inline void JsonParser::Give(Json* value) {
+  if (m_object != nullptr) {
+    JsonObject::Adopt(m_key, value);
+  } else {
+    JsonRef<Json> element(value);
+    static_cast<JsonArray*>(m_innermost)->AppendAdopted(value);
+    static_cast<void>(element.Detach());
+  }
 }
 
-JsonParser::Step JsonParser::EndMember() {
-  JsonObject::Adopt(m_open.Innermost().key, std::exchange(m_value, nullptr));
-  SkipSpace();
-  if (*m_at == '}') return CloseContainer();
-  if (*m_at != ',') return Fail(kExpectedComma);
-  ++m_at;
-  SkipSpace();
-  return *m_at == '\0' ? Fail(kMissingBracket) : ReadKey();
+inline const char* JsonParser::AfterValue(const char* at) {
+  do {
+    at = SkipSpace(at);
+    if (*at == ',') {
+      if (m_object == nullptr) return at + 1;
+      at = SkipSpace(at + 1);
+      return *at == '\0' ? Fail(at, kMissingBracket) : ReadKey(at);
+    }
+    if (*at != (m_object != nullptr ? '}' : ']')) {
+      return Fail(at, m_object != nullptr ? kExpectedComma : kNoMessage);
+    }
+    ++at;
+    Close();
+  } while (m_innermost != nullptr);
+  m_end = at;
+  return nullptr;
 }
 
-JsonParser::Step JsonParser::EndElement() {
-  m_open.Innermost().array->AppendAdopted(m_value);
-  m_value = nullptr;
-  SkipSpace();
-  if (*m_at == ']') return CloseContainer();
-  if (*m_at != ',') return Fail(kNoMessage);
-  ++m_at;
-  return Step::NextValue;
+inline const char* JsonParser::ReadKey(const char* at) {
+  if (*at != '"') return Fail(at, kExpectedKey);
+  JsonObject::Dictionary::Path path(m_object->Members());
+  const char* end = path.Append(at + 1, kKeyFolding);
+  m_key = path.End();
+  if (*end == '"') {
+    ++end;
+  } else {
+    end = ReadMixedKey(at);
+    if (end == nullptr) return nullptr;
+  }
+  end = SkipSpace(end);
+  return *end == ':' ? end + 1 : Fail(end, kExpectedColon);
 }
 
-JsonParser::Step JsonParser::CloseContainer() {
-  ++m_at;
-  return Complete(m_open.Pop());
+// A key with more than plain characters, laid anew from its beginning.
+const char* JsonParser::ReadMixedKey(const char* at) {
+  KeySink key(m_object->Members());
+  at = ReadString(at, key);
+  m_key = key.Node();
+  return at;
 }
 
-JsonParser::Step JsonParser::ReadScalar() {
-  switch (*m_at) {
+JsonParser::Begun JsonParser::ReadScalar(const char* at) {
+  switch (*at) {
     case 'f':
-      return ReadLiteral("false");
+      return ReadLiteral(at, "false");
     case 't':
-      return ReadLiteral("true");
+      return ReadLiteral(at, "true");
     case 'n':
-      return ReadLiteral("null");
+      return ReadLiteral(at, "null");
     default:
-      return *m_at == '-' || IsDigit(*m_at) ? ReadNumber() : Fail(kUnexpectedToken);
+      if (*at == '-' || IsDigit(*at)) return ReadNumber(at);
+      return {Fail(at, kUnexpectedToken), nullptr};
   }
 }
 
-JsonParser::Step JsonParser::ReadLiteral(std::string_view literal) {
+JsonParser::Begun JsonParser::ReadLiteral(const char* at, std::string_view literal) {
   // Stops at the text's end, which no literal holds.
-  if (std::strncmp(m_at, literal.data(), literal.size()) != 0) return Fail(kUnexpectedToken);
-  m_at += literal.size();
-  if (literal == "null") return Complete(new (Here()) JsonNull);
-  return Complete(new (Here()) JsonBool(literal == "true"));
+  if (std::strncmp(at, literal.data(), literal.size()) != 0) {
+    return {Fail(at, kUnexpectedToken), nullptr};
+  }
+  at += literal.size();
+  if (literal == "null") return {at, new (Here()) JsonNull};
+  return {at, new (Here()) JsonBool(literal == "true")};
 }
 
-JsonParser::Step JsonParser::ReadNumber() {
-  const char* begin = m_at;
+JsonParser::Begun JsonParser::ReadNumber(const char* begin) {
+  const char* at = begin;
   bool isInteger = true;
-  if (*m_at == '-') ++m_at;
-  if (!IsDigit(*m_at)) return Fail(kExpectedDigit);
-  SkipDigits();
-  if (*m_at == '.') {
+  if (*at == '-') ++at;
+  if (!IsDigit(*at)) return {Fail(at, kExpectedDigit), nullptr};
+  at = SkipDigits(at);
+  if (*at == '.') {
     isInteger = false;
-    ++m_at;
-    SkipDigits();
+    at = SkipDigits(at + 1);
   }
-  if (*m_at == 'e' || *m_at == 'E') {
-    ++m_at;
-    if (*m_at == '+' || *m_at == '-') ++m_at;
-    SkipDigits();
+  if (*at == 'e' || *at == 'E') {
+    ++at;
+    if (*at == '+' || *at == '-') ++at;
+    at = SkipDigits(at);
   }
-  const std::string_view text(begin, static_cast<std::size_t>(m_at - begin));
-  return Complete(JsonNumber::FromText(text, isInteger, &m_memory));
+  return {at, JsonNumber::FromText({begin, at}, isInteger, &m_memory)};
 }
 
-JsonParser::Step JsonParser::BeginString() {
-  const char* begin = m_at + 1;
-  const char* end = SkipPlain(begin);
-  if (*end == '"') {  // nearly every string: its text stands there as it is
-    m_at = end + 1;
-    return Complete(JsonString::Create({begin, end}, &m_memory));
-  }
-  bool complete = false;
+inline JsonParser::Begun JsonParser::BeginString(const char* at) {
+  const char* end = SkipPlain(at + 1);
+  if (*end != '"') return BeginMixedString(at);
+  // Nearly every string: its text stands there as it is.
+  return {end + 1, JsonString::Create({at + 1, end}, &m_memory)};
+}
+
+JsonParser::Begun JsonParser::BeginMixedString(const char* at) {
+  const char* end = nullptr;
   const auto fill = [&](char* buffer) {
     BufferSink sink(buffer);
-    complete = ReadString(sink);
+    end = ReadString(at, sink);
     return static_cast<std::size_t>(sink.End() - buffer);
   };
-  m_value = JsonString::CreateFilled(StringRoom(), fill, &m_memory);
-  return complete ? Step::Complete : Step::Failed;
-}
-
-// Bytes that suffice for the string at m_at: as many as stand before its closing
-// quote, for no escape grows.
-std::size_t JsonParser::StringRoom() const {
-  const char* begin = m_at + 1;
-  const char* at = SkipPlain(begin);
-  while (*at != '"' && *at != '\0') {
-    if (*at == '\\' && at[1] != '\0') ++at;
-    ++at;
-  }
-  return static_cast<std::size_t>(at - begin);
+  JsonRef<JsonString> string(JsonString::CreateFilled(StringRoom(at + 1), fill, &m_memory));
+  return {end, end != nullptr ? string.Detach() : nullptr};
 }
 
 template <class Sink>
-bool JsonParser::ReadString(Sink& sink) {
-  ++m_at;
-  for (;;) {
-    m_at = sink.AppendPlain(m_at);
-    switch (*m_at) {
+const char* JsonParser::ReadString(const char* at, Sink& sink) {
+  ++at;
+  while (at != nullptr) {
+    at = sink.AppendPlain(at);
+    switch (*at) {
       case '"':
-        ++m_at;
-        return true;
+        return at + 1;
       case '\\':
-        if (!ReadEscape(sink)) return false;
+        at = ReadEscape(at + 1, sink);
         break;
       case '\n':
         sink.Append('\n');
-        NewLine();
+        at = NewLine(at);
         break;
       default:
-        m_message = kMissingQuote;
-        return false;
+        return Fail(at, kMissingQuote);
     }
   }
+  return nullptr;
 }
 
 template <class Sink>
-bool JsonParser::ReadEscape(Sink& sink) {
-  ++m_at;
-  char meant = *m_at;
-  switch (*m_at) {
+const char* JsonParser::ReadEscape(const char* at, Sink& sink) {
+  char meant = *at;
+  switch (*at) {
     case '"':
     case '/':
     case '\\':
@@ -427,26 +408,21 @@ bool JsonParser::ReadEscape(Sink& sink) {
       meant = '\t';
       break;
     case 'u':
-      ++m_at;
-      return ReadCodeUnit(sink);
+      return ReadCodeUnit(at + 1, sink);
     default:
-      return true;  // the backslash is dropped, the character read as usual
+      return at;  // the backslash is dropped, the character read as usual
   }
   sink.Append(meant);
-  ++m_at;
   ++m_lineBegin;  // the character behind the backslash does not count
-  return true;
+  return at + 1;
 }
 
 template <class Sink>
-bool JsonParser::ReadCodeUnit(Sink& sink) {
+const char* JsonParser::ReadCodeUnit(const char* at, Sink& sink) {
   unsigned unit = 0;
-  for (int i = 0; i < 4; ++i, ++m_at) {
-    const int digit = HexDigit(*m_at);
-    if (digit < 0) {
-      m_message = kBadUnicode;
-      return false;
-    }
+  for (int i = 0; i < 4; ++i, ++at) {
+    const int digit = HexDigit(*at);
+    if (digit < 0) return Fail(at, kBadUnicode);
     unit = unit << 4 | static_cast<unsigned>(digit);
   }
   if (unit >= 0x800) {
@@ -459,38 +435,41 @@ bool JsonParser::ReadCodeUnit(Sink& sink) {
   } else if (unit != 0) {
     sink.Append(static_cast<char>(unit));
   }
-  return true;
+  return at;
 }
 
-inline void JsonParser::SkipSpace() {
-  if (static_cast<unsigned char>(*m_at) > ' ') return;
-  for (;; ++m_at) {
-    if (*m_at == '\n') {
+inline const char* JsonParser::SkipSpace(const char* at) {
+  return static_cast<unsigned char>(*at) > ' ' ? at : SkipLongSpace(at);
+}
+
+const char* JsonParser::SkipLongSpace(const char* at) {
+  for (;; ++at) {
+    if (*at == '\n') {
       ++m_line;
-      m_lineBegin = m_at + 1;
-    } else if (*m_at != ' ' && (*m_at < '\t' || *m_at > '\r')) {
-      return;
+      m_lineBegin = at + 1;
+    } else if (*at != ' ' && (*at < '\t' || *at > '\r')) {
+      return at;
     }
   }
 }
 
-void JsonParser::SkipDigits() {
-  const char* at = m_at;
-  while (IsDigit(*at)) ++at;
-  m_at = at;
-}
-
-void JsonParser::NewLine() {
-  ++m_at;
+const char* JsonParser::NewLine(const char* at) {
   ++m_line;
-  m_lineBegin = m_at;
+  m_lineBegin = at + 1;
+  return at + 1;
 }
 
 }  // namespace
 
 Json* Parse(ParseResult& result, const char* text) {
+  ValueMemory memory;
+  return Parse(result, text, memory);
+}
+
+Json* Parse(ParseResult& result, const char* text, ValueMemory& memory) {
   result.errorMessage.clear();
-  JsonParser parser(text);
+  memory.Rewind();
+  JsonParser parser(text, memory);
   Json* root = parser.Run();
   parser.Report(result);
   return root;

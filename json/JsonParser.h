@@ -36,4 +36,8 @@ struct ParseResult {
 // here, with everything built so far released.
 [[nodiscard]] Json* Parse(ParseResult& result, const char* text);
 
+// The same with the values in `memory`, which is rewound first. It must not be
+// used by anybody else meanwhile, and the values may outlive it.
+[[nodiscard]] Json* Parse(ParseResult& result, const char* text, ValueMemory& memory);
+
 }  // namespace Vask

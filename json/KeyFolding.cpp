@@ -2,14 +2,8 @@
 
 namespace Vask {
 
-namespace {
-constinit const KeyFolding kKept{KeyFolding::Letters::Kept};
-constinit const KeyFolding kToLower{KeyFolding::Letters::ToLower};
-constinit const KeyFolding kToUpper{KeyFolding::Letters::ToUpper};
-}  // namespace
-
-const KeyFolding& KeyFolding::For(bool caseSensitive, bool foldToUpper) noexcept {
-  return caseSensitive ? kKept : foldToUpper ? kToUpper : kToLower;
-}
+constinit const KeyFolding KeyFolding::s_kept{Letters::Kept};
+constinit const KeyFolding KeyFolding::s_toLower{Letters::ToLower};
+constinit const KeyFolding KeyFolding::s_toUpper{Letters::ToUpper};
 
 }  // namespace Vask

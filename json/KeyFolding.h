@@ -26,11 +26,17 @@ class KeyFolding {
 
   // The one that a dictionary with these settings uses; upper case is looked at
   // only when case does not matter. Lives as long as the process.
-  static const KeyFolding& For(bool caseSensitive, bool foldToUpper) noexcept;
+  static const KeyFolding& For(bool caseSensitive, bool foldToUpper) noexcept {
+    return caseSensitive ? s_kept : foldToUpper ? s_toUpper : s_toLower;
+  }
 
   signed char Fold(char c) const noexcept { return m_folded[static_cast<unsigned char>(c)]; }
 
  private:
+  static const KeyFolding s_kept;
+  static const KeyFolding s_toLower;
+  static const KeyFolding s_toUpper;
+
   std::array<signed char, 256> m_folded;
 };
 

@@ -7,10 +7,6 @@ namespace Vask {
 
 namespace {
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // Whether a number that no double holds is so because it is too large; the
 // others are too small. Told by the place of its first significant digit.
 bool IsTooLarge(std::string_view text) {

@@ -5,6 +5,11 @@
 
 namespace Vask {
 
+// A decimal digit, whatever the locale.
+constexpr bool IsDigit(char c) noexcept {
+  return c >= '0' && c <= '9';
+}
+
 // How the text of a number is read. All three are pure and independent of the
 // locale, and none of them fails: what does not fit goes to the nearest end.
 

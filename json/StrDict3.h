@@ -147,13 +147,14 @@ class StrDict3 {
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  NodeRun AllocRun() {
-    if (m_standardAllocator != nullptr) return m_standardAllocator->AllocRun();
+  // New nodes: the caller takes as many as it needs, one at least.
+  NodeRun OfferNodes() {
+    if (m_standardAllocator != nullptr) return m_standardAllocator->Offer();
     Node* node = m_allocator->AllocNode();
     return {node, node + 1};
   }
-  void FreeRest(NodeRun rest) noexcept {
-    if (rest.begin != rest.end) m_standardAllocator->FreeRest(rest);
+  void TakeNodes(Node* end) noexcept {
+    if (m_standardAllocator != nullptr) m_standardAllocator->Take(end);
   }
 
   // Sets the fields that a run leaves out in `node` and hands the rest of the
@@ -198,37 +199,34 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator& operator=(const Allocator&) = delete;
 
   Node* AllocNode() override {
-    const NodeRun run = AllocRun();
-    FreeRest({run.begin + 1, run.end});
-    return run.begin;
+    Node* node = Offer().begin;
+    Take(node + 1);
+    return node;
   }
 
-  // As many nodes as happen to lie side by side, one at least. Whoever needs
-  // fewer gives the others back before anything else is asked of this.
-  NodeRun AllocRun() {
-    if (Node* node = m_freeNodes) {
-      m_freeNodes = node->nextSibling;
-      --m_freeCount;
-      return {node, node + 1};
-    }
-    if (m_freshNodes.begin == m_freshNodes.end) AddBlock();
-    return std::exchange(m_freshNodes, {m_freshNodes.end, m_freshNodes.end});
+  // As many nodes as happen to lie side by side, one at least. They are free
+  // until they are taken; before that only `hasValue` and `ch` may be set.
+  NodeRun Offer() {
+    if (m_next.begin == m_next.end) FindNext();
+    return m_next;
   }
-  void FreeRest(NodeRun rest) noexcept {
-    if (rest.begin != rest.end) m_freshNodes = rest;
-  }
+  // Takes the first of the nodes that were offered last, up to `end`.
+  void Take(Node* end) noexcept { m_next.begin = end; }
 
   void FreeNode(Node* node) noexcept override {
-    node->nextSibling = m_freeNodes;
-    m_freeNodes = node;
-    ++m_freeCount;
+    if (m_next.end - m_next.begin == 1) {
+      PushFree(m_next.begin);
+    } else if (m_next.begin != m_next.end) {
+      m_fresh = m_next;
+    }
+    m_next = {node, node + 1};
   }
 
   std::uint32_t Blocks() const noexcept { return m_blockCount; }
   std::uint32_t NodesProvided() const noexcept { return m_blockCount * NodesPerBlock; }
   std::uint32_t NodesInUse() const noexcept {
-    const auto fresh = static_cast<std::uint32_t>(m_freshNodes.end - m_freshNodes.begin);
-    return NodesProvided() - fresh - m_freeCount;
+    const auto side = (m_next.end - m_next.begin) + (m_fresh.end - m_fresh.begin);
+    return NodesProvided() - static_cast<std::uint32_t>(side) - m_freeCount;
   }
 
  private:
@@ -237,9 +235,28 @@ class StrDict3<T>::Allocator final : public IAllocator {
     Block* next;
   };
 
+  void PushFree(Node* node) noexcept {
+    node->nextSibling = m_freeNodes;
+    m_freeNodes = node;
+    ++m_freeCount;
+  }
+
+  // The node that was freed last, else those never handed out, else a new block.
+  void FindNext() {
+    if (Node* node = m_freeNodes) {
+      m_freeNodes = node->nextSibling;
+      --m_freeCount;
+      m_next = {node, node + 1};
+    } else if (m_fresh.begin != m_fresh.end) {
+      m_next = std::exchange(m_fresh, {nullptr, nullptr});
+    } else {
+      AddBlock();
+    }
+  }
+
   void AddBlock() {
     Nodes* nodes = m_blockCount == 0 && m_firstNodes != nullptr ? m_firstNodes : AddHeapBlock();
-    m_freshNodes = {nodes->data(), nodes->data() + NodesPerBlock};
+    m_next = {nodes->data(), nodes->data() + NodesPerBlock};
     ++m_blockCount;
   }
 
@@ -250,8 +267,9 @@ class StrDict3<T>::Allocator final : public IAllocator {
     return &block->nodes;
   }
 
-  Node* m_freeNodes = nullptr;
-  NodeRun m_freshNodes{nullptr, nullptr};  // of the newest block: never handed out so far
+  NodeRun m_next{nullptr, nullptr};   // to be handed out next
+  NodeRun m_fresh{nullptr, nullptr};  // never handed out, while freed nodes go before them
+  Node* m_freeNodes = nullptr;        // freed before the one in m_next
   Nodes* m_firstNodes;
   Block* m_blocks = nullptr;  // those from the heap
   std::uint32_t m_blockCount = 0;
@@ -289,7 +307,7 @@ class StrDict3<T>::Path {
   StrDict3& m_dictionary;
   Node** m_level;
   Node* m_node = nullptr;
-  std::size_t m_room = kMaxKeyLength;  // characters that may still be laid
+  std::ptrdiff_t m_room = kMaxKeyLength;  // characters that may still be laid
 };
 
 template <class T>
@@ -310,30 +328,30 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& f
 
 // Hangs a chain of new nodes in at `link`, for the characters from `at` on.
 template <class T>
-const char* StrDict3<T>::Path::Extend(Node** link, const char* at, const KeyFolding& folding) {
+inline const char* StrDict3<T>::Path::Extend(Node** link, const char* at,
+                                             const KeyFolding& folding) {
   signed char ch = folding.Fold(*at);
-  Node* nextSibling = *link;
-  while (m_room != 0) {
-    const NodeRun nodes = m_dictionary.AllocRun();
-    const auto offered = static_cast<std::size_t>(nodes.end - nodes.begin);
-    Node* const end = offered <= m_room ? nodes.end : nodes.begin + m_room;
+  for (Node* nextSibling = *link; m_room != 0; nextSibling = nullptr) {
+    NodeRun nodes = m_dictionary.OfferNodes();
+    if (nodes.end - nodes.begin > m_room) nodes.end = nodes.begin + m_room;
     Node* node = nodes.begin;
-    do {
+    for (;;) {
       node->hasValue = 0;
       node->ch = ch;
-      ++node;
       ch = folding.Fold(*++at);
-    } while (ch != 0 && node != end);
-    m_dictionary.FreeRest({node, nodes.end});
+      if (ch == 0 || node + 1 == nodes.end) break;
+      ++node;
+    }
+    m_dictionary.TakeNodes(node + 1);
+    m_node = node;
+    node->run = 0;
+    node->nextSibling = nullptr;
+    node->firstChild = nullptr;
+    nodes.begin->run = static_cast<std::uint16_t>(node - nodes.begin);
+    nodes.begin->nextSibling = nextSibling;
     *link = nodes.begin;
-    m_node = node - 1;
-    m_node->run = 0;
-    m_node->nextSibling = nullptr;
-    m_node->firstChild = nullptr;
-    nodes.begin->run = static_cast<std::uint16_t>(m_node - nodes.begin);
-    nodes.begin->nextSibling = std::exchange(nextSibling, nullptr);
-    m_level = link = &m_node->firstChild;
-    m_room -= static_cast<std::size_t>(node - nodes.begin);
+    m_level = link = &node->firstChild;
+    m_room -= node + 1 - nodes.begin;
     if (ch == 0) return at;
   }
   return SkipRest(at, folding);
@@ -360,23 +378,25 @@ bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
   const char* at = key;
   signed char ch = m_folding.Fold(*at);
-  Node* parent = nullptr;
-  for (Node* node = m_root;; node = node->firstChild) {
+  Node* last = nullptr;  // of the characters that were found
+  for (Node* node = m_root; ch != 0; node = last->firstChild) {
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
     if (node == nullptr || node->ch != ch) {
       // No path is longer than the limit, so only there can a key be cut.
       if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
       break;
     }
-    ch = m_folding.Fold(*++at);
-    for (const Node* const end = node + node->run; node != end && ch != 0;) {
-      if ((++node)->ch != ch) return false;
+    last = node;
+    for (const Node* const end = node + node->run; last != end; ++last) {
       ch = m_folding.Fold(*++at);
+      if (last[1].ch == ch) continue;
+      if (ch != 0) return false;
+      outNode = last;
+      return true;
     }
-    parent = node;
-    if (ch == 0) break;
+    ch = m_folding.Fold(*++at);
   }
-  outNode = parent;
+  outNode = last;
   return true;
 }
 

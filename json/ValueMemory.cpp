@@ -20,6 +20,15 @@ void ValueMemory::OpenSlab() {
   ASAN_POISON_MEMORY_REGION(static_cast<char*>(memory) + kAlignment, m_left);
 }
 
+void ValueMemory::Rewind() noexcept {
+  // Once the pieces given back are as many as were cut, nobody is left who could
+  // touch the slab.
+  if (m_slab == nullptr || m_slab->inUse.load(std::memory_order_acquire) + m_pieces != 0) return;
+  m_slab->inUse.store(0, std::memory_order_relaxed);
+  m_left = kSlabBytes - kAlignment;
+  m_pieces = 0;
+}
+
 void ValueMemory::CloseSlab() noexcept {
   if (m_slab == nullptr) return;
   const std::int32_t before = m_slab->inUse.fetch_add(m_pieces, std::memory_order_acq_rel);

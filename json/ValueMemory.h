@@ -25,9 +25,9 @@ namespace Vask {
 // in it was deleted, in whatever order and on whatever thread that happens; one
 // value that is kept keeps its slab.
 //
-// A parser owns one of these while it builds its tree; nobody else takes memory
-// here. Each piece has a small head that tells where it came from, so that
-// Free serves pieces of a slab and such of the heap alike.
+// Who reads one text after the other keeps one of these and rewinds it between
+// them: then the heap is hardly asked at all. Each piece has a small head that tells where it came
+// from, so that Free serves pieces of a slab and such of the heap alike.
 class ValueMemory {
  public:
   // What a slab holds, heads included: the largest message of a few values.
@@ -39,6 +39,10 @@ class ValueMemory {
   ~ValueMemory() { CloseSlab(); }
   ValueMemory(const ValueMemory&) = delete;
   ValueMemory& operator=(const ValueMemory&) = delete;
+
+  // Cuts from the beginning of the slab again, if all that was cut from it has
+  // been given back.
+  void Rewind() noexcept;
 
   // A piece of `bytes`, aligned to 8. Throws std::bad_alloc.
   void* Take(std::size_t bytes) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "json/NumberReading.h"
+
 namespace Vask {
 
 namespace {
@@ -10,10 +12,6 @@ namespace {
 constexpr std::uint32_t kHighestPort = 65535;
 constexpr std::uint32_t kHighestPart = 255;
 constexpr int kParts = 4;
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 // Takes the digits off the front of `text` and answers their value, or one
 // more than `highest` when that is passed, however long the number.

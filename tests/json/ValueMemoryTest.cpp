@@ -105,6 +105,44 @@ TEST_F(ValueMemoryTest, KeptValueOutlivesTheMessageItCameWith) {
   name->Release();
 }
 
+TEST_F(ValueMemoryTest, TextAfterTextTakesNothingMoreFromTheHeap) {
+  ValueMemory memory;
+  ParseResult result;
+  const auto parse = [&] { return JsonRef<Json>(Parse(result, R"({"id":1,"from":"x"})", memory)); };
+  EXPECT_TRUE(parse());
+  const std::uint64_t before = Tests::Allocations();
+  for (int i = 0; i < 1'000; ++i) EXPECT_TRUE(parse());
+  EXPECT_EQ(Tests::Allocations(), before);
+}
+
+TEST_F(ValueMemoryTest, RewindingLeavesWhatIsStillInUse) {
+  ValueMemory memory;
+  auto* kept = static_cast<char*>(memory.Take(8));
+  std::memset(kept, 0x11, 8);
+  for (int i = 0; i < 1'000; ++i) {
+    memory.Rewind();
+    void* other = memory.Take(64);
+    std::memset(other, 0x22, 64);
+    ValueMemory::Free(other);
+  }
+  EXPECT_TRUE(std::all_of(kept, kept + 8, [](char c) { return c == 0x11; }));
+  ValueMemory::Free(kept);
+}
+
+TEST_F(ValueMemoryTest, ValuesOutliveTheMemoryTheyLieIn) {
+  ParseResult result;
+  JsonRef<Json> first;
+  JsonRef<Json> second;
+  {
+    ValueMemory memory;
+    first.Reset(Parse(result, R"("one")", memory));
+    second.Reset(Parse(result, R"("two")", memory));
+  }
+  EXPECT_EQ(static_cast<JsonString&>(*first).Text(), "one");
+  first.Reset(nullptr);
+  EXPECT_EQ(static_cast<JsonString&>(*second).Text(), "two");
+}
+
 TEST_F(ValueMemoryTest, ThreadsMayGiveBackPiecesOfOneSlab) {
   std::uint64_t allocations = 0;
   for (int round = 0; round < 200; ++round) {
