@@ -128,7 +128,7 @@ void Registrar::ReportError(const char* format, ...) {
 bool Registrar::OnJsonMessageText(const char* text) {
   ErrorReport::Instance().ClearCurrentMessage();
   Vask::ParseResult result;
-  const JsonRef<Json> root(Vask::Parse(result, text));
+  const JsonRef<Json> root(Vask::Parse(result, text, m_memory));
   if (root.Get() == nullptr) {
     ReportError("Messages::Registrar::OnJsonMessageText: JSON parse failed at line %u, col %u: %s",
                 result.line, result.column, result.errorMessage.c_str());

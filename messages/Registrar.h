@@ -7,6 +7,7 @@
 
 #include "Src/LogPrinter.h"
 #include "Src/SingletonRef.h"
+#include "json/ValueMemory.h"
 #include "messages/Catalogue.h"
 #include "messages/HandlerList.h"
 #include "net/IOnJsonMessageText.h"
@@ -117,6 +118,7 @@ class Registrar final : public Vask::IOnJsonMessageText,
 
   std::atomic<Vask::IOnJsonMessage*> m_sender{nullptr};
   std::atomic<FromText*> m_from{nullptr};  // newest first
+  Vask::ValueMemory m_memory;              // of the values of the text; for its thread alone
   Vask::Platform::CriticalSection m_lock;
   HandlerList m_lists[kCatalogueSize] VASK_GUARDED_BY(m_lock);
 };

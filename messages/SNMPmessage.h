@@ -40,7 +40,7 @@ struct SNMPmessage {
     std::uint32_t m_tag = kEmpty;
     union {
       Product m_Product;
-      Streams m_Streams{};
+      Streams m_Streams;
       StreamMonitors m_StreamMonitors;
       AudioSources m_AudioSources;
     };
