@@ -246,7 +246,7 @@ bool CorvaneServer::OnJsonMessageText(const char* text) {
   Print(message.name.empty() ? "received a frame: " + Escaped(message.data)
                              : "received " + Escaped(message.name) + ' ' + Escaped(message.data));
   const bool isRequest = EqualsIgnoringCase(message.name, "SNMPupdate");
-  {
+  if (m_options.keepMessages) {
     const std::lock_guard lock(m_lock);
     m_record.messages.push_back(std::move(message));
     m_changed.notify_all();

@@ -35,7 +35,7 @@ enum class End {
 struct Record {
   std::size_t connections = 0;    // accepted
   std::vector<End> ends;          // of connections, in order
-  std::vector<Message> messages;  // received, in order
+  std::vector<Message> messages;  // received, in order, if kept
   std::string bytes;              // everything received, as it came, if kept
   bool Connected() const { return connections > ends.size(); }
 };
@@ -47,6 +47,7 @@ struct ServerOptions {
   // Gets every event as a line of its own without a line end, on the thread on
   // which it happened, one at a time.
   std::function<void(const std::string& line)> print;
+  bool keepMessages = true;  // Record::messages is filled
 };
 
 // The Corvane process's side of the link: a server on 127.0.0.1 that serves one

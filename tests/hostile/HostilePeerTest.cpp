@@ -1,0 +1,156 @@
+// Whatever a peer sends: the agent answers, serves the next good frame, and
+// holds no more memory than came.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "platform/Clock.h"
+#include "tests/contract/Eventually.h"
+#include "tests/contract/Library.h"
+#include "tests/hostile/MemoryWatch.h"
+#include "tests/hostile/Sanitized.h"
+#include "tests/hostile/Target.h"
+
+namespace Hostile {
+
+namespace {
+
+constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+// Over the bytes that came.
+constexpr std::size_t kMostMemory = 8 * kMiB;
+// Over what the heaps held before; the log's history and the like move a little.
+constexpr std::size_t kMostKept = std::size_t{64} * 1024;
+
+constexpr std::uint32_t kLongestStopMs = 500;
+
+class HostilePeerTest : public ::testing::Test {
+ protected:
+  static void SetUpTestSuite() { Contract::CountWholeHeap(); }
+  void SetUp() override { ASSERT_EQ(target.Begin(), ""); }
+
+  // Runs something that may make that many bytes resident, and some.
+  template <class Body>
+  void WithinMemory(std::size_t bytes, const Body& body) {
+    const std::size_t before = watch.Restart();
+    body();
+    const std::size_t highest = watch.Highest();
+    if (kSanitized) return;
+    EXPECT_LE(highest, before + bytes + kMostMemory)
+        << (highest - before) << " bytes more were resident";
+  }
+
+  const Scale scale = UsualScale();
+  MemoryWatch watch;
+  Target target;
+};
+
+TEST_F(HostilePeerTest, EveryListedInputLeavesTheAgentServing) {
+  for (const Input& input : ListedInputs(scale.longest)) {
+    SCOPED_TRACE(input.name);
+    const std::size_t held = Contract::HeldMemory();
+    WithinMemory(input.bytes.size() * input.memoryPerByte,
+                 [&] { ASSERT_EQ(target.Take(input), ""); });
+    target.Module().TakeTraps();
+    ASSERT_FALSE(HasFatalFailure());
+    EXPECT_LE(Contract::HeldMemory(), held + kMostKept);
+  }
+}
+
+TEST_F(HostilePeerTest, StreamsOfRandomBytesLeaveTheAgentServing) {
+  std::mt19937 random(1);
+  WithinMemory(0, [&] {
+    for (std::size_t i = 0; i < scale.randomStreams; ++i) {
+      const Input input = RandomStream(random);
+      ASSERT_EQ(target.Take(input), "") << "stream " << i;
+      target.Module().TakeTraps();
+    }
+  });
+}
+
+TEST_F(HostilePeerTest, DamagedFramesLeaveTheAgentServing) {
+  constexpr std::size_t kBatch = 100;
+  std::mt19937 random(2);
+  WithinMemory(0, [&] {
+    for (std::size_t i = 0; i < scale.damagedFrames; ++i) {
+      ASSERT_TRUE(target.Peer().Send(DamagedFrame(random).bytes)) << "frame " << i;
+      if (i % kBatch != 0) continue;
+      ASSERT_EQ(target.Serves(), "") << "frame " << i;
+    }
+    ASSERT_EQ(target.Serves(), "");
+  });
+}
+
+TEST_F(HostilePeerTest, FloodIsServedWhileTrapsAreTaken) {
+  WithinMemory(0, [&] { ASSERT_EQ(target.Flood(scale.floodFrames, true), ""); });
+}
+
+// They are kept, since none may be lost, and cost less than the frames.
+TEST_F(HostilePeerTest, FloodIsServedWhileNobodyTakesTraps) {
+  const std::size_t held = Contract::HeldMemory();
+  WithinMemory(scale.floodFrames * StreamsFrame(1, 1).size(), [&] {
+    ASSERT_EQ(target.Flood(scale.floodFrames, false), "");
+    EXPECT_GE(target.Module().TakeTraps().size(), scale.floodFrames);
+    ASSERT_EQ(target.Flood(2, true), "");  // what was taken goes with the next trap
+  });
+  target.Module().TakeTraps();
+  EXPECT_LE(Contract::HeldMemory(), held + kMostKept);
+}
+
+// A peer that reads nothing: sooner or later a report of the agent's waits for
+// room, and the link's thread with it.
+class PeerThatNeverReadsTest : public HostilePeerTest {
+ protected:
+  void SetUp() override {
+    HostilePeerTest::SetUp();
+    target.Peer().SetReading(false);
+    m_flood = std::thread([this] {
+      for (std::size_t i = 0; i < scale.unreadFrames; ++i)
+        if (!target.Peer().Send(ReportedFrame(i % 2 == 0 ? 1 : 0))) return;
+      m_allSent = true;
+    });
+    ASSERT_TRUE(Contract::Eventually([this] { return m_allSent || NothingMoves(); }, kPatienceMs));
+    EXPECT_EQ(m_allSent, !scale.fillsTheLink);
+  }
+  void TearDown() override { EndFlood(); }
+
+  // The link comes back, and with it a peer that reads.
+  void EndFlood() {
+    target.Peer().SetReading(true);
+    target.Peer().Drop();
+    if (m_flood.joinable()) m_flood.join();
+  }
+
+ private:
+  static constexpr std::uint32_t kPatienceMs = 120'000;
+  static constexpr int kLooks = 50;  // 10 ms apart
+
+  bool NothingMoves() {
+    m_looks = target.Module().TakeTraps().empty() ? m_looks + 1 : 0;
+    return m_looks >= kLooks;
+  }
+
+  std::thread m_flood;
+  std::atomic<bool> m_allSent{false};
+  int m_looks = 0;
+};
+
+TEST_F(PeerThatNeverReadsTest, GetAnswersAndTheLinkServesAgainAfterwards) {
+  EXPECT_TRUE(
+      Contract::Eventually([this] { return target.Module().Get("P.2.2") == "0 P.2.2 = INT 1"; }));
+  EXPECT_EQ(target.Module().GetNext("P.2.1"), "0 P.2.2 = INT 1");
+  EndFlood();
+  EXPECT_EQ(target.Serves(false), "");
+}
+
+TEST_F(PeerThatNeverReadsTest, UnloadEndsSoon) {
+  const std::uint32_t start = Vask::Platform::SystemClock().TickMs();
+  target.Module().Unload();
+  EXPECT_LE(Vask::Platform::SystemClock().TickMs() - start, kLongestStopMs);
+}
+
+}  // namespace
+
+}  // namespace Hostile

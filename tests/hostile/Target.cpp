@@ -1,0 +1,112 @@
+#include "tests/hostile/Target.h"
+
+#include <chrono>
+
+#include "platform/Clock.h"
+
+namespace Hostile {
+
+using Vask::Platform::SystemClock;
+
+namespace {
+
+constexpr std::uint32_t kPatienceMs = 30'000;
+// How long a good frame has until the next one is sent, on a new link.
+constexpr std::uint32_t kTryMs = 3'000;
+// A byte takes so long to be read where that is slowest.
+constexpr std::size_t kBytesPerMs = 2;
+// The agent takes counts of streams up to 1024.
+constexpr int kMostStreams = 1000;
+
+Simulator::ServerOptions PeerOptions() {
+  Simulator::ServerOptions options;
+  options.port = Contract::kLinkPort;
+  options.answerUpdates = false;
+  options.keepBytes = false;
+  options.keepMessages = false;
+  return options;
+}
+
+}  // namespace
+
+Target::Target() : m_peer(PeerOptions()) {}
+
+std::string Target::Begin() {
+  if (!m_peer.Start()) return "the agent's port is taken";
+  if (!m_module.Init().result) return "the module does not start";
+  if (!m_peer.WaitForConnections(1)) return "the link does not come up";
+  return Serves(false);
+}
+
+std::string Target::Take(const Input& input) {
+  const std::size_t connections = Connections();
+  const std::size_t ends = Ends();
+  // False when the agent has ended the connection meanwhile, which is looked at
+  // below.
+  static_cast<void>(m_peer.Send(input.bytes));
+  const std::chrono::milliseconds patience(kPatienceMs + input.bytes.size() * kBytesPerMs);
+  if (input.then == Then::PeerDrops) m_peer.Drop();
+  if (input.then == Then::InStep) {
+    const std::string wrong = Serves();
+    return wrong.empty() && Ends() != ends ? "the agent ended the link" : wrong;
+  }
+  const auto ended = [=](const Simulator::Record& record) { return record.ends.size() > ends; };
+  if (!m_peer.WaitFor(ended, patience)) return "the agent did not end the link";
+  if (!m_peer.WaitForConnections(connections + 1)) return "the link did not come back";
+  return Serves(false);
+}
+
+std::string Target::Serves(bool firstFrameCounts) {
+  m_count = m_count % kMostStreams + 1;
+  const std::uint32_t start = SystemClock().TickMs();
+  const std::uint32_t tryMs = firstFrameCounts ? kPatienceMs : kTryMs;
+  bool applied = false;
+  do {
+    static_cast<void>(m_peer.Send(StreamsFrame(m_count, 0)));
+    applied = Comes("INT " + std::to_string(m_count), tryMs);
+  } while (!applied && SystemClock().TickMs() - start < kPatienceMs);
+  if (!applied) return "the next good frame was not applied";
+  return m_module.GetNext("P.1.9") == "0 P.2.0 = INT " + std::to_string(m_count)
+             ? ""
+             : "GetNext answers something else";
+}
+
+std::string Target::Flood(std::size_t frames, bool takeTraps) {
+  const std::string failed = StreamsFrame(1, 1);
+  const std::string good = StreamsFrame(1, 0);
+  for (std::size_t i = 0; i < frames; ++i) {
+    if (!m_peer.Send(i % 2 == 0 ? failed : good)) return "the link ended under the flood";
+    if (takeTraps && i % 64 == 0) m_module.TakeTraps();
+  }
+  return Serves();
+}
+
+bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {
+  const std::string wanted = "0 P.2.0 = " + value;
+  const std::uint32_t start = SystemClock().TickMs();
+  while (m_module.Get("P.2.0") != wanted) {
+    if (SystemClock().TickMs() - start > patienceMs) return false;
+    SystemClock().SleepMs(1);
+  }
+  return true;
+}
+
+std::size_t Target::Connections() const {
+  std::size_t count = 0;
+  static_cast<void>(m_peer.WaitFor([&](const Simulator::Record& record) {
+    count = record.connections;
+    return true;
+  }));
+  return count;
+}
+
+std::size_t Target::Ends() const {
+  std::size_t count = 0;
+  static_cast<void>(m_peer.WaitFor([&](const Simulator::Record& record) {
+    count = record.ends.size();
+    return true;
+  }));
+  return count;
+}
+
+}  // namespace Hostile

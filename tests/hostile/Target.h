@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "simulator/CorvaneServer.h"
+#include "tests/contract/LogFolder.h"
+#include "tests/contract/Module.h"
+#include "tests/hostile/Inputs.h"
+
+namespace Hostile {
+
+// The built module, started, and the hostile peer on its link. One thread.
+//
+// What goes wrong is answered as a phrase; the empty text is good.
+class Target {
+ public:
+  Target();
+
+  // Waits for the link, and for a good frame to be served.
+  std::string Begin();
+
+  // Sends an input, lets become of the link what must, and checks that the agent
+  // serves on.
+  std::string Take(const Input& input);
+
+  // Whether the next good frame is applied and a Get answers with it. On a link
+  // that has just come back it may take more than one.
+  std::string Serves(bool firstFrameCounts = true);
+
+  // Good frames without a pause, each of which raises a trap; every so many
+  // frames the traps are taken.
+  std::string Flood(std::size_t frames, bool takeTraps);
+
+  Contract::Module& Module() { return m_module; }
+  Simulator::CorvaneServer& Peer() { return m_peer; }
+
+ private:
+  bool Comes(const std::string& value, std::uint32_t patienceMs);
+  std::size_t Connections() const;
+  std::size_t Ends() const;
+
+  Contract::LogFolder m_log;
+  Simulator::CorvaneServer m_peer;
+  Contract::Module m_module;
+  int m_count = 0;  // what the last good frame said
+};
+
+}  // namespace Hostile
