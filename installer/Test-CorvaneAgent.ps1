@@ -92,10 +92,17 @@ function Get-LastLogLine([object[]] $Files, [string[]] $Texts) {
     }
 }
 
+# When a line that Get-LastLogLine found was written: the day is in the file's name.
+function Get-LineTime($Hit) {
+    $text = $Hit.Filename.Substring(3, 10) + ' ' + $Hit.Line.Substring(0, 8)
+    return [DateTime]::ParseExact($text, 'yyyy-MM-dd HH:mm:ss', [Globalization.CultureInfo]::InvariantCulture)
+}
+
 # --- 1: the service -----------------------------------------------------------
 
 $serviceProcess = 0
 $serviceStart = (Get-Date).AddDays(-1)
+$startIsKnown = $false
 $service = Get-Service -Name SNMP -ErrorAction SilentlyContinue
 if ($null -eq $service) {
     Write-Verdict 'FAIL' '1 service' 'The SNMP Service is not installed. It is an optional feature of Windows.'
@@ -111,6 +118,7 @@ else {
     $serviceProcess = [int] $details.ProcessId
     try {
         $serviceStart = (Get-Process -Id $serviceProcess).StartTime
+        $startIsKnown = $true
         Write-Verdict 'ok' '1 service' "Running as $($details.StartName), process $serviceProcess, since $serviceStart."
     }
     catch {
@@ -233,6 +241,10 @@ else {
     if ($null -eq $last) {
         $running = $true
         Write-Verdict 'warn' '7 agent log' "Neither a start nor an end in $($files.Count) file(s); the newest was written $($files[0].LastWriteTime)."
+    }
+    elseif ($last.Line.Contains($Started) -and $startIsKnown -and
+        (Get-LineTime $last) -lt $serviceStart.AddSeconds(-5)) {
+        Write-Verdict 'FAIL' '7 agent log' "Not loaded since the service's start; the last time was $(Get-LineTime $last)."
     }
     elseif ($last.Line.Contains($Started)) {
         $running = $true

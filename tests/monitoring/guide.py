@@ -4,6 +4,7 @@
     guide.py script-lines PROJECT    the same for the lines that the script looks for
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
+    guide.py alerts GUIDE            alert and waiting time of its table
     guide.py files PROJECT           files that the guides name and that do not exist
     guide.py commands SCRIPT         the commands that the script runs
     guide.py brackets SCRIPT         brackets and quotes of the script that do not match
@@ -68,6 +69,10 @@ def traps(guide):
             for number, name, severity, _, cleared in rows(guide, "number"))
 
 
+def alerts(guide):
+    return sorted(f"{name} {wait}" for name, wait, *_ in rows(guide, "alert"))
+
+
 def files(project):
     for guide in ("docs/operating.md", "monitoring/README.md"):
         named = re.findall(r"`((?:monitoring/|\.\./|zabbix/|prometheus/|grafana/|icinga2/|nagios/|snmptt/|snmptrapd/)"
@@ -110,6 +115,6 @@ def brackets(path):
 
 if __name__ == "__main__":
     print("\n".join({
-        "log-lines": log_lines, "script-lines": script_lines, "variables": variables, "traps": traps,
+        "log-lines": log_lines, "script-lines": script_lines, "variables": variables, "traps": traps, "alerts": alerts,
         "files": files, "commands": commands, "brackets": brackets,
     }[sys.argv[1]](sys.argv[2])))
