@@ -45,14 +45,18 @@ LogFolder::LogFolder() {
   UseTemporaryFolder();
 #endif
   m_base = CommonData() / "Veltrin Systems";
-  const fs::path logs = m_base / "Corvane" / "SNMP" / "Logs";
+  const fs::path logs = Path();
   if (!fs::exists(logs)) return;
   for (const auto& file : fs::directory_iterator(logs)) fs::remove(file.path());
 }
 
+fs::path LogFolder::Path() {
+  return CommonData() / "Veltrin Systems" / "Corvane" / "SNMP" / "Logs";
+}
+
 std::vector<std::string> LogFolder::Lines() const {
   std::vector<std::string> lines;
-  const fs::path logs = m_base / "Corvane" / "SNMP" / "Logs";
+  const fs::path logs = Path();
   if (!fs::exists(logs)) return lines;
   std::vector<fs::path> files;
   for (const auto& file : fs::directory_iterator(logs)) files.push_back(file.path());

@@ -14,6 +14,9 @@ class LogFolder {
  public:
   LogFolder();
 
+  // The folder itself, whether it is there or not.
+  static std::filesystem::path Path();
+
   // The log's lines since the start, over all files, without time stamps and
   // line ends: "Info: text".
   std::vector<std::string> Lines() const;

@@ -1,5 +1,6 @@
 #include "tests/hostile/Target.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "platform/Clock.h"
@@ -10,7 +11,7 @@ using Vask::Platform::SystemClock;
 
 namespace {
 
-constexpr std::uint32_t kPatienceMs = 30'000;
+constexpr std::uint32_t kPatienceMs = 120'000;
 // How long a good frame has until the next one is sent, on a new link.
 constexpr std::uint32_t kTryMs = 3'000;
 // A byte takes so long to be read where that is slowest.
@@ -84,9 +85,11 @@ std::string Target::Flood(std::size_t frames, bool takeTraps) {
 bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {
   const std::string wanted = "0 P.2.0 = " + value;
   const std::uint32_t start = SystemClock().TickMs();
+  std::uint32_t pauseMs = 1;  // grows: each look costs the machine lines of log
   while (m_module.Get("P.2.0") != wanted) {
     if (SystemClock().TickMs() - start > patienceMs) return false;
-    SystemClock().SleepMs(1);
+    SystemClock().SleepMs(pauseMs);
+    pauseMs = std::min<std::uint32_t>(2 * pauseMs, 64);
   }
   return true;
 }

@@ -1,0 +1,234 @@
+// soak [--minutes N] [--every SECONDS]: the module under everything at once, for
+// that long. Pollers walk its variables and take its traps while a peer sends
+// what no peer should, floods, falls silent, goes and comes back, while the log's
+// files are renamed and removed under it, and while it is unloaded and started
+// again.
+//
+// Prints a table: memory, handles and threads over time, taken while the peer is
+// still. Fails when the module stops serving, and when any of them grows after
+// the first quarter.
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/Clock.h"
+#include "tests/contract/Library.h"
+#include "tests/hostile/Inputs.h"
+#include "tests/hostile/Sanitized.h"
+#include "tests/hostile/Target.h"
+
+namespace Hostile {
+
+namespace {
+
+using Vask::Platform::SystemClock;
+
+// Managers, of which the module sees the host's threads.
+class Pollers {
+ public:
+  explicit Pollers(Contract::Module& module) {
+    for (int i = 0; i < 2; ++i) {
+      m_threads.emplace_back([this, &module] {
+        while (!m_stopping) Walk(module);
+      });
+    }
+    m_threads.emplace_back([this, &module] {
+      while (!m_stopping) {
+        module.TakeTraps();
+        SystemClock().SleepMs(50);
+      }
+    });
+  }
+  ~Pollers() {
+    m_stopping = true;
+    for (std::thread& thread : m_threads) thread.join();
+  }
+  Pollers(const Pollers&) = delete;
+  Pollers& operator=(const Pollers&) = delete;
+
+ private:
+  static void Walk(Contract::Module& module) {
+    std::string name = "P";
+    for (std::string answer = module.GetNext(name); answer.starts_with("0 ");
+         answer = module.GetNext(name)) {
+      name = answer.substr(2, answer.find(" = ") - 2);
+      module.Get(name);
+    }
+    SystemClock().SleepMs(200);
+  }
+
+  std::atomic<bool> m_stopping{false};
+  std::vector<std::thread> m_threads;
+};
+
+struct Sample {
+  double minutes;
+  std::size_t heap;
+  std::size_t resident;
+  std::size_t handles;
+  std::size_t threads;
+};
+
+class Soak {
+ public:
+  Soak(double minutes, double everySeconds)
+      : m_lengthMs(minutes * 60'000), m_everyMs(everySeconds * 1'000) {}
+
+  // Answers the exit status.
+  int Run() {
+    std::printf("%8s %12s %12s %8s %8s %8s\n", "minutes", "heap KiB", "resident KiB", "handles",
+                "threads", "rounds");
+    while (PassedMs() < m_lengthMs) {
+      const std::string wrong = LiveOnce();
+      if (wrong.empty()) continue;
+      std::printf("FAILED: %s\n0 passed, 1 failed\n", wrong.c_str());
+      return 1;
+    }
+    const int failed = Growths();
+    std::printf("%d passed, %d failed\n", failed == 0 ? 1 : 0, failed);
+    return failed == 0 ? 0 : 1;
+  }
+
+ private:
+  static constexpr int kRoundsOfALife = 200;
+  static constexpr std::size_t kLongest = 2'000;
+
+  double PassedMs() const { return static_cast<double>(SystemClock().TickMs() - m_startMs); }
+
+  // From a module's start to its unload.
+  std::string LiveOnce() {
+    Target target;
+    const std::string began = target.Begin();
+    if (!began.empty()) return began;
+    const Pollers pollers(target.Module());
+    for (int i = 0; i < kRoundsOfALife && PassedMs() < m_lengthMs; ++i) {
+      std::string what;
+      const std::string wrong = Round(target, what);
+      if (!wrong.empty()) return what + ": " + wrong;
+      ++m_rounds;
+      if (PassedMs() >= m_nextSampleMs) TakeSample();
+    }
+    return {};
+  }
+
+  std::string Round(Target& target, std::string& what) {
+    const auto take = [&](const Input& input) {
+      what = input.name;
+      return target.Take(input);
+    };
+    switch (m_random() % 8) {
+      case 0:
+        return take(RandomStream(m_random));
+      case 1:
+        what = "flood";
+        return target.Flood(50, false);
+      case 2:
+        what = "peer that goes and comes back";
+        target.Peer().RefuseFor(std::chrono::milliseconds(300));
+        return take({what, "", Then::PeerDrops});
+      case 3:
+        what = "log file out of the way";
+        DisturbLog();
+        return target.Serves();
+      case 4:
+      case 5:
+        return take(DamagedFrame(m_random));
+      default:
+        return take(m_listed[m_random() % m_listed.size()]);
+    }
+  }
+
+  // As far as the system lets: today's file renamed, or removed, while it is open.
+  void DisturbLog() {
+    std::error_code ignored;
+    const std::filesystem::path folder = Contract::LogFolder::Path();
+    for (const auto& file : std::filesystem::directory_iterator(folder, ignored)) {
+      if (m_random() % 2 == 0) {
+        std::filesystem::rename(file.path(), folder / "aside", ignored);
+      } else {
+        std::filesystem::remove(file.path(), ignored);
+      }
+    }
+  }
+
+  void TakeSample() {
+    m_nextSampleMs = PassedMs() + m_everyMs;
+    SystemClock().SleepMs(300);
+    const Sample sample{PassedMs() / 60'000, Contract::HeldMemory(), Contract::ResidentMemory(),
+                        Contract::OpenHandles(), Contract::RunningThreads()};
+    m_samples.push_back(sample);
+    std::printf("%8.2f %12zu %12zu %8zu %8zu %8zu\n", sample.minutes, sample.heap / 1024,
+                sample.resident / 1024, sample.handles, sample.threads, m_rounds);
+  }
+
+  // The least in the second quarter of the time against the least in the last:
+  // what is in use for a moment does not count.
+  int Growths() const {
+    const struct {
+      const char* name;
+      std::size_t Sample::*value;
+      std::size_t allowance;
+      bool counts;
+    } rows[] = {
+        {"heap", &Sample::heap, 32 * 1024, true},
+        {"resident", &Sample::resident, 1024 * 1024, !kSanitized},
+        {"handles", &Sample::handles, 0, true},
+        {"threads", &Sample::threads, 0, true},
+    };
+    int failed = 0;
+    for (const auto& row : rows) {
+      const std::size_t early = Least(row.value, 0.25, 0.5);
+      const std::size_t late = Least(row.value, 0.75, 1);
+      const bool grew = row.counts && late > early + row.allowance;
+      std::printf("%-9s %10zu in the second quarter, %10zu in the last%s\n", row.name, early, late,
+                  grew ? "  FAILED: grew" : "");
+      failed += grew ? 1 : 0;
+    }
+    return failed;
+  }
+
+  std::size_t Least(std::size_t Sample::*value, double from, double to) const {
+    const double length = m_lengthMs / 60'000;
+    std::size_t least = SIZE_MAX;
+    for (const Sample& sample : m_samples) {
+      if (sample.minutes < from * length || sample.minutes > to * length + 1) continue;
+      least = std::min(least, sample.*value);
+    }
+    return least;
+  }
+
+  const double m_lengthMs;
+  const double m_everyMs;
+  const std::uint32_t m_startMs = SystemClock().TickMs();
+  const std::vector<Input> m_listed = ListedInputs(kLongest);
+  std::mt19937 m_random{3};
+  double m_nextSampleMs = 0;
+  std::size_t m_rounds = 0;
+  std::vector<Sample> m_samples;
+};
+
+}  // namespace
+
+}  // namespace Hostile
+
+int main(int argc, char** argv) {
+  double minutes = 1;
+  double every = 10;
+  for (int i = 1; i + 1 < argc; i += 2) {
+    (std::string(argv[i]) == "--minutes" ? minutes : every) = std::atof(argv[i + 1]);
+  }
+  if (minutes <= 0 || every <= 0) return 2;
+  std::setvbuf(stdout, nullptr, _IONBF, 0);
+  Contract::CountWholeHeap();
+  return Hostile::Soak(minutes, every).Run();
+}
