@@ -13,13 +13,19 @@ AsnObjectIdentifier* Argument(const AsnObjectIdentifier& name) noexcept {
   return const_cast<AsnObjectIdentifier*>(&name);
 }
 
-void AppendDotted(std::string& text, const AsnObjectIdentifier& name) {
-  char digits[10];  // 4294967295
+constexpr std::size_t kMostDigits = 10;  // 4294967295
+
+std::size_t RoomForDotted(const AsnObjectIdentifier& name) noexcept {
+  return name.idLength * (kMostDigits + 1);
+}
+
+// Answers where the text ends.
+char* WriteDotted(char* at, const AsnObjectIdentifier& name) noexcept {
   for (UINT i = 0; i < name.idLength; ++i) {
-    if (i > 0) text.push_back('.');
-    const auto end = std::to_chars(digits, digits + sizeof digits, name.ids[i]).ptr;
-    text.append(digits, end);
+    if (i > 0) *at++ = '.';
+    at = std::to_chars(at, at + kMostDigits, name.ids[i]).ptr;
   }
+  return at;
 }
 
 }  // namespace
@@ -66,17 +72,14 @@ int CompareWhole(const AsnObjectIdentifier& first, const AsnObjectIdentifier& se
 }
 
 std::string DottedText(const AsnObjectIdentifier& name) {
-  std::string text;
-  text.reserve(std::size_t{name.idLength} * 4);
-  AppendDotted(text, name);
+  std::string text(RoomForDotted(name), '\0');
+  const char* end = WriteDotted(text.data(), name);
+  text.resize(static_cast<std::size_t>(end - text.data()));
   return text;
 }
 
 std::string DottedText(const AsnObjectIdentifier& prefix, const AsnObjectIdentifier& suffix) {
-  std::string text = DottedText(prefix);
-  text.push_back('.');
-  AppendDotted(text, suffix);
-  return text;
+  return DottedText(prefix) + '.' + DottedText(suffix);
 }
 
 }  // namespace Agent
