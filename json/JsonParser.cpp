@@ -263,10 +263,11 @@ inline void JsonParser::Give(Json* value) {
 
 inline const char* JsonParser::AfterValue(const char* at) {
   do {
-    at = SkipSpace(at);
+    if (*at != ',') at = SkipSpace(at);
     if (*at == ',') {
       if (m_object == nullptr) return at + 1;
-      at = SkipSpace(at + 1);
+      ++at;
+      if (*at != '"') at = SkipSpace(at);
       return *at == '\0' ? Fail(at, kMissingBracket) : ReadKey(at);
     }
     if (*at != (m_object != nullptr ? '}' : ']')) {
@@ -290,7 +291,7 @@ inline const char* JsonParser::ReadKey(const char* at) {
     end = ReadMixedKey(at);
     if (end == nullptr) return nullptr;
   }
-  end = SkipSpace(end);
+  if (*end != ':') end = SkipSpace(end);
   return *end == ':' ? end + 1 : Fail(end, kExpectedColon);
 }
 

@@ -28,25 +28,34 @@ constexpr bool HasDuplicates() {
 }
 static_assert(!HasDuplicates(), "two messages of one name");
 
-constexpr std::uint8_t kLengths[] = {
-#define MESSAGES_LENGTH(name, body, role) sizeof(#name) - 1,
-    MESSAGES_CATALOGUE(MESSAGES_LENGTH)
-#undef MESSAGES_LENGTH
+// A byte that two different names seldom share and two spellings of one name always
+// do.
+constexpr std::uint8_t Mark(std::string_view name) {
+  const auto first = static_cast<unsigned char>(FoldAscii(name.front()));
+  const auto last = static_cast<unsigned char>(FoldAscii(name.back()));
+  return static_cast<std::uint8_t>(name.size() * 26 + first * 6 + last);
+}
+
+constexpr std::uint8_t kMarks[] = {
+#define MESSAGES_MARK(name, body, role) Mark(#name),
+    MESSAGES_CATALOGUE(MESSAGES_MARK)
+#undef MESSAGES_MARK
 };
 
 }  // namespace
 
-// Entry after entry, in order, and of each the length before the text: nearly
-// every message passes over most of the catalogue, and memchr does that for many
-// lengths at a time.
+// Entry after entry, in order, and of each the mark before the text: nearly every
+// message passes over most of the catalogue, and memchr does that for many marks
+// at a time.
 std::size_t FindInCatalogue(std::string_view name) noexcept {
-  const std::uint8_t* const end = std::end(kLengths);
-  const auto length = static_cast<std::uint8_t>(name.size());  // SameName compares it whole
-  for (const std::uint8_t* next = kLengths; next != end; ++next) {
+  if (name.empty()) return kCatalogueSize;
+  const std::uint8_t* const end = std::end(kMarks);
+  const std::uint8_t mark = Mark(name);
+  for (const std::uint8_t* next = kMarks; next != end; ++next) {
     const auto left = static_cast<std::size_t>(end - next);
-    next = static_cast<const std::uint8_t*>(std::memchr(next, length, left));
+    next = static_cast<const std::uint8_t*>(std::memchr(next, mark, left));
     if (next == nullptr) return kCatalogueSize;
-    const auto i = static_cast<std::size_t>(next - kLengths);
+    const auto i = static_cast<std::size_t>(next - kMarks);
     if (SameName(kCatalogue[i].name, name)) return i;
   }
   return kCatalogueSize;
