@@ -123,6 +123,30 @@ TEST_F(DailyLogDiskTest, AFolderThatVanishesCostsTheFileUntilTheLogIsOpenedAgain
   EXPECT_EQ(folder.Bytes("logs/Log2018-05-15.log"), before + Line("again"));
 }
 
+// Whoever tidies up may do so while the log has its file open.
+TEST_F(DailyLogDiskTest, AFileThatIsRenamedWhileOpenKeepsTheDaysLines) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  log.Info("before\n");
+  fs::rename(folder.NativePath() / kTodaysName, folder.NativePath() / "aside.txt");
+  log.Info("after\n");
+  EXPECT_EQ(folder.Bytes("aside.txt"), Line("before") + Line("after"));
+  EXPECT_FALSE(Exists(kTodaysName));
+  clock.Advance(kDayMs);
+  log.Info("next day\n");
+  EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("next day"));
+}
+
+TEST_F(DailyLogDiskTest, AFileThatIsRemovedWhileOpenTakesItsDayAlongAndNoOther) {
+  ASSERT_TRUE(log.Open(folder.Path().c_str()));
+  log.Info("before\n");
+  ASSERT_TRUE(fs::remove(folder.NativePath() / kTodaysName));
+  log.Info("gone with it\n");
+  clock.Advance(kDayMs);
+  log.Info("next day\n");
+  EXPECT_FALSE(Exists(kTodaysName));
+  EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("next day"));
+}
+
 // Runs the program beside this one that writes lines to the log in a folder, and
 // answers its exit status.
 int RunLogWriter(const TempFolder& folder, const char* word) {

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Runs a program with file systems that only it sees: one of 64 KiB, one that is
+# read-only. They go with it.
+#
+#   in-own-mounts.sh PROGRAM [ARGUMENTS...]
+set -euo pipefail
+
+if [[ -z "${CORVANE_MOUNTS-}" ]]; then
+  CORVANE_MOUNTS=$(mktemp -d)
+  export CORVANE_MOUNTS
+  trap 'rmdir "$CORVANE_MOUNTS"' EXIT
+  as_root=()
+  ((EUID == 0)) || as_root=(--map-root-user)
+  unshare --mount "${as_root[@]}" "$0" "$@"
+  exit
+fi
+
+mount -t tmpfs -o size=256k none "$CORVANE_MOUNTS"
+mkdir "$CORVANE_MOUNTS/full" "$CORVANE_MOUNTS/read-only"
+mount -t tmpfs -o size=64k none "$CORVANE_MOUNTS/full"
+mount -t tmpfs -o ro none "$CORVANE_MOUNTS/read-only"
+exec "$@"
