@@ -16,9 +16,9 @@ namespace {
 
 constexpr char kProduct[] = R"({"messageType":{"Product":{"Name":"N","Version":"V"}}})";
 
-// An array takes two bytes, an object at least six, and each is a value of its
-// own on the heap, the object with a dictionary.
-constexpr std::size_t kMemoryPerNestedByte = 150;
+// A number or an array takes two bytes, an empty text or object three, and each is
+// a value of its own on the heap, an object that holds something with a dictionary.
+constexpr std::size_t kMemoryPerByteOfTinyValues = 150;
 
 std::string Frame(std::string_view body) {
   std::string frame;
@@ -138,12 +138,25 @@ void AddNesting(Inputs& inputs, std::size_t depth) {
     const std::string whole = open + row.value + Repeated(row.close, depth);
     const std::string name = row.name + std::string(" nested ") + std::to_string(depth);
     const auto add = [&](const std::string& what, const std::string& bytes) {
-      inputs.push_back({name + what, bytes, Then::InStep, kMemoryPerNestedByte});
+      inputs.push_back({name + what, bytes, Then::InStep, kMemoryPerByteOfTinyValues});
     };
     add("", Frame(whole));
     add(", cut", Frame(open));
     add(" in a handled message", Message("SNMPmessage", "{\"a\":" + whole + "}"));
   }
+}
+
+// A message that is nothing but the smallest values that there are.
+void AddManyValues(Inputs& inputs, std::size_t length) {
+  for (const char* const value : {"1", "null", "\"\"", "[]", "{}", "\"a\"", "{\"a\":1}"}) {
+    const std::string values = Repeated(std::string(value) + ",", length / 4) + "0";
+    inputs.push_back({"many of " + std::string(value), Frame("[" + values + "]"), Then::InStep,
+                      kMemoryPerByteOfTinyValues});
+  }
+  std::string members;
+  for (std::size_t i = 0; i < length / 8; ++i) members += "\"" + std::to_string(i) + "\":1,";
+  inputs.push_back({"many members", Message("SNMPmessage", "{" + members + "\"a\":1}"),
+                    Then::InStep, kMemoryPerByteOfTinyValues});
 }
 
 // Every way in which bytes can fail to be UTF-8, and escapes that stand for no
@@ -260,6 +273,7 @@ Inputs ListedInputs(std::size_t longest) {
   AddKeys(inputs, longest);
   AddTexts(inputs, longest);
   AddNesting(inputs, longest);
+  AddManyValues(inputs, longest);
   AddMalformedTexts(inputs);
   AddZeros(inputs);
   return inputs;
