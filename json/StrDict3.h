@@ -335,12 +335,11 @@ inline const char* StrDict3<T>::Path::Extend(Node** link, const char* at,
     NodeRun nodes = m_dictionary.OfferNodes();
     if (nodes.end - nodes.begin > m_room) nodes.end = nodes.begin + m_room;
     Node* node = nodes.begin;
-    for (;;) {
+    for (Node* const last = nodes.end - 1;; ++node) {
       node->hasValue = 0;
       node->ch = ch;
       ch = folding.Fold(*++at);
-      if (ch == 0 || node + 1 == nodes.end) break;
-      ++node;
+      if (ch == 0 || node == last) break;
     }
     m_dictionary.TakeNodes(node + 1);
     m_node = node;
