@@ -19,4 +19,8 @@ few=$(instructions 100)
 many=$(instructions 600)
 frame=$(((many - few) / (500 * 4)))
 echo "$frame instructions a frame, at most $limit"
-((frame > 0 && frame <= limit))
+if ((frame <= 0 || frame > limit)); then
+  echo "0 passed, 1 failed"
+  exit 1
+fi
+echo "1 passed, 0 failed"
