@@ -155,7 +155,10 @@ void DailyLog::Notify(const MessageHistoryCopy& history, ListenerCall call) {
   for (std::size_t i = 0; i < nodes; ++i) {
     IListener* const listener = ListenerAt(i);
     if (listener == nullptr) continue;
-    (listener->*call)(history.Blocks(), history.Count(), history.TotalLength());
+    try {
+      (listener->*call)(history.Blocks(), history.Count(), history.TotalLength());
+    } catch (...) {  // its own affair: the others are told all the same
+    }
   }
 }
 

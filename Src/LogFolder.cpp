@@ -1,5 +1,7 @@
 #include "Src/LogFolder.h"
 
+#include <new>
+
 #include "Src/LogFileName.h"
 
 namespace Vask {
@@ -12,10 +14,15 @@ struct Enumeration {
   void* context;
 };
 
-bool VisitEnumerated(const Platform::FileEntry& file, void* context) {
+// The seam that calls it lets no exception through.
+bool VisitEnumerated(const Platform::FileEntry& file, void* context) noexcept {
   const auto& enumeration = *static_cast<const Enumeration*>(context);
-  const std::string path = enumeration.folder + file.name;
-  return enumeration.callback(file.name, path.c_str(), enumeration.context);
+  try {
+    const std::string path = enumeration.folder + file.name;
+    return enumeration.callback(file.name, path.c_str(), enumeration.context);
+  } catch (...) {
+    return false;
+  }
 }
 
 struct CleanUp {
@@ -24,10 +31,14 @@ struct CleanUp {
   std::int64_t cutOff;
 };
 
-bool DeleteIfOld(const Platform::FileEntry& file, void* context) {
+bool DeleteIfOld(const Platform::FileEntry& file, void* context) noexcept {
   const auto& cleanUp = *static_cast<const CleanUp*>(context);
   const std::int64_t age = file.createdAt != -1 ? file.createdAt : file.writtenAt;
-  if (age < cleanUp.cutOff) cleanUp.files.Delete((cleanUp.folder + file.name).c_str());
+  if (age >= cleanUp.cutOff) return true;
+  try {
+    cleanUp.files.Delete((cleanUp.folder + file.name).c_str());
+  } catch (const std::bad_alloc&) {  // the next clean-up finds it again
+  }
   return true;
 }
 

@@ -19,11 +19,12 @@ class LogFolder {
   [[nodiscard]] const std::string& Path() const noexcept { return m_path; }
 
   // Calls `callback` for each log file until it answers false; false exactly
-  // then.
+  // then, and when it throws or there is no memory for a path.
   bool Enumerate(Platform::Files& files, IDailyLog::LogFileCallback callback, void* context) const;
 
   // Deletes every log file that was created (or, where that is unknown, last
-  // written) before `cutOff`, in seconds since the epoch.
+  // written) before `cutOff`, in seconds since the epoch. One that there is no
+  // memory for stays until the next time.
   void DeleteOlderThan(Platform::Files& files, std::int64_t cutOff) const;
 
  private:

@@ -93,9 +93,12 @@ void LogPrinter::Format(char (&text)[kTextCapacity], const char* format,
   std::snprintf(text, sizeof text, "Invalid message format: '%s'!\n", format);
 }
 
-void LogPrinter::Deliver(const Level& level, const char* text) {
+void LogPrinter::Deliver(const Level& level, const char* text) noexcept {
   if (IDailyLog* const target = m_target.load(std::memory_order_acquire)) {
-    (target->*level.write)(text);
+    try {
+      (target->*level.write)(text);
+    } catch (...) {  // a line must never cost its writer anything
+    }
   } else {
     PrintToConsole(level.name, text);
   }
@@ -103,7 +106,7 @@ void LogPrinter::Deliver(const Level& level, const char* text) {
 
 // One write for the whole line, so that lines of several threads or processes
 // stay whole; it is not buffered, so there is nothing to flush.
-void LogPrinter::PrintToConsole(const char* levelName, const char* text) {
+void LogPrinter::PrintToConsole(const char* levelName, const char* text) noexcept {
   const bool compact = m_compact.load(std::memory_order_relaxed);
   if (!compact && !m_console.load(std::memory_order_relaxed)) return;
   constexpr std::size_t kLongestLevel = sizeof "Warning: ";

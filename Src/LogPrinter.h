@@ -35,7 +35,8 @@ class ILoggingOutput {
 // The one printer of the process: formats a message and passes the finished
 // text to the daily log, or to the console while there is none. It knows
 // nothing of files. Every operation may be called from any thread; nothing is
-// ever reported as failed.
+// ever reported as failed, and no exception of the log's or of its listeners
+// reaches who logs.
 //
 // It holds nothing but itself, so it can be asked for at any time: whoever logs
 // after it was destroyed at unload gets a new one that writes to the console.
@@ -86,8 +87,8 @@ class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogP
 
   void Format(char (&text)[kTextCapacity], const char* format,
               std::va_list arguments) const noexcept;
-  void Deliver(const Level& level, const char* text);
-  void PrintToConsole(const char* levelName, const char* text);
+  void Deliver(const Level& level, const char* text) noexcept;
+  void PrintToConsole(const char* levelName, const char* text) noexcept;
   void RememberError(const char* text) noexcept;
 
   std::atomic<IDailyLog*> m_target{nullptr};

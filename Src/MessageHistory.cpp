@@ -8,10 +8,13 @@ MessageHistory::~MessageHistory() {
 }
 
 // The chunks that the slot has are filled again where they are; what it lacks
-// comes from the free list, and what it does not need goes there.
+// comes from the free list, and what it does not need goes there. Once all are
+// there nothing can fail.
 void MessageHistory::Store(std::string_view timeStamp, std::string_view prefix,
                            std::string_view text) {
   Slot& slot = m_slots[m_current];
+  constexpr std::size_t kChunk = MessageChunk::kCapacity;
+  Reserve(slot.chunks, 1 + (text.size() + kChunk - 1) / kChunk);
   if (++m_current == kSlots) m_current = 0;
   if (m_used < kSlots) ++m_used;
   slot.length = static_cast<std::uint32_t>(timeStamp.size() + prefix.size() + text.size());
@@ -47,11 +50,14 @@ MessageHistoryCopy MessageHistory::Copy() const {
   return copy;
 }
 
+void MessageHistory::Reserve(const MessageChunkList& message, std::size_t chunks) {
+  while (message.Count() + m_free.Count() < chunks) m_free.Append(new MessageChunk);
+}
+
 MessageChunk* MessageHistory::ChunkAfter(MessageChunk* previous, MessageChunkList& message) {
   MessageChunk* chunk = previous == nullptr ? message.Head() : previous->Next();
   if (chunk == nullptr) {
     chunk = m_free.TakeHead();
-    if (chunk == nullptr) chunk = new MessageChunk;
     message.Append(chunk);
   }
   chunk->Clear();

@@ -45,6 +45,7 @@ class MessageHistory {
 
   // Stores a message in place of the oldest. Its first chunk holds the time
   // stamp and as much of the prefix as fits; the text begins in the next one.
+  // Throws std::bad_alloc, and nothing has changed, when there is no memory.
   void Store(std::string_view timeStamp, std::string_view prefix, std::string_view text);
 
   [[nodiscard]] MessageHistoryCopy Copy() const;
@@ -58,6 +59,8 @@ class MessageHistory {
     std::uint32_t length = 0;
   };
 
+  // Sees to it that a message and the free list together have so many chunks.
+  void Reserve(const MessageChunkList& message, std::size_t chunks);
   // The empty chunk that follows `previous`, null for the first, in a message.
   MessageChunk* ChunkAfter(MessageChunk* previous, MessageChunkList& message);
   static void FreeAll(MessageChunkList& list) noexcept;

@@ -1,5 +1,6 @@
 #include "Src/ThreadClass.h"
 
+#include <new>
 #include <utility>
 
 #include "Src/LogPrinter.h"
@@ -23,9 +24,9 @@ ThreadClass::~ThreadClass() {
 bool ThreadClass::Start() {
   if (m_pTask != nullptr || !m_started.Valid() || !m_finished.Valid()) return false;
   OnStart();
-  auto task = std::make_unique<Win32Task>(m_threading,
-                                          Platform::ThreadEntry{&Enter, this, m_finished.Handle()});
-  if (!task->Valid()) return false;
+  const Platform::ThreadEntry entry{&Enter, this, m_finished.Handle()};
+  std::unique_ptr<Win32Task> task(new (std::nothrow) Win32Task(m_threading, entry));
+  if (task == nullptr || !task->Valid()) return false;
   m_pTask = std::move(task);
   return m_started.Wait(Platform::kInfinite);
 }

@@ -20,7 +20,8 @@ class ThreadClass {
   ThreadClass& operator=(const ThreadClass&) = delete;
 
   // Starts the thread and waits until it runs. False when there is a thread
-  // already, or when the system cannot create one; then none is left.
+  // already, or when there is no memory or the system cannot create one; then
+  // none is left.
   [[nodiscard]] bool Start();
 
   // Tells the body to end (OnStop), waits without limit until it has, and

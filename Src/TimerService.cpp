@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Src/LogPrinter.h"
+
 namespace Vask {
 
 namespace {
@@ -42,8 +44,9 @@ void TimerService::OnStop() {
 
 void TimerService::SetTimer(std::uint32_t periodMs, ITimerServiceClient* client) {
   const Platform::CriticalSectionLock lock(m_lock);
+  TimerNode* const node = m_nodes.Take();  // may throw, so it comes first
   RemoveUnnamed(client);
-  Add(periodMs, client);
+  Add(node, periodMs, client);
 }
 
 void TimerService::KillTimer(ITimerServiceClient* client) {
@@ -62,8 +65,9 @@ bool TimerService::KillTimerIf(ITimerServiceClient* client, bool (*condition)(vo
 void TimerService::ReplaceTimerAnd(std::uint32_t periodMs, ITimerServiceClient* client,
                                    void (*change)(void* context), void* context) {
   const Platform::CriticalSectionLock lock(m_lock);
+  TimerNode* const node = m_nodes.Take();  // may throw, so it comes first
   RemoveAll(client);
-  Add(periodMs, client);
+  Add(node, periodMs, client);
   change(context);
 }
 
@@ -72,7 +76,17 @@ void TimerService::Run() {
   for (;;) {
     (void)m_wake.Wait(timeoutMs);  // woken or timed out: both are a reason to look
     if (!m_running.load(std::memory_order_relaxed)) return;
-    timeoutMs = Step();
+    timeoutMs = StepGuarded();
+  }
+}
+
+// A client that throws loses this one call: its timer was armed again before.
+std::uint32_t TimerService::StepGuarded() noexcept {
+  try {
+    return Step();
+  } catch (...) {
+    LogPrinter::Instance().Error("Vask::TimerService::Run: exception!\n");
+    return 0;
   }
 }
 
@@ -99,8 +113,7 @@ std::uint64_t TimerService::Now() {
   return m_tickExtension + tick;
 }
 
-void TimerService::Add(std::uint32_t periodMs, ITimerServiceClient* client) {
-  TimerNode* const node = m_nodes.Take();
+void TimerService::Add(TimerNode* node, std::uint32_t periodMs, ITimerServiceClient* client) {
   *node =
       TimerNode{.dueMs = Now() + periodMs, .periodMs = RepeatPeriod(periodMs), .client = client};
   Insert(node);

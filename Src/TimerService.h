@@ -22,7 +22,8 @@ namespace Vask {
 //
 // SetTimer and its kin may be called from any thread, from OnTimer too. Killing
 // a timer does not wait for a call that has begun: a client lives until the
-// service has stopped, or makes sure in another way.
+// service has stopped, or makes sure in another way. A client that throws is
+// called again at its next turn; the log says "Vask::TimerService::Run: exception!".
 class TimerService final : private ThreadClass, public Thread::SingletonRef<TimerService> {
  public:
   // The default arguments make the process's own service.
@@ -38,7 +39,9 @@ class TimerService final : private ThreadClass, public Thread::SingletonRef<Time
   // timers stay and go on with the next start. Not to be called from OnTimer.
   void StopService();
 
-  // Replaces the client's timer, if it has one.
+  // Replaces the client's timer, if it has one. Like ReplaceTimerAnd it throws
+  // std::bad_alloc, with nothing changed, when there is no memory for another
+  // timer than there ever were at a time.
   void SetTimer(std::uint32_t periodMs, ITimerServiceClient* client) VASK_EXCLUDES(m_lock);
   // Removes all of the client's timers.
   void KillTimer(ITimerServiceClient* client) VASK_EXCLUDES(m_lock);
@@ -68,7 +71,9 @@ class TimerService final : private ThreadClass, public Thread::SingletonRef<Time
   void OnStop() override;
 
   std::uint64_t Now() VASK_REQUIRES(m_lock);
-  void Add(std::uint32_t periodMs, ITimerServiceClient* client) VASK_REQUIRES(m_lock);
+  std::uint32_t StepGuarded() noexcept;
+  void Add(TimerNode* node, std::uint32_t periodMs, ITimerServiceClient* client)
+      VASK_REQUIRES(m_lock);
   void Insert(TimerNode* node) VASK_REQUIRES(m_lock);
   TimerNode TakeFirstAndRearm() VASK_REQUIRES(m_lock);
   void RemoveUnnamed(ITimerServiceClient* client) VASK_REQUIRES(m_lock);
