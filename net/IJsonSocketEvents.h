@@ -4,7 +4,8 @@ namespace Vask {
 
 // Hears how the link to the peer comes and goes. Every operation is called on
 // the link's reader thread, without any lock, and may take its time: nothing is
-// read meanwhile.
+// read meanwhile. An exception of OnConnected ends the connection; the others
+// must not throw.
 class IJsonSocketEvents {
  public:
   virtual void OnConnecting() = 0;     // before every attempt to connect

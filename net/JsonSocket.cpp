@@ -85,10 +85,22 @@ void JsonSocket::OnStop() {
 
 void JsonSocket::Run() {
   while (IsRunning()) {
-    if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) break;
-    if (!ReadOneByte()) LoseConnection();
+    if (!RunOneRound()) LoseConnection();
   }
   m_readerLeft.Set();
+}
+
+// False when the connection is of no use any more. A byte that cannot be kept
+// for want of memory, and a listener that throws, cost the connection and not
+// the process.
+bool JsonSocket::RunOneRound() {
+  try {
+    if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) return true;
+    return ReadOneByte();
+  } catch (...) {
+    ReportFault(m_errorSink, "Vask::JsonSocket::Run: exception!");
+    return false;
+  }
 }
 
 // True with a connection, false when it is time to stop.
@@ -119,9 +131,7 @@ bool JsonSocket::TryToConnect() {
   return false;
 }
 
-// False when the connection is of no use any more. A byte that cannot be kept
-// for want of memory, and a listener that throws, cost the connection and not
-// the process.
+// False at the end of the connection and after a fault of the stream.
 bool JsonSocket::ReadOneByte() {
   const Platform::SocketHandle handle = m_socket.Handle();
   const Platform::Readiness readiness = m_sockets.WaitReadable(handle, kPollMs);
@@ -130,11 +140,7 @@ bool JsonSocket::ReadOneByte() {
   if (readiness == Platform::Readiness::Failed || m_sockets.Receive(handle, &byte, 1) != 1) {
     return false;
   }
-  try {
-    return m_reader.ProcessByte(byte);
-  } catch (...) {
-    return false;
-  }
+  return m_reader.ProcessByte(byte);
 }
 
 // The socket stays as it is until the next attempt to connect.

@@ -28,7 +28,9 @@ class IOnJsonMessageText;
 // Its reader thread connects at once and, after a failure, every kRetryMs;
 // reads the stream byte by byte; and calls the listener, the events and, for
 // faults of the stream, the error sink. A fault of the stream or the end of the
-// connection is followed by a new attempt at once.
+// connection is followed by a new attempt at once; so is an exception of the
+// listener or of OnConnected, which is reported as
+// "Vask::JsonSocket::Run: exception!".
 //
 // The owner's thread sets it up, opens, stops and destroys it. OnJsonMessage,
 // RequestStop, GetState and IsRunning may be called from any thread.
@@ -86,6 +88,7 @@ class JsonSocket : private ThreadClass, public IOnJsonMessage {
   void Run() override;
   void OnStop() override;
 
+  bool RunOneRound();
   bool ConnectUntilStopped();
   bool TryToConnect();
   bool ReadOneByte();
