@@ -43,14 +43,33 @@ bool DecodeInteger(const JsonObject& object, const RecordTable& table, const Fie
          CheckRange(table, field, value);
 }
 
+// Destroys what is being decoded unless it is kept, also when memory runs out on
+// the way.
+class Unfinished {
+ public:
+  Unfinished(void (*destroy)(void*), void* object) : m_destroy(destroy), m_object(object) {}
+  ~Unfinished() {
+    if (m_object != nullptr) m_destroy(m_object);
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  void Keep() { m_object = nullptr; }
+
+ private:
+  void (*const m_destroy)(void*);
+  void* m_object;
+};
+
 // False only for a member that is no object. A faulty element is dropped: one
 // bad entry must not hide the others.
 bool DecodeElement(const JsonObject& elements, const char* key, const Field& field, void* list) {
   const JsonObject* body = GetObjProperty(elements, key, false);
   if (body == nullptr) return false;
   void* element = field.list->create();
-  if (!DecodeRecord(*body, *field.record, element) || !field.list->insert(list, key, element)) {
-    field.list->destroy(element);
+  Unfinished unfinished(field.list->destroy, element);
+  if (DecodeRecord(*body, *field.record, element) && field.list->insert(list, key, element)) {
+    unfinished.Keep();
   }
   return true;
 }
@@ -79,10 +98,9 @@ bool DecodeUnion(const JsonObject& object, const UnionTable& table, void* choice
     if (alternative.record != nullptr) {
       void* member = alternative.member(choice);
       alternative.construct(member);
-      if (!DecodeRecord(*body, *alternative.record, member)) {
-        alternative.destroy(member);
-        return false;
-      }
+      Unfinished unfinished(alternative.destroy, member);
+      if (!DecodeRecord(*body, *alternative.record, member)) return false;
+      unfinished.Keep();
     }
     tag = i;
     return true;

@@ -15,7 +15,7 @@ namespace Messages {
 //
 // It holds no state and runs on whichever thread calls it; a record belongs to
 // one thread at a time. Faults are reported through messages/ErrorReport.h and
-// answered; nothing throws.
+// answered; nothing throws but std::bad_alloc, which leaves nothing behind.
 
 // Fills a record, which must be as its constructor left it, from `object`, field
 // by field. The first fault is reported and answers false; the fields before it

@@ -29,8 +29,8 @@ HandlerList::~HandlerList() {
 }
 
 void HandlerList::Subscribe(Function handler) {
-  Unsubscribe(handler);
   Node* node = new Node{nullptr, handler, nullptr, false, ++m_clock, LastCallOf(handler)};
+  Unsubscribe(handler);  // only now that nothing can fail
   (m_tail != nullptr ? m_tail->next : m_head) = node;
   m_tail = node;
   m_count.fetch_add(1, std::memory_order_relaxed);

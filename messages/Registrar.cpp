@@ -1,6 +1,7 @@
 #include "messages/Registrar.h"
 
 #include <cstdarg>
+#include <new>
 #include <string>
 
 #include "json/JsonNumber.h"
@@ -177,11 +178,22 @@ bool Registrar::Process(const JsonObject& message) {
 }
 
 bool Registrar::SendSNMPupdate() {
-  return Send("SNMPupdate", new JsonObject());
+  return BuildAndSend("SNMPupdate", [] { return new JsonObject(); });
 }
 
 bool Registrar::SendSNMPtrap(const SNMPtrap& trap) {
-  return Send("SNMPtrap", EncodeStruct_SNMPtrap(trap));
+  return BuildAndSend("SNMPtrap", [&] { return EncodeStruct_SNMPtrap(trap); });
+}
+
+// Want of memory costs the message only, not what the caller does besides.
+template <class Build>
+bool Registrar::BuildAndSend(const char* name, Build build) {
+  try {
+    return Send(name, build());
+  } catch (const std::bad_alloc&) {
+    ReportError("Messages::Registrar::Send: No memory for a message '%s'", name);
+    return false;
+  }
 }
 
 // Takes the caller's reference to `data` over; null is a body that could not be

@@ -88,7 +88,9 @@ class Registrar final : public Vask::IOnJsonMessageText,
   void ReportError(const char* format, ...) VASK_PRINTF_FORMAT(2, 3);
 
   // Build the message and hand it to the sender, if there is one. True when the
-  // message could be built, whatever became of it; a trap without a type cannot.
+  // message could be built, whatever became of it; a trap without a type cannot,
+  // nor can any without memory, which is reported as
+  // "Messages::Registrar::Send: No memory for a message '%s'".
   bool SendSNMPupdate();
   bool SendSNMPtrap(const SNMPtrap& trap);
 
@@ -114,6 +116,8 @@ class Registrar final : public Vask::IOnJsonMessageText,
       VASK_NO_THREAD_SAFETY_ANALYSIS;  // the count is atomic
   bool Process(const Vask::JsonObject& message);
   [[nodiscard]] const char* From() const noexcept;
+  template <class Build>
+  bool BuildAndSend(const char* name, Build build);
   bool Send(const char* name, Vask::JsonObject* data);
 
   std::atomic<Vask::IOnJsonMessage*> m_sender{nullptr};
