@@ -42,8 +42,14 @@ bool Lifecycle::Start() {
   LogPrinter::Instance().Info("Starting Corvane SNMP extension agent..\n");
   // Without timers the agent still serves what it has.
   static_cast<void>(m_parts.timers.StartService());
-  RegisterVariables(m_parts.agent.Variables());
-  RegisterTraps(m_parts.agent.Traps());
+  // A link that runs already must not be touched, nor meet a growing table; but
+  // it does say that it runs.
+  if (!m_parts.link.IsRunning()) {
+    RegisterVariables(m_parts.agent.Variables());
+    RegisterTraps(m_parts.agent.Traps());
+    WireLink();
+    LoadSocketLibraries();
+  }
   return OpenLink();
 }
 
@@ -61,12 +67,7 @@ bool Lifecycle::OpenLog() {
   return true;
 }
 
-// A link that runs already must not be touched, but it does say so.
 bool Lifecycle::OpenLink() {
-  if (!m_parts.link.IsRunning()) {
-    WireLink();
-    LoadSocketLibraries();
-  }
   if (m_parts.link.OpenThread()) return true;
   LogPrinter::Instance().Error("Unable to open JsonSocket!\n");
   return false;

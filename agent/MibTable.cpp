@@ -35,22 +35,19 @@ MIB_ENTRY* MibTable::RegisterSequence(const AsnObjectIdentifier& suffix, const c
   return Register(std::make_unique<MIB_ENTRY>(suffix, kTypeSequence, name), next);
 }
 
-// The place in the list is made first: once the dictionary knows the variable,
+// What needs memory is done first: once the dictionary knows the variable,
 // nothing can fail any more.
 MIB_ENTRY* MibTable::Register(std::unique_ptr<MIB_ENTRY> entry, MIB_ENTRY* next) {
   if (Find(entry->m_name.c_str()) != nullptr) return nullptr;
   std::unique_ptr<OrderedEntries::Node> node(OrderedEntries::MakeNode(m_prefix, *entry));
-  if (node == nullptr || !m_entries.Insert(entry->m_name.c_str(), entry.get())) return nullptr;
+  if (node == nullptr) return nullptr;
+  const std::string dotted = DottedText(m_prefix, entry->m_oid);
+  if (!m_entries.Insert(entry->m_name.c_str(), entry.get())) return nullptr;
   entry->m_next = next;
-  Dump(*entry);
+  Vask::LogPrinter::Instance().Info("MIB TABLE '%s':%s = %s\n", entry->m_name.c_str(),
+                                    TypeWord(entry->m_type), dotted.c_str());
   m_ordered.Insert(node.release());
   return entry.release();
-}
-
-void MibTable::Dump(const MIB_ENTRY& entry) const {
-  Vask::LogPrinter::Instance().Info("MIB TABLE '%s':%s = %s\n", entry.m_name.c_str(),
-                                    TypeWord(entry.m_type),
-                                    DottedText(m_prefix, entry.m_oid).c_str());
 }
 
 MIB_ENTRY* MibTable::Find(const char* name) const {

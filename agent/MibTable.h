@@ -33,8 +33,9 @@ class MibTable {
 
   // Registers a variable, logs it, and answers the new entry, which the table
   // owns: null when the name is empty or taken (the first stays) or when there
-  // is no memory. `suffix` refers to a constant array, never freed; `next` is
-  // the variable that a walk goes on with after this one, null for the last.
+  // is no memory for the value or its place. Throws std::bad_alloc, and has done
+  // nothing, when there is none for anything else. `suffix` refers to a constant array, never
+  // freed; `next` is the variable that a walk goes on with after this one, null for the last.
   MIB_ENTRY* RegisterInt(const AsnObjectIdentifier& suffix, const char* name, MIB_ENTRY* next,
                          std::int32_t initial);
   MIB_ENTRY* RegisterString(const AsnObjectIdentifier& suffix, const char* name, MIB_ENTRY* next,
@@ -72,7 +73,6 @@ class MibTable {
 
  private:
   MIB_ENTRY* Register(std::unique_ptr<MIB_ENTRY> entry, MIB_ENTRY* next);
-  void Dump(const MIB_ENTRY& entry) const;
 
   INT AnswerInt(const MIB_ENTRY& entry, AsnAny& value) const;
   INT AnswerString(const MIB_ENTRY& entry, AsnAny& value) const;

@@ -13,7 +13,6 @@ using Vask::LogPrinter;
 
 void MyConnectNotify::ChangeState(LinkState state) {
   if (m_linkState.load(std::memory_order_relaxed) == state) return;
-  m_agent.Variables().SetInt(VariableName("LinkStatus"), state);
   if (state == kConnected) {
     TakeUpConnection();
   } else {
@@ -23,7 +22,8 @@ void MyConnectNotify::ChangeState(LinkState state) {
 
 // The timer and the state change together under the timer service's lock: a
 // tick that is just about to end the asking of an earlier connection sees
-// either both or none, and cannot end that of this one.
+// either both or none, and cannot end that of this one. Where there is no memory
+// for a timer, nothing has changed but the log.
 void MyConnectNotify::TakeUpConnection() {
   LogPrinter::Instance().Info("Connection to Corvane process established..\n");
   m_timers.ReplaceTimerAnd(
@@ -33,10 +33,12 @@ void MyConnectNotify::TakeUpConnection() {
                                                                std::memory_order_relaxed);
       },
       this);
+  m_agent.Variables().SetInt(VariableName("LinkStatus"), kConnected);
   m_firstConnection = false;
 }
 
 void MyConnectNotify::TakeLoss() {
+  m_agent.Variables().SetInt(VariableName("LinkStatus"), kLost);
   if (!m_agent.Terminating()) {
     LogPrinter::Instance().Warning("Lost connection to Corvane process!\n");
     m_agent.Traps().Queue(TrapName("TrapSoftwareLinkDown"));

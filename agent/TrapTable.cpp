@@ -16,10 +16,10 @@ TrapTable::~TrapTable() {
 TRAP_ENTRY* TrapTable::Register(std::uint32_t specificTrap, const char* name) {
   if (Find(name) != nullptr) return nullptr;
   std::unique_ptr<TRAP_ENTRY> entry(new TRAP_ENTRY{specificTrap, name});
-  if (!m_traps.Insert(name, entry.get())) return nullptr;
   const UINT number[] = {specificTrap};
-  LogPrinter::Instance().Info("TRAP TABLE '%s' = %s\n", name,
-                              DottedText(m_prefix, Lend(number)).c_str());
+  const std::string dotted = DottedText(m_prefix, Lend(number));
+  if (!m_traps.Insert(name, entry.get())) return nullptr;
+  LogPrinter::Instance().Info("TRAP TABLE '%s' = %s\n", name, dotted.c_str());
   return entry.release();
 }
 

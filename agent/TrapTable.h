@@ -25,7 +25,8 @@ class TrapTable {
   TrapTable& operator=(const TrapTable&) = delete;
 
   // Registers a trap, logs it, and answers the new entry, which the table owns:
-  // null when the name is empty or taken (the first number stays).
+  // null when the name is empty or taken (the first number stays). Throws
+  // std::bad_alloc, and has done nothing, when there is no memory.
   TRAP_ENTRY* Register(std::uint32_t specificTrap, const char* name);
 
   // The trap of that name in any spelling of its letters; null when there is none.

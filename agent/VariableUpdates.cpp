@@ -1,5 +1,7 @@
 #include "agent/VariableUpdates.h"
 
+#include <utility>
+
 #include "Src/LogPrinter.h"
 #include "agent/ChangeTraps.h"
 #include "agent/MyConnectNotify.h"
@@ -62,13 +64,12 @@ void VariableUpdates::UpdateAudioSources(const SNMPmessage::AudioSources& source
 
 void VariableUpdates::Compare(std::int32_t count, std::uint32_t& last, const ChangeGroup& group) {
   const auto now = static_cast<std::uint32_t>(count);
-  if (const ChangeTrap* const trap = TrapOfChange(group, last, now)) {
-    m_agent.Traps().Queue(trap->name);
-    Messages::SNMPtrap report;
-    report.m_trapType.m_tag = trap->trapType;
-    m_registrar.SendSNMPtrap(report);
-  }
-  last = now;
+  const ChangeTrap* const trap = TrapOfChange(group, std::exchange(last, now), now);
+  if (trap == nullptr) return;
+  m_agent.Traps().Queue(trap->name);
+  Messages::SNMPtrap report;
+  report.m_trapType.m_tag = trap->trapType;
+  m_registrar.SendSNMPtrap(report);
 }
 
 }  // namespace Agent

@@ -2,6 +2,7 @@
 
 #include <iterator>
 
+#include "Src/LogPrinter.h"
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
 
@@ -14,6 +15,9 @@ void RegisterVariables(MibTable& table) {
     next = row->type == kTypeInt
                ? table.RegisterInt(suffix, row->name, next, row->number)
                : table.RegisterString(suffix, row->name, next, row->capacity, row->text);
+    if (next == nullptr) next = table.Find(row->name);
+    if (next == nullptr)
+      Vask::LogPrinter::Instance().Error("Unable to register variable '%s'!\n", row->name);
   }
 }
 

@@ -66,8 +66,10 @@ consteval const char* VariableName(std::string_view name) {
 }
 
 // Registers them all, from the last to the first, since each registration takes
-// the entry that follows it. One that fails is left out, and the one before it
-// then has none to follow. Once, on the thread that starts the agent.
+// the entry that follows it. One that is there from an earlier attempt stays. One
+// that there is no memory for is left out, which is logged, and the one before
+// it then has none to follow. On the thread that starts the agent, and not
+// while anybody else uses the table.
 void RegisterVariables(MibTable& table);
 
 }  // namespace Agent
