@@ -6,7 +6,7 @@
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
 #include "agent/TrapQueue.h"
-#include "tests/agent/AllocationFault.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/agent/LifecycleFixture.h"
 #include "tests/agent/TrapFloodFixture.h"
 
@@ -15,6 +15,9 @@ namespace Agent::Tests {
 namespace {
 
 constexpr UINT kFirstSuffix[] = {1, 0};
+
+using Vask::Tests::FailingAllocations;
+using Vask::Tests::HeldBlocks;
 
 using MibTableMemoryTest = EmptyAgentTest;
 

@@ -18,6 +18,9 @@ class DataFolder final : public ForwardingFiles {
     return true;
   }
 
+  // As the system itself writes it.
+  [[nodiscard]] const std::filesystem::path& NativePath() const { return m_folder.NativePath(); }
+
  private:
   TempFolder m_folder;
   const std::string m_path = m_folder.Path();

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <functional>
+#include <string>
+
+#include "net/JsonSocket.h"
+#include "platform/Sockets.h"
+
+namespace Agent::Tests {
+
+// Sockets with a peer behind them that greets every connection with the same
+// bytes and takes whatever it is sent. Once somebody has waited for more, the
+// link is told to stop. Allocates nothing. One thread.
+class ScriptedPeer final : public Vask::Platform::Sockets {
+ public:
+  using Handle = Vask::Platform::SocketHandle;
+  using Address = Vask::Platform::SocketAddress;
+
+  std::string greeting;
+  Vask::JsonSocket* link = nullptr;
+  // Called for the first connection, and when somebody waits for more.
+  std::function<void()> onFirstConnection;
+  std::function<void()> onEnd;
+  int opened = 0;
+  int closed = 0;
+  int connections = 0;
+
+  bool StartUp() noexcept override { return true; }
+  Handle OpenTcp() noexcept override { return static_cast<Handle>(++opened); }
+  Handle OpenUdp() noexcept override { return static_cast<Handle>(++opened); }
+  bool Connect(Handle, const Address&) noexcept override {
+    if (++connections == 1 && onFirstConnection) onFirstConnection();
+    m_read = 0;
+    return true;
+  }
+  void SetBlocking(Handle) noexcept override {}
+  int Send(Handle, const char*, std::size_t length) noexcept override {
+    return static_cast<int>(length);
+  }
+  bool LastErrorWouldBlock() noexcept override { return false; }
+  int Receive(Handle, char* data, std::size_t) noexcept override {
+    *data = greeting[m_read++];
+    return 1;
+  }
+  Vask::Platform::Readiness WaitReadable(Handle, std::uint32_t) noexcept override {
+    if (m_read < greeting.size()) return Vask::Platform::Readiness::Readable;
+    if (onEnd) onEnd();
+    if (link != nullptr) link->RequestStop();
+    return Vask::Platform::Readiness::TimedOut;
+  }
+  Vask::Platform::Disconnection Disconnect(Handle) noexcept override {
+    return Vask::Platform::Disconnection::Done;
+  }
+  void Shutdown(Handle) noexcept override {}
+  void Close(Handle) noexcept override { ++closed; }
+  bool IgnorePortUnreachable(Handle) noexcept override { return true; }
+  void AllowAddressReuse(Handle) noexcept override {}
+  bool Bind(Handle, std::uint16_t) noexcept override { return true; }
+  int SendTo(Handle, const char*, std::size_t length, const Address&) noexcept override {
+    return static_cast<int>(length);
+  }
+  bool LookUp(const char*, std::uint32_t& addressNetworkOrder) noexcept override {
+    addressNetworkOrder = 1;
+    return true;
+  }
+  bool HostName(char* name, std::size_t) noexcept override {
+    std::strcpy(name, "machine");
+    return true;
+  }
+
+ private:
+  std::size_t m_read = 0;  // of the greeting
+};
+
+}  // namespace Agent::Tests
