@@ -49,16 +49,14 @@ const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
 }
 
 // Reads what has arrived, without waiting: bytes that nobody read would turn
-// the close into a reset, and the peer might lose what was sent to it. That bytes
-// are there is no promise that they still are at the read: another thread may
-// have taken them, or been killed while it did.
+// the close into a reset, and the peer might lose what was sent to it. To ask
+// first whether there are any would be no promise that they still are at the
+// read: another thread may take them, or be killed while it does.
 void Drain(SocketHandle socket) noexcept {
-  char scratch[4096];
+  u_long nonBlocking = 1;
+  if (ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) != 0) return;
+  char scratch[16 * 1024];
   for (std::size_t drained = 0; drained < kMostDrainedBytes;) {
-    u_long pending = 0;
-    if (ioctlsocket(socket, FIONREAD, &pending) != 0 || pending == 0) return;
-    u_long nonBlocking = 1;
-    if (ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) != 0) return;
     const int got = recv(socket, scratch, sizeof scratch, 0);
     if (got <= 0) return;
     drained += static_cast<std::size_t>(got);
