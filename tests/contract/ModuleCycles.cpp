@@ -26,6 +26,7 @@
 #include "tests/contract/MachinePauses.h"
 #include "tests/contract/Module.h"
 #include "tests/contract/ProcessEnd.h"
+#include "tests/contract/Stopwatch.h"
 
 namespace {
 
@@ -90,9 +91,9 @@ bool Cycle(const Kind& kind, const Contract::MachinePauses& pauses, std::uint32_
   if (!module.Init().result || !module.GetNext("P.0").starts_with("0 P.0.0 = INT ")) return false;
   if (!kind.comesFarEnough(module)) return false;
   const std::uint32_t pausesMs = pauses.TotalMs();
-  const std::uint32_t start = Vask::Platform::SystemClock().TickMs();
+  const Contract::Stopwatch watch;
   module.Unload();
-  const std::uint32_t tookMs = Vask::Platform::SystemClock().TickMs() - start;
+  const std::uint32_t tookMs = watch.Ms();
   stopMs = tookMs - std::min(tookMs, pauses.TotalMs() - pausesMs);
   return true;
 }
