@@ -242,7 +242,7 @@ Scale UsualScale() {
   const char* const wish = std::getenv("CORVANE_HOSTILE");
   const bool full = wish != nullptr && std::string_view(wish) == "full";
 #if defined(_WIN32)
-  return full ? Scale{400, 400, 10'000, 1'000, false, 100'000}
+  return full ? Scale{400, 400, 2'000, 1'000, false, 20'000}
               : Scale{100, 100, 200, 100, false, 1'000};
 #else
   if (kSanitized) return {50, 1'000, 2'000, 2'000, false, 10'000};

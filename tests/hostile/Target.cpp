@@ -14,8 +14,8 @@ namespace {
 constexpr std::uint32_t kPatienceMs = 120'000;
 // How long a good frame has until the next one is sent, on a new link.
 constexpr std::uint32_t kTryMs = 3'000;
-// A byte takes so long to be read where that is slowest.
-constexpr std::size_t kBytesPerMs = 2;
+// How long a byte takes to be read where that is slowest, and something else runs.
+constexpr std::size_t kSlowestByteMs = 2;
 // The agent takes counts of streams up to 1024.
 constexpr int kMostStreams = 1000;
 
@@ -45,10 +45,10 @@ std::string Target::Take(const Input& input) {
   // False when the agent has ended the connection meanwhile, which is looked at
   // below.
   static_cast<void>(m_peer.Send(input.bytes));
-  const std::chrono::milliseconds patience(kPatienceMs + input.bytes.size() * kBytesPerMs);
+  const std::chrono::milliseconds patience(kPatienceMs + input.bytes.size() * kSlowestByteMs);
   if (input.then == Then::PeerDrops) m_peer.Drop();
   if (input.then == Then::InStep) {
-    const std::string wrong = Serves();
+    const std::string wrong = Serves(true, input.bytes.size());
     return wrong.empty() && Ends() != ends ? "the agent ended the link" : wrong;
   }
   const auto ended = [=](const Simulator::Record& record) { return record.ends.size() > ends; };
@@ -57,15 +57,16 @@ std::string Target::Take(const Input& input) {
   return Serves(false);
 }
 
-std::string Target::Serves(bool firstFrameCounts) {
+std::string Target::Serves(bool firstFrameCounts, std::size_t bytesBefore) {
   m_count = m_count % kMostStreams + 1;
   const std::uint32_t start = SystemClock().TickMs();
-  const std::uint32_t tryMs = firstFrameCounts ? kPatienceMs : kTryMs;
+  const auto patienceMs = static_cast<std::uint32_t>(kPatienceMs + bytesBefore * kSlowestByteMs);
+  const std::uint32_t tryMs = firstFrameCounts ? patienceMs : kTryMs;
   bool applied = false;
   do {
     static_cast<void>(m_peer.Send(StreamsFrame(m_count, 0)));
     applied = Comes("INT " + std::to_string(m_count), tryMs);
-  } while (!applied && SystemClock().TickMs() - start < kPatienceMs);
+  } while (!applied && SystemClock().TickMs() - start < patienceMs);
   if (!applied) return "the next good frame was not applied";
   return m_module.GetNext("P.1.9") == "0 P.2.0 = INT " + std::to_string(m_count)
              ? ""
@@ -79,7 +80,7 @@ std::string Target::Flood(std::size_t frames, bool takeTraps) {
     if (!m_peer.Send(i % 2 == 0 ? failed : good)) return "the link ended under the flood";
     if (takeTraps && i % 64 == 0) m_module.TakeTraps();
   }
-  return Serves();
+  return Serves(true, frames * failed.size());
 }
 
 bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {

@@ -26,8 +26,9 @@ class Target {
   std::string Take(const Input& input);
 
   // Whether the next good frame is applied and a Get answers with it. On a link
-  // that has just come back it may take more than one.
-  std::string Serves(bool firstFrameCounts = true);
+  // that has just come back it may take more than one. So many bytes may still lie
+  // before it, of which each takes its time.
+  std::string Serves(bool firstFrameCounts = true, std::size_t bytesBefore = 0);
 
   // Good frames without a pause, each of which raises a trap; every so many
   // frames the traps are taken.
