@@ -11,15 +11,20 @@ export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d'
 wine_holder=
 
 create_wine_prefix() {
-  mkdir -p "$(dirname "$WINEPREFIX")"
   rm -rf "$WINEPREFIX"
   wineboot -i
   wineserver -w
   touch "$WINEPREFIX/.prepared"
 }
 
+# One at a time: tests that run side by side may each be the first to need it. The
+# lock is kept from Wine's own processes, which outlive this.
 prepare_wine_prefix() {
-  [[ -e "$WINEPREFIX/.prepared" ]] || quietly wine-prefix create_wine_prefix
+  mkdir -p "$(dirname "$WINEPREFIX")"
+  (
+    flock 9
+    [[ -e "$WINEPREFIX/.prepared" ]] || quietly wine-prefix create_wine_prefix 9>&-
+  ) 9>"$WINEPREFIX.lock"
 }
 
 # Ended by stop_wine_holder.
