@@ -377,25 +377,23 @@ bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
   if (key == nullptr || *key == '\0') return false;
   const char* at = key;
   signed char ch = m_folding.Fold(*at);
-  Node* last = nullptr;  // of the characters that were found
-  for (Node* node = m_root; ch != 0; node = last->firstChild) {
+  Node* parent = nullptr;
+  for (Node* node = m_root;; node = node->firstChild) {
     while (node != nullptr && node->ch < ch) node = node->nextSibling;
     if (node == nullptr || node->ch != ch) {
       // No path is longer than the limit, so only there can a key be cut.
       if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
       break;
     }
-    last = node;
-    for (const Node* const end = node + node->run; last != end; ++last) {
-      ch = m_folding.Fold(*++at);
-      if (last[1].ch == ch) continue;
-      if (ch != 0) return false;
-      outNode = last;
-      return true;
-    }
     ch = m_folding.Fold(*++at);
+    for (const Node* const end = node + node->run; node != end && ch != 0;) {
+      if ((++node)->ch != ch) return false;
+      ch = m_folding.Fold(*++at);
+    }
+    parent = node;
+    if (ch == 0) break;
   }
-  outNode = last;
+  outNode = parent;
   return true;
 }
 
