@@ -1,0 +1,184 @@
+// How the link's thread comes and goes.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "net/JsonSocket.h"
+#include "platform/ListeningSocket.h"
+#include "tests/net/LinkFixture.h"
+#include "tests/support/RawClient.h"
+
+namespace Vask::Tests {
+namespace {
+
+using Simulator::End;
+using Texts = std::vector<std::string>;
+using std::chrono::milliseconds;
+
+using JsonSocketStopTest = JsonSocketTest;
+
+TEST_F(JsonSocketStopTest, StopGivesThePeerAnOrderlyEnd) {
+  OpenAndConnect();
+  const milliseconds took = Duration([&] { m_link.StopThread(); });
+  EXPECT_LT(took, kOneSecond);
+  ASSERT_TRUE(m_server.WaitForEnds(1));
+  EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
+  EXPECT_FALSE(m_link.IsRunning());
+  EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
+}
+
+TEST_F(JsonSocketStopTest, StopGivesAnOrderlyEndAlsoWithBytesUnread) {
+  class Slow final : public IOnJsonMessageText {
+   public:
+    bool OnJsonMessageText(const char*) override {
+      entered = true;
+      while (!leave) std::this_thread::yield();
+      return true;
+    }
+    std::atomic<bool> entered{false};
+    std::atomic<bool> leave{false};
+  } slow;
+  m_link.SetTextListener(&slow);
+  OpenAndConnect();
+  ASSERT_TRUE(m_server.Send("1#a" + Framed(std::string(50'000, 'x'))));
+  while (!slow.entered) std::this_thread::yield();
+  std::thread stopper([&] { m_link.StopThread(); });
+  while (m_link.IsRunning()) std::this_thread::yield();
+  slow.leave = true;
+  stopper.join();
+  ASSERT_TRUE(m_server.WaitForEnds(1));
+  EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
+}
+
+TEST_F(JsonSocketStopTest, StopDuringAFloodEndsWithinASecond) {
+  OpenAndConnect();
+  std::thread flooder([&] {
+    while (m_server.Send("1#a1#b1#c1#d1#e1#f")) {
+    }
+  });
+  ASSERT_TRUE(WaitForBodies(100));
+  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  flooder.join();
+}
+
+TEST_F(JsonSocketStopTest, StopFreesASenderWhomThePeerKeepsWaiting) {
+  OpenAndConnect();
+  m_server.SetReading(false);
+  std::atomic<int> sent{0};
+  std::thread sender([&] {
+    while (Send('"' + std::string(100'000, 'x') + '"')) ++sent;
+  });
+  // The sender is stuck as soon as nothing goes out any more.
+  for (int before = -1; before != sent;) {
+    before = sent;
+    std::this_thread::sleep_for(milliseconds{200});
+  }
+  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  sender.join();
+}
+
+TEST_F(JsonSocketStopTest, StopFreesAReaderThatSendsToAPeerThatDoesNotRead) {
+  class SendingForEver final : public IOnJsonMessageText {
+   public:
+    explicit SendingForEver(JsonSocket& link) : m_link(link) {}
+    bool OnJsonMessageText(const char*) override {
+      const JsonRef<Json> message = Parsed('"' + std::string(100'000, 'x') + '"');
+      while (m_link.OnJsonMessage(message.Get())) ++sent;
+      return true;
+    }
+    std::atomic<int> sent{0};
+
+   private:
+    JsonSocket& m_link;
+  } sending(m_link);
+  m_link.SetTextListener(&sending);
+  OpenAndConnect();
+  m_server.SetReading(false);
+  ASSERT_TRUE(m_server.Send("1#a"));
+  for (int before = -1; before != sending.sent || before == 0;) {
+    before = sending.sent;
+    std::this_thread::sleep_for(milliseconds{200});
+  }
+  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+}
+
+TEST_F(JsonSocketStopTest, StopEndsTheWaitForTheNextAttempt) {
+  m_server.Stop();
+  ASSERT_TRUE(m_link.OpenThread());
+  ASSERT_TRUE(m_events.recorder.WaitForText("failed"));
+  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+}
+
+TEST_F(JsonSocketStopTest, SecondOpenIsReportedAndHarmsNothing) {
+  OpenAndConnect();
+  EXPECT_FALSE(m_link.OpenThread());
+  EXPECT_EQ(Faults(), Texts{"Vask::JsonSocket::OpenThread open failed"});
+  EXPECT_TRUE(m_link.IsRunning());
+  ASSERT_TRUE(m_server.Send("1#a"));
+  EXPECT_TRUE(WaitForBodies(1));
+  EXPECT_EQ(m_server.GetRecord().connections, 1u);
+}
+
+TEST_F(JsonSocketStopTest, CanBeOpenedAgainAfterAStop) {
+  OpenAndConnect();
+  m_link.StopThread();
+  ASSERT_TRUE(m_link.OpenThread());
+  ASSERT_TRUE(m_server.WaitForConnections(2));
+  ASSERT_TRUE(m_server.Send("1#a"));
+  EXPECT_TRUE(WaitForBodies(1));
+}
+
+TEST_F(JsonSocketStopTest, RequestStopEndsConnectionAndThreadWithoutWaiting) {
+  OpenAndConnect();
+  m_link.RequestStop();
+  EXPECT_FALSE(m_link.IsRunning());
+  ASSERT_TRUE(m_server.WaitForEnds(1));
+  EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
+}
+
+TEST_F(JsonSocketStopTest, DestructorStops) {
+  {
+    JsonSocket link;
+    link.SetPort(m_server.Port());
+    ASSERT_TRUE(link.OpenThread());
+    ASSERT_TRUE(m_server.WaitForConnections(1));
+  }
+  ASSERT_TRUE(m_server.WaitForEnds(1));
+  EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
+}
+
+// A peer whose queue is full, so that a connect neither succeeds nor fails.
+class MidConnectTest : public LinkTest {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(m_listener.Open(0, 0));
+    ASSERT_TRUE(m_inQueue.Connect(m_listener.Port()));
+    m_link.SetPort(m_listener.Port());
+    ASSERT_TRUE(m_link.OpenThread());
+    ASSERT_TRUE(m_events.recorder.WaitForText("connecting"));
+    std::this_thread::sleep_for(milliseconds{300});
+    ASSERT_EQ(m_events.recorder.Texts(), Texts{"connecting"});
+  }
+
+  Platform::ListeningSocket m_listener;
+  RawClient m_inQueue;
+};
+
+TEST_F(MidConnectTest, StopEndsTheConnect) {
+  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_EQ(m_events.recorder.Texts().front(), "connecting");
+}
+
+TEST_F(MidConnectTest, SendingFailsAtOnce) {
+  bool sent = true;
+  EXPECT_LT(Duration([&] { sent = Send("{}"); }), kOneSecond);
+  EXPECT_FALSE(sent);
+}
+
+}  // namespace
+}  // namespace Vask::Tests

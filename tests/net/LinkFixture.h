@@ -1,0 +1,82 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "net/FrameWriter.h"
+#include "net/JsonSocket.h"
+#include "simulator/CorvaneServer.h"
+#include "tests/support/LinkRecorders.h"
+
+namespace Vask::Tests {
+
+inline std::string Framed(const std::string& body) {
+  std::string frame;
+  AppendFrame(frame, body);
+  return frame;
+}
+
+inline JsonRef<Json> Parsed(const std::string& text) {
+  ParseResult result;
+  return JsonRef<Json>(Parse(result, text.c_str()));
+}
+
+// How long a call takes.
+inline std::chrono::milliseconds Duration(const std::function<void()>& call) {
+  const auto start = std::chrono::steady_clock::now();
+  call();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                               start);
+}
+
+inline constexpr std::chrono::milliseconds kOneSecond{1000};
+
+// A link with its recorders; not yet opened.
+class LinkTest : public testing::Test {
+ protected:
+  LinkTest() {
+    m_link.SetTextListener(&m_listener);
+    m_link.SetErrorSink(&m_sink);
+  }
+
+  [[nodiscard]] bool Send(const std::string& json) {
+    const JsonRef<Json> message = Parsed(json);
+    return m_link.OnJsonMessage(message.Get());
+  }
+  std::vector<std::string> Bodies() const { return m_listener.recorder.Texts(); }
+  std::vector<std::string> Faults() const { return m_sink.recorder.Texts(); }
+
+  RecordingTextListener m_listener;
+  RecordingErrorSink m_sink;
+  RecordingSocketEvents m_events;
+  JsonSocket m_link{&m_events};
+};
+
+// A link that is connected to a scripted peer.
+class JsonSocketTest : public LinkTest {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(m_server.Start());
+    m_link.SetPort(m_server.Port());
+  }
+  void TearDown() override { m_link.StopThread(); }
+
+  void OpenAndConnect() {
+    ASSERT_TRUE(m_link.OpenThread());
+    ASSERT_TRUE(m_server.WaitForConnections(1));
+    ASSERT_TRUE(m_events.recorder.WaitForText("connected"));
+  }
+  [[nodiscard]] bool WaitForBodies(std::size_t count) {
+    return m_listener.recorder.WaitForCount(count);
+  }
+
+  Simulator::CorvaneServer m_server{{0, false, true, {}}};
+};
+
+}  // namespace Vask::Tests
