@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "tests/agent/AgentFixture.h"
+#include "tests/agent/TakenTrap.h"
 
 namespace Agent::Tests {
 
@@ -43,13 +44,9 @@ class TrapFloodTest : public ::testing::Test {
 
   // Takes what waits now, as the service does after each wake-up.
   void Drain() {
-    AsnObjectIdentifier enterprise{};
-    AsnInteger generic = 0;
-    AsnInteger specific = 0;
-    std::uint32_t timeStamp = 0;
-    SnmpVarBindList bindings{};
-    while (agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings)) {
-      if (static_cast<std::uint32_t>(specific) != TrapOf(taken).specificTrap) ++outOfOrder;
+    TakenTrap trap;
+    while (trap.TakeFrom(agent)) {
+      if (static_cast<std::uint32_t>(trap.specific) != TrapOf(taken).specificTrap) ++outOfOrder;
       ++taken;
     }
   }

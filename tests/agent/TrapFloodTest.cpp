@@ -1,6 +1,7 @@
 #include <atomic>
 #include <thread>
 
+#include "tests/agent/TakenTrap.h"
 #include "tests/agent/TrapFloodFixture.h"
 
 namespace Agent::Tests {
@@ -28,14 +29,10 @@ TEST_F(TrapFloodTest, PurgeRunsBesideADrainWithoutTouchingWhatItHandsOut) {
   std::thread purger([this, &done] {
     while (!done) agent.Traps().Queue("TrapStreamsOK");
   });
-  AsnObjectIdentifier enterprise{};
-  AsnInteger generic = 0;
-  AsnInteger specific = 0;
-  std::uint32_t timeStamp = 0;
-  SnmpVarBindList bindings{};
+  TakenTrap trap;
   for (std::uint32_t delivered = 0; delivered < 20'000;) {
-    if (!agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings)) continue;
-    EXPECT_EQ(specific, 12);
+    if (!trap.TakeFrom(agent)) continue;
+    EXPECT_EQ(trap.specific, 12);
     ++delivered;
   }
   done = true;

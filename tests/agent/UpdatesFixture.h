@@ -11,6 +11,7 @@
 #include "messages/Registrar.h"
 #include "net/IOnJsonMessage.h"
 #include "tests/agent/AgentFixture.h"
+#include "tests/agent/TakenTrap.h"
 
 namespace Agent::Tests {
 
@@ -50,13 +51,8 @@ class UpdatesTest : public AgentTest {
   // Specific numbers of all traps that wait, taken out of the queue.
   std::vector<AsnInteger> TakeTraps() {
     std::vector<AsnInteger> numbers;
-    AsnObjectIdentifier enterprise{};
-    AsnInteger generic = 0;
-    AsnInteger specific = 0;
-    std::uint32_t timeStamp = 0;
-    SnmpVarBindList bindings{};
-    while (agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings))
-      numbers.push_back(specific);
+    TakenTrap trap;
+    while (trap.TakeFrom(agent)) numbers.push_back(trap.specific);
     return numbers;
   }
 

@@ -1,4 +1,5 @@
 #include "tests/faults/FaultStand.h"
+#include "tests/agent/TakenTrap.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -62,13 +63,8 @@ BOOL FaultStand::Query(BYTE type, Binding& binding) {
 
 std::vector<AsnInteger> FaultStand::TakeTraps() {
   std::vector<AsnInteger> numbers;
-  AsnObjectIdentifier enterprise{};
-  AsnInteger generic = 0;
-  AsnInteger specific = 0;
-  std::uint32_t timeStamp = 0;
-  SnmpVarBindList bindings{};
-  while (whole.entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings) == TRUE)
-    numbers.push_back(specific);
+  TakenTrap trap;
+  while (trap.TakeFrom(whole.entries)) numbers.push_back(trap.specific);
   return numbers;
 }
 

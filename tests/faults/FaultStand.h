@@ -72,6 +72,15 @@ class FaultStand : public FaultMachine {
   WholeAgent whole;
 };
 
+using Lines = std::vector<std::string>;
+using Traps = std::vector<AsnInteger>;
+
+// What Walk answers at any time.
+inline const Lines kWholeWalk{"P.0.0", "P.1.0", "P.1.1", "P.2.0",
+                              "P.2.1", "P.2.2", "P.2.3", "P.2.4"};
+// What the peer's update raises: errors and silence rise from 0, and it is finished.
+inline const Traps kTrapsOfUpdate{13, 15, 17, 10};
+
 // What GetAll answers once the peer's update was applied, and at first.
 std::vector<std::string> UpdatedValues();
 std::vector<std::string> FirstValues();

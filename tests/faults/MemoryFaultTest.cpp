@@ -21,6 +21,7 @@
 #include "messages/Codec.h"
 #include "messages/HandlerList.h"
 #include "messages/SNMPsequence.h"
+#include "tests/agent/TakenTrap.h"
 #include "tests/faults/FaultStand.h"
 #include "tests/support/AllocationFault.h"
 #include "tests/support/RecordingLog.h"
@@ -34,12 +35,6 @@ using Vask::LogPrinter;
 using Vask::Tests::Binding;
 using Vask::Tests::FailingAllocations;
 using Vask::Tests::HeldBlocks;
-
-using Lines = std::vector<std::string>;
-using Traps = std::vector<AsnInteger>;
-
-const Lines kWholeWalk{"P.0.0", "P.1.0", "P.1.1", "P.2.0", "P.2.1", "P.2.2", "P.2.3", "P.2.4"};
-const Traps kTrapsOfUpdate{13, 15, 17, 10};
 
 // After how many allocations memory runs out, and for how many.
 struct Fault {
@@ -207,24 +202,20 @@ TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
   ASSERT_EQ(stand.Init(), TRUE);
   ASSERT_EQ(stand.TakeTraps(), kTrapsOfUpdate);
   const int failed = ForEveryAllocation([&](const Fault& fault) {
-    AsnObjectIdentifier enterprise{};
-    AsnInteger generic = 0;
-    AsnInteger specific = 0;
-    std::uint32_t timeStamp = 0;
-    SnmpVarBindList bindings{};
-    BOOL taken = FALSE;
+    TakenTrap trap;
+    bool taken = false;
     bool reached = false;
     {
       const FailingAllocations failing(fault.allowed, fault.failures);
       stand.whole.agent.Traps().Queue(kLongName);
-      taken = stand.whole.entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings);
+      taken = trap.TakeFrom(stand.whole.entries);
       reached = FailingAllocations::Reached();
     }
-    if (taken == TRUE) {
-      EXPECT_EQ(specific, 20);
+    if (taken) {
+      EXPECT_EQ(trap.specific, 20);
     }
     Traps rest = stand.TakeTraps();
-    EXPECT_LE(rest.size(), taken == TRUE ? 0u : 1u);
+    EXPECT_LE(rest.size(), taken ? 0u : 1u);
     EXPECT_TRUE(stand.whole.agent.Traps().Queue("TrapStreamsOK"));
     EXPECT_EQ(stand.TakeTraps(), Traps{12});
     return reached;

@@ -20,13 +20,6 @@ using Vask::Tests::Binding;
 using Vask::Tests::FaultPlan;
 using Vask::Tests::ForEveryFault;
 
-using Lines = std::vector<std::string>;
-using Traps = std::vector<AsnInteger>;
-
-const Lines kWholeWalk{"P.0.0", "P.1.0", "P.1.1", "P.2.0", "P.2.1", "P.2.2", "P.2.3", "P.2.4"};
-// What the peer's update raises: errors and silence rise from 0, and it is finished.
-const Traps kTrapsOfUpdate{13, 15, 17, 10};
-
 constexpr std::int64_t kDayMs = 86'400'000;
 
 // How often `part` stands in `text`. A line that a day begins in the middle of

@@ -6,6 +6,7 @@
 
 #include "agent/Traps.h"
 #include "agent/Variables.h"
+#include "tests/agent/TakenTrap.h"
 #include "tests/stress/StressFixture.h"
 #include "tests/support/Binding.h"
 
@@ -101,18 +102,16 @@ class StressRoads : public StressTest {
 
   // Traps as the service takes them: all that wait, after each signal.
   void DrainTraps() {
-    AsnObjectIdentifier enterprise{};
-    AsnInteger generic = 0;
-    AsnInteger specific = 0;
-    std::uint32_t timeStamp = 0;
-    SnmpVarBindList bindings{};
+    TakenTrap trap;
     (void)threading.WaitEvent(whole.agent.Traps().EventHandle(), 5);
-    while (whole.entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings) == TRUE) {
+    while (trap.TakeFrom(whole.entries)) {
       const auto known =
           std::find_if(std::begin(kTraps), std::end(kTraps), [&](const TrapRow& row) {
-            return static_cast<AsnInteger>(row.specificTrap) == specific;
+            return static_cast<AsnInteger>(row.specificTrap) == trap.specific;
           });
-      if (known == std::end(kTraps) || generic != 6) Complain("trap " + std::to_string(specific));
+      if (known == std::end(kTraps) || trap.generic != 6) {
+        Complain("trap " + std::to_string(trap.specific));
+      }
       ++traps;
     }
   }
