@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/support/FakeClock.h"
+#include "tests/support/ForwardingThreading.h"
 #include "tests/support/ScriptedThreading.h"
 
 namespace Vask::Tests {
@@ -266,7 +267,7 @@ TEST_F(TimerServiceTest, MoreTimersThanABlockHoldsAllCome) {
 
 // The machine's threads and events; keeps every time-out that is waited with on
 // the service's thread.
-class WaitRecorder final : public Platform::Threading {
+class WaitRecorder final : public ForwardingThreading {
  public:
   // Blocks until the thread has begun that many waits, and answers them.
   std::vector<std::uint32_t> Waits(std::size_t count) {
@@ -275,32 +276,16 @@ class WaitRecorder final : public Platform::Threading {
     return m_waits;
   }
 
-  Platform::NativeHandle CreateEvent(Platform::EventReset reset) noexcept override {
-    return m_system.CreateEvent(reset);
-  }
-  void CloseEvent(Platform::NativeHandle event) noexcept override { m_system.CloseEvent(event); }
-  void SetEvent(Platform::NativeHandle event) noexcept override { m_system.SetEvent(event); }
   bool WaitEvent(Platform::NativeHandle event, std::uint32_t timeoutMs) noexcept override {
     if (std::this_thread::get_id() != m_owner) {
       const std::lock_guard lock(m_mutex);
       m_waits.push_back(timeoutMs);
       m_changed.notify_all();
     }
-    return m_system.WaitEvent(event, timeoutMs);
-  }
-  Platform::NativeHandle StartThread(const Platform::ThreadEntry& entry) noexcept override {
-    return m_system.StartThread(entry);
-  }
-  void JoinThread(Platform::NativeHandle thread,
-                  Platform::NativeHandle finished) noexcept override {
-    m_system.JoinThread(thread, finished);
-  }
-  void CloseThread(Platform::NativeHandle thread) noexcept override {
-    m_system.CloseThread(thread);
+    return ForwardingThreading::WaitEvent(event, timeoutMs);
   }
 
  private:
-  Platform::Threading& m_system = Platform::SystemThreading();
   const std::thread::id m_owner = std::this_thread::get_id();
   std::mutex m_mutex;
   std::condition_variable m_changed;
