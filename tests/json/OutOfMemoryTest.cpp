@@ -1,5 +1,4 @@
 #include <cstdlib>
-#include <limits>
 #include <new>
 #include <string>
 
@@ -7,39 +6,7 @@
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
 #include "tests/json/BalancedTest.h"
-
-namespace {
-
-// How many pieces of memory this program still gets.
-int g_allocationsLeft = std::numeric_limits<int>::max();
-
-void* Allocate(std::size_t size) {
-  if (g_allocationsLeft-- <= 0) throw std::bad_alloc();
-  void* memory = std::malloc(size != 0 ? size : 1);
-  if (memory == nullptr) throw std::bad_alloc();
-  return memory;
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  return Allocate(size);
-}
-void* operator new[](std::size_t size) {
-  return Allocate(size);
-}
-void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory) noexcept {
-  std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
+#include "tests/support/AllocationFault.h"
 
 namespace Vask {
 namespace {
@@ -51,15 +18,12 @@ using OutOfMemoryTest = Tests::BalancedTest;
 template <class Body>
 int FailuresUntilItWorks(Body body) {
   for (int allowed = 0;; ++allowed) {
-    g_allocationsLeft = allowed;
-    bool worked = true;
     try {
+      const Tests::FailingAllocations fromThenOn(allowed);
       body();
-    } catch (const std::bad_alloc&) {
-      worked = false;
+      return allowed;
+    } catch (const std::bad_alloc&) {  // one allocation more, then
     }
-    g_allocationsLeft = std::numeric_limits<int>::max();
-    if (worked) return allowed;
   }
 }
 
