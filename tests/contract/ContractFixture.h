@@ -12,6 +12,7 @@
 #include "tests/contract/LogFolder.h"
 #include "tests/contract/Module.h"
 #include "tests/support/Binding.h"
+#include "tests/support/MachinePauses.h"
 
 namespace Contract {
 
@@ -48,9 +49,7 @@ class ContractTest : public ::testing::Test {
 
   // Milliseconds that unloading takes.
   std::uint32_t TimedUnload() {
-    const std::uint32_t start = Now();
-    module.Unload();
-    return Now() - start;
+    return Vask::Tests::TimedMs([this] { module.Unload(); });
   }
 
   LogFolder log;

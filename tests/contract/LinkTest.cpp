@@ -73,14 +73,13 @@ TEST_F(LinkTest, TimeStampOfATrapIsMillisecondsSinceTheStart) {
   const std::uint32_t before = Now();
   StartLinked();
   const std::uint32_t after = Now();
-  Vask::Platform::SystemClock().SleepMs(300);
+  ASSERT_TRUE(Eventually([&] { return Now() - after >= 300; }));
   ASSERT_TRUE(server->Send(Simulator::CorvaneServer::FrameOfFinish()));
   Module::Trap trap;
   ASSERT_TRUE(Eventually([&] { return module.TakeTrap(trap); }));
   EXPECT_EQ(trap.specific, 10);
   EXPECT_GE(trap.timeStamp, 300u);
   EXPECT_LE(trap.timeStamp, Now() - before);
-  EXPECT_LE(after - before, 20'000u);
 }
 
 TEST_F(LinkTest, EndOfAnUpdateAndLossOfTheMainProcessAreTrappedOnceEach) {

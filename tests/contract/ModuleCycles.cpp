@@ -23,10 +23,9 @@
 #include "tests/contract/Eventually.h"
 #include "tests/contract/Library.h"
 #include "tests/contract/LogFolder.h"
-#include "tests/contract/MachinePauses.h"
 #include "tests/contract/Module.h"
 #include "tests/contract/ProcessEnd.h"
-#include "tests/contract/Stopwatch.h"
+#include "tests/support/MachinePauses.h"
 
 namespace {
 
@@ -86,21 +85,19 @@ std::unique_ptr<Contract::Companion> StartPeer(const char* mode) {
 
 // Milliseconds that the unload took; false, with the reason printed, when the
 // module does not serve.
-bool Cycle(const Kind& kind, const Contract::MachinePauses& pauses, std::uint32_t& stopMs) {
+bool Cycle(const Kind& kind, Vask::Tests::MachinePauses& pauses, std::uint32_t& stopMs) {
   Contract::Module module;
   if (!module.Init().result || !module.GetNext("P.0").starts_with("0 P.0.0 = INT ")) return false;
   if (!kind.comesFarEnough(module)) return false;
-  const std::uint32_t pausesMs = pauses.TotalMs();
-  const Contract::Stopwatch watch;
+  const auto begin = Vask::Tests::MachinePauses::Clock::now();
   module.Unload();
-  const std::uint32_t tookMs = watch.Ms();
-  stopMs = tookMs - std::min(tookMs, pauses.TotalMs() - pausesMs);
+  stopMs = pauses.RunningMsSince(begin);
   return true;
 }
 
 bool CyclesHold(const Kind& kind, int cycles) {
   const auto peer = StartPeer(kind.peer);
-  const Contract::MachinePauses pauses;
+  Vask::Tests::MachinePauses pauses;
   Holdings before{};
   std::uint32_t longestMs = 0;
   for (int i = 1; i <= kWarmUpCycles + cycles; ++i) {
@@ -127,16 +124,14 @@ bool CyclesHold(const Kind& kind, int cycles) {
 
 bool ExitsHold(int exits) {
   const auto peer = StartPeer("flood");
-  const Contract::MachinePauses pauses;
   std::uint32_t longestMs = 0;
   for (int i = 1; i <= exits; ++i) {
-    const std::uint32_t pausesMs = pauses.TotalMs();
     const Contract::ProcessEnd end = Contract::RunToItsEnd(CORVANE_MODULE_EXIT, "busy");
     if (end.status != 0) {
       std::printf("process end %d  FAILED: exit status %d\n", i, end.status);
       return false;
     }
-    longestMs = std::max(longestMs, end.tookMs - std::min(end.tookMs, pauses.TotalMs() - pausesMs));
+    longestMs = std::max(longestMs, end.tookMs);
   }
   const bool good = longestMs <= kLongestEndMs;
   std::printf("%d process ends with busy threads, the longest in %u ms%s\n", exits, longestMs,

@@ -24,8 +24,7 @@ using JsonSocketStopTest = JsonSocketTest;
 
 TEST_F(JsonSocketStopTest, StopGivesThePeerAnOrderlyEnd) {
   OpenAndConnect();
-  const milliseconds took = Duration([&] { m_link.StopThread(); });
-  EXPECT_LT(took, kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
   ASSERT_TRUE(m_server.WaitForEnds(1));
   EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
   EXPECT_FALSE(m_link.IsRunning());
@@ -62,7 +61,7 @@ TEST_F(JsonSocketStopTest, StopDuringAFloodEndsWithinASecond) {
     }
   });
   ASSERT_TRUE(WaitForBodies(100));
-  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
   flooder.join();
 }
 
@@ -78,7 +77,7 @@ TEST_F(JsonSocketStopTest, StopFreesASenderWhomThePeerKeepsWaiting) {
     before = sent;
     std::this_thread::sleep_for(milliseconds{200});
   }
-  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
   sender.join();
 }
 
@@ -104,14 +103,14 @@ TEST_F(JsonSocketStopTest, StopFreesAReaderThatSendsToAPeerThatDoesNotRead) {
     before = sending.sent;
     std::this_thread::sleep_for(milliseconds{200});
   }
-  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
 }
 
 TEST_F(JsonSocketStopTest, StopEndsTheWaitForTheNextAttempt) {
   m_server.Stop();
   ASSERT_TRUE(m_link.OpenThread());
   ASSERT_TRUE(m_events.recorder.WaitForText("failed"));
-  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
 }
 
 TEST_F(JsonSocketStopTest, SecondOpenIsReportedAndHarmsNothing) {
@@ -170,13 +169,13 @@ class MidConnectTest : public LinkTest {
 };
 
 TEST_F(MidConnectTest, StopEndsTheConnect) {
-  EXPECT_LT(Duration([&] { m_link.StopThread(); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
   EXPECT_EQ(m_events.recorder.Texts().front(), "connecting");
 }
 
 TEST_F(MidConnectTest, SendingFailsAtOnce) {
   bool sent = true;
-  EXPECT_LT(Duration([&] { sent = Send("{}"); }), kOneSecond);
+  EXPECT_LT(TimedMs([&] { sent = Send("{}"); }), kOneSecondMs);
   EXPECT_FALSE(sent);
 }
 

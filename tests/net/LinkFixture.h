@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include "net/JsonSocket.h"
 #include "simulator/CorvaneServer.h"
 #include "tests/support/LinkRecorders.h"
+#include "tests/support/MachinePauses.h"
 
 namespace Vask::Tests {
 
@@ -27,15 +27,7 @@ inline JsonRef<Json> Parsed(const std::string& text) {
   return JsonRef<Json>(Parse(result, text.c_str()));
 }
 
-// How long a call takes.
-inline std::chrono::milliseconds Duration(const std::function<void()>& call) {
-  const auto start = std::chrono::steady_clock::now();
-  call();
-  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                               start);
-}
-
-inline constexpr std::chrono::milliseconds kOneSecond{1000};
+inline constexpr std::uint32_t kOneSecondMs = 1000;
 
 // A link with its recorders; not yet opened.
 class LinkTest : public testing::Test {
