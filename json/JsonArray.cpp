@@ -6,23 +6,10 @@ namespace Vask {
 
 JsonArray::~JsonArray() {
   ReleaseChildren();
-  while (m_spare != nullptr) {
-    Cell* cell = m_spare;
-    m_spare = cell->next;
-    delete cell;
-  }
-}
-
-JsonArray::Cell* JsonArray::NewCell() {
-  Cell* cell = m_spare;
-  if (cell == nullptr) return new Cell;
-  m_spare = cell->next;
-  return cell;
 }
 
 void JsonArray::AppendAdopted(Json* value) {
-  Cell* cell = NewCell();
-  *cell = {value, nullptr};
+  Cell* cell = new Cell{value, nullptr};
   (m_tail != nullptr ? m_tail->next : m_head) = cell;
   m_tail = cell;
   ++m_count;
@@ -31,10 +18,10 @@ void JsonArray::AppendAdopted(Json* value) {
 Json* JsonArray::TakeChild() noexcept {
   Cell* cell = m_head;
   if (cell == nullptr) return nullptr;
+  Json* value = cell->value;
   m_head = cell->next;
-  cell->next = m_spare;
-  m_spare = cell;
-  return cell->value;
+  delete cell;
+  return value;
 }
 
 void JsonArray::Write(std::string& out) const {

@@ -72,12 +72,10 @@ class JsonArray final : public Json {
 
  private:
   Json* TakeChild() noexcept override;
-  Cell* NewCell();
 
   Cell* m_head = nullptr;
   Cell* m_tail = nullptr;
   std::uint32_t m_count = 0;
-  Cell* m_spare = nullptr;
 };
 
 }  // namespace Vask
