@@ -13,20 +13,13 @@ namespace {
 constexpr char kInitRaised[] = "Cannot initialize SNMP extension agent: exception!\n";
 constexpr char kQueryRaised[] = "Cannot query the SNMP extension agent: exception!\n";
 
-void ReportException(const char* line) noexcept {
-  try {
-    LogPrinter::Instance().Error("%s", line);
-  } catch (...) {  // not even the log works: the caller still gets its answer
-  }
-}
-
 // The service is a C program, which an exception would end.
 template <class Body>
 BOOL Guarded(const char* line, Body body) noexcept {
   try {
     return body() ? TRUE : FALSE;
   } catch (...) {
-    ReportException(line);
+    LogPrinter::Instance().Error("%s", line);
     return FALSE;
   }
 }
