@@ -11,6 +11,9 @@
 //   view.7          answers FALSE
 //   view.8          INTEGER; GetNext of it answers its own name
 //   view.9          INTEGER; setting it to N queues the traps 1 to N
+//
+// Every other Set is refused: with wrongValue where it brings the text "two" to
+// view.2 or the OBJECT IDENTIFIER 1.3.6.2 to view.5, else with notWritable.
 
 #include <cstdint>
 #include <cstdio>
@@ -141,7 +144,21 @@ int GetNext(SnmpVarBind& binding, const Ids& asked) {
   return 2;
 }
 
+bool IsText(const AsnAny& value, const char* text) {
+  const AsnOctetString& string = value.asnValue.string;
+  return value.asnType == ASN_OCTETSTRING && string.length == std::strlen(text) &&
+         std::memcmp(string.stream, text, string.length) == 0;
+}
+
+bool IsName(const AsnAny& value, const Ids& name) {
+  const AsnObjectIdentifier& object = value.asnValue.object;
+  return value.asnType == ASN_OBJECTIDENTIFIER &&
+         Ids(object.ids, object.ids + object.idLength) == name;
+}
+
 int Set(const SnmpVarBind& binding, const Ids& asked) {
+  if (asked.back() == 2 && IsText(binding.value, "two")) return 10;
+  if (asked.back() == 5 && IsName(binding.value, {1, 3, 6, 2})) return 10;
   if (asked.back() != 9 || binding.value.asnType != ASN_INTEGER) return 17;
   trapsLeft = binding.value.asnValue.number;
   trapsSent = 0;
