@@ -86,6 +86,20 @@ TEST(ThreadClassTest, ABodyThatEndedByItselfIsStillJoinedByStop) {
   EXPECT_EQ(worker.deeds, (std::vector<std::string>{"start", "body ends", "stop"}));
 }
 
+TEST(ThreadClassTest, ABodyThatEndsByItselfNeedsNoHooks) {
+  class Errand final : public ThreadClass {
+   public:
+    std::atomic<bool> isDone{false};
+
+   private:
+    void Run() override { isDone = true; }
+  };
+  Errand errand;
+  ASSERT_TRUE(errand.Start());
+  errand.Stop();
+  EXPECT_TRUE(errand.isDone);
+}
+
 TEST(ThreadClassTest, AThreadThatCannotBeCreatedLeavesNoTask) {
   ScriptedThreading threading;
   threading.nextThread = nullptr;

@@ -194,6 +194,49 @@ TEST_F(MemoryFaultTest, RequestThatFindsNoMemoryIsRefusedAndAnsweredTheNextTime)
   }
 }
 
+// The agent's own variables hold no SEQUENCE; a table that does is walked by the
+// same rules.
+TEST_F(MemoryFaultTest, StepThroughASequenceThatFindsNoMemoryIsTakenTheNextTime) {
+  struct Row {
+    const char* what;
+    const char* name;
+    const char* answer;
+  };
+  constexpr UINT kSuffixes[][2] = {{1, 0}, {2, 0}, {3, 0}};
+  Vask::Tests::FakeClock clock;
+  SNMPExtensionAgent agent(clock, Vask::Platform::SystemThreading());
+  MibTable& table = agent.Variables();
+  MIB_ENTRY* const last = table.RegisterInt(Lend(kSuffixes[2]), "Last", nullptr, 7);
+  MIB_ENTRY* const passed = table.RegisterInt(Lend(kSuffixes[1]), "Passed", last, 6);
+  MIB_ENTRY* const rows = table.RegisterSequence(Lend(kSuffixes[0]), "Rows", passed);
+  MibTable::AddRow(*rows, "a", "b");
+
+  for (const Row& row : {
+           Row{"to the first cell", "P.1.0", "P.1.0.1.1.1 = STRING 'a'"},
+           Row{"to the next cell", "P.1.0.1.1.1", "P.1.0.1.2.1 = STRING 'b'"},
+           Row{"out of the SEQUENCE", "P.1.0.1.2.1", "P.3.0 = INT 7"},
+       }) {
+    SCOPED_TRACE(row.what);
+    const int failed = ForEveryAllocation([&](const Fault& fault) {
+      INT status = SNMP_ERRORSTATUS_GENERR;
+      Binding binding(row.name);
+      bool reached = false;
+      try {
+        const FailingAllocations failing(fault.allowed, fault.failures);
+        status = agent.GetNextRequest(binding.Get());
+      } catch (const std::bad_alloc&) {  // the entry point refuses the request
+      }
+      reached = FailingAllocations::Reached();
+      EXPECT_EQ(status, reached ? SNMP_ERRORSTATUS_GENERR : SNMP_ERRORSTATUS_NOERROR);
+      Binding again(row.name);
+      EXPECT_EQ(agent.GetNextRequest(again.Get()), SNMP_ERRORSTATUS_NOERROR);
+      EXPECT_EQ(again.Name() + " = " + again.Value(), row.answer);
+      return reached;
+    });
+    EXPECT_GT(failed, 0);
+  }
+}
+
 // A trap that cannot be queued is lost, one that cannot be handed out waits for
 // the next signal; both leave the rest alone.
 TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {

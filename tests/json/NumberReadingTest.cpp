@@ -58,6 +58,7 @@ TEST(NumberReading, RealsAreReadAsDecimalFloatingPoint) {
       {"Largest", "1.7976931348623157e308", std::numeric_limits<double>::max()},
       {"TooLarge", "1.0e309", kInfinity},
       {"TooLargeNegative", "-1.0e309", -kInfinity},
+      {"TooLargeWithSignedExponent", "0.001e+400", kInfinity},
       {"TooLargeByDigits", "1" + std::string(400, '0') + ".0", kInfinity},
       {"ExponentOverflows", "1.0e99999999999999999999", kInfinity},
       {"TooLargeWithLeadingZeros", "000.001e400", kInfinity},

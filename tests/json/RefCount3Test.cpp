@@ -27,6 +27,18 @@ class Shared final : public RefCount3 {
   int* m_lastReleases = nullptr;
 };
 
+TEST(RefCount3, ObjectThatIsNotDeletedNeedsNotHearOfItsLastRelease) {
+  class OnTheStack final : public RefCount3 {
+   public:
+    OnTheStack() : RefCount3(false) {}
+  };
+  OnTheStack object;
+  object.AddRef();
+  object.Release();
+  object.Release();
+  EXPECT_EQ(object.RefCount(), 0);
+}
+
 TEST(RefCount3, CreatorHoldsTheFirstReference) {
   int deletions = 0;
   auto* shared = new Shared(deletions);

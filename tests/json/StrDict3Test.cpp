@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -199,6 +201,18 @@ TEST(StrDict3Allocator, ProvidesBlocksOfSixteenAndRecyclesNodes) {
   for (Node* node : taken) nodes.FreeNode(node);
   EXPECT_EQ(nodes.NodesInUse(), 0u);
   EXPECT_EQ(nodes.Blocks(), 2u);
+}
+
+TEST(StrDict3Allocator, NodesThatWereFreedGoBeforeTheRestOfTheirBlock) {
+  Dictionary::Allocator<16> nodes;
+  Node* freed[] = {nodes.AllocNode(), nodes.AllocNode()};
+  for (Node* node : freed) nodes.FreeNode(node);
+  EXPECT_EQ(nodes.NodesInUse(), 0u);
+  std::set<Node*> taken{nodes.AllocNode(), nodes.AllocNode()};
+  EXPECT_EQ(taken, std::set<Node*>(std::begin(freed), std::end(freed)));
+  while (taken.size() < 16) EXPECT_TRUE(taken.insert(nodes.AllocNode()).second);
+  EXPECT_EQ(nodes.Blocks(), 1u);
+  EXPECT_EQ(nodes.NodesInUse(), 16u);
 }
 
 TEST(StrDict3Allocator, FirstBlockMayLieElsewhere) {

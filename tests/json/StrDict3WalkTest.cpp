@@ -57,6 +57,24 @@ TEST(StrDict3Walk, CallbackStopsTheWalk) {
   EXPECT_EQ(keys, (Keys{"a", "b"}));
 }
 
+TEST(StrDict3Walk, CallbackStopsTheWalkAtAKeyOfManyCharacters) {
+  Dictionary dictionary;
+  for (const char* key : {"streams", "streamsok", "zeta"}) dictionary.Insert(key, 0);
+  for (const char* last : {"streams", "streamsok", "zeta"}) {
+    struct Stop {
+      std::string at;
+      std::string seen;
+    } stop{last, ""};
+    const auto stopAtIt = [](const char* key, int*, void* context) {
+      auto& given = *static_cast<Stop*>(context);
+      given.seen = key;
+      return given.at != key;
+    };
+    EXPECT_FALSE(dictionary.ForEach("", stopAtIt, &stop)) << last;
+    EXPECT_EQ(stop.seen, last);
+  }
+}
+
 TEST(StrDict3Walk, StoppedWalkDoesNotReachAKeyThatIsTooLong) {
   Dictionary dictionary;
   dictionary.Insert("a", 0);

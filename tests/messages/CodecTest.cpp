@@ -316,5 +316,25 @@ TEST_F(CodecTest, RecordWithAnEmptyUnionCannotBeEncoded) {
       Reports());
 }
 
+TEST_F(CodecTest, AlternativeWhoseOwnUnionIsEmptyCannotBeEncoded) {
+  struct Choice {
+    std::uint32_t tag = 0;
+    ProgramSummary summary;
+  };
+  static constexpr Alternative kAlternatives[] = {
+      {"Summary", &kRecordTable<ProgramSummary>,
+       [](void* choice) -> void* { return &static_cast<Choice*>(choice)->summary; }}};
+  constexpr UnionTable kTable = {"Choice", "Choice", kAlternatives, 1,
+                                 [](void* choice) { return &static_cast<Choice*>(choice)->tag; }};
+  Choice choice;
+  EXPECT_EQ(nullptr, EncodeUnion(kTable, &choice));
+  EXPECT_EQ(
+      Texts{"EncodeUnion_state: Union tag not understood for 'ProgramSummary::state' (tag=2)"},
+      Reports());
+  choice.summary.m_state.m_tag = ProgramSummary::state::kStopped;
+  const Vask::JsonRef<Vask::JsonObject> object(EncodeUnion(kTable, &choice));
+  EXPECT_TRUE(object);
+}
+
 }  // namespace
 }  // namespace Messages::Tests

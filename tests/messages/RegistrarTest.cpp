@@ -318,6 +318,14 @@ TEST_F(RegistrarTest, LongReportsAreWhole) {
   }
 }
 
+#if !defined(_WIN32)  // there no conversion fails
+TEST_F(RegistrarTest, ReportThatCannotBePutTogetherIsItsFormat) {
+  // Half of a surrogate pair stands for no character.
+  registrar.ReportError("%s: %ls", "lost", L"\xDC00");
+  EXPECT_EQ(Texts{"%s: %ls"}, Reports());
+}
+#endif
+
 TEST_F(RegistrarTest, KeyInAReportMayHoldPercentSigns) {
   registrar.Subscribe<SNMPmessage>(OnMessage);
   registrar.ReportError("%s", "100%s");

@@ -11,6 +11,7 @@
 #include "net/JsonSocket.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
+#include "tests/support/ForwardingClock.h"
 #include "tests/support/LinkRecorders.h"
 #include "tests/support/ScriptedThreading.h"
 
@@ -137,6 +138,30 @@ TEST_F(JsonSocketRetryTest, CanBeOpenedAfterAFailure) {
   m_threading.nextThread = &m_threading;
   EXPECT_TRUE(m_link.OpenThread());
   EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0"}));
+}
+
+// Passes no time, and stops a link at its n-th sleep.
+class StoppingClock final : public ForwardingClock {
+ public:
+  explicit StoppingClock(int sleeps) : m_sleeps(sleeps) {}
+  JsonSocket* link = nullptr;
+
+  void SleepMs(std::uint32_t) noexcept override {
+    if (--m_sleeps == 0) link->RequestStop();
+  }
+
+ private:
+  int m_sleeps;
+};
+
+TEST_F(JsonSocketRetryTest, AttemptsAreRepeatedAlsoWhenNobodyIsToHearOfThem) {
+  StoppingClock clock(51);  // 5,000 ms and one poll more
+  JsonSocket link(nullptr, clock, m_sockets, m_threading);
+  clock.link = &link;
+  link.SetPort(16969);
+  EXPECT_TRUE(link.OpenThread());
+  EXPECT_EQ(m_sockets.calls, (Texts{"OpenTcp", "Connect 7 127.0.0.1:16969", "Close 7", "OpenTcp",
+                                    "Connect 7 127.0.0.1:16969", "Close 7"}));
 }
 
 TEST_F(JsonSocketRetryTest, StopWithoutAThreadJoinsNothing) {

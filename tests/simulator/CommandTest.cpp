@@ -174,6 +174,15 @@ TEST_F(CommandTest, SetChangesWhatIsSent) {
   EXPECT_EQ(m_client.Receive(expected.size()), expected);
 }
 
+TEST_F(CommandTest, UpdateIsEveryGroupAndTheFinish) {
+  EXPECT_EQ(Do("send update"), "");
+  const std::string expected = m_server.FramesOfUpdate();
+  EXPECT_EQ(m_client.Receive(expected.size()), expected);
+  const std::string finish = Wire("SNMPupdateFinished", "{}");
+  EXPECT_TRUE(expected.ends_with(finish));
+  EXPECT_GT(expected.size(), 4 * finish.size());
+}
+
 TEST_F(CommandTest, TextCanBeSetToNothing) {
   EXPECT_EQ(Do("set ProductName \"\""), "");
   EXPECT_EQ(Do("show"), "");

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "simulator/CorvaneServer.h"
@@ -23,11 +24,12 @@ using Vask::Tests::RawClient;
 using Vask::Tests::TextRecorder;
 using Lines = std::vector<std::string>;
 
-// Hands out the given lines, then is at its end.
+// Has nothing when it is asked first, hands out the given lines, then is at its end.
 class GivenLines final : public ILineSource {
  public:
   explicit GivenLines(Lines lines) : m_lines(lines.begin(), lines.end()) {}
   LineState NextLine(std::string& line) override {
+    if (std::exchange(m_isFirstQuestion, false)) return LineState::Nothing;
     if (m_lines.empty()) return LineState::Ended;
     line = m_lines.front();
     m_lines.pop_front();
@@ -36,6 +38,7 @@ class GivenLines final : public ILineSource {
 
  private:
   std::deque<std::string> m_lines;
+  bool m_isFirstQuestion = true;
 };
 
 // A scenario file that is gone after the test.

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <vector>
+
+#include "platform/Snmp.h"
+
+namespace Vask::Platform {
+namespace {
+
+AsnObjectIdentifier View(std::vector<UINT>& ids) {
+  return {static_cast<UINT>(ids.size()), ids.data()};
+}
+
+// The limit is SNMP's own; the functions of Windows and Wine do not all keep it.
+TEST(SnmpLimitTest, AppendRefusesMoreThan128SubIdentifiers) {
+  std::vector<UINT> head(64, 1);
+  AsnObjectIdentifier source = View(head);
+  for (const std::size_t length : {64u, 65u, 129u}) {
+    std::vector<UINT> tail(length, 2);
+    AsnObjectIdentifier more = View(tail);
+    AsnObjectIdentifier oid = {};
+    ASSERT_NE(SnmpUtilOidCpy(&oid, &source), 0);
+    EXPECT_EQ(SnmpUtilOidAppend(&oid, &more) != 0, length == 64u) << length;
+    EXPECT_EQ(oid.idLength, length == 64u ? 128u : 64u) << length;
+    SnmpUtilOidFree(&oid);
+  }
+}
+
+}  // namespace
+}  // namespace Vask::Platform
