@@ -54,3 +54,10 @@ if(CORVANE_SANITIZE)
       -fno-omit-frame-pointer)
   target_link_options(corvane_options INTERFACE -fsanitize=${CORVANE_SANITIZE})
 endif()
+
+# What was executed is counted, for gcov; atomically, since threads share code.
+option(CORVANE_COVERAGE "Count what is executed (g++)" OFF)
+if(CORVANE_COVERAGE)
+  target_compile_options(corvane_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(corvane_options INTERFACE --coverage)
+endif()
