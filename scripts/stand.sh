@@ -48,10 +48,9 @@ stays() {
   kill -0 "$1" 2>/dev/null || fail "$2 did not start: $(tail -n 3 "$3")"
 }
 
-# await SECONDS COMMAND...: until the command succeeds; its status.
+# await COMMAND...: until the command succeeds, a minute at most; its status.
 await() {
-  local deadline=$((SECONDS + $1))
-  shift
+  local deadline=$((SECONDS + 60))
   until "$@" >/dev/null 2>&1; do
     ((SECONDS < deadline)) || return 1
     sleep 0.1
@@ -64,7 +63,7 @@ start_simulator() {
   exec {simulator_input}<>"$input"
   setsid "$release/corvane-sim" <"$input" >"$simulator_said" 2>&1 &
   simulator=$!
-  await 10 grep -q '^listening' "$simulator_said" || true
+  await grep -q '^listening' "$simulator_said" || true
   stays "$simulator" corvane-sim "$simulator_said"
 }
 
@@ -75,7 +74,7 @@ tell() {
 
 start_trap_receiver_here() {
   start_trap_receiver "$trap_port" "$traps"
-  await 10 trap_receiver_listens || true
+  await trap_receiver_listens || true
   stays "$trap_receiver" snmptrapd "$work/snmptrapd.out"
 }
 trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
@@ -88,7 +87,7 @@ start_host() {
     >"$host_said" 2>&1 </dev/null &
   host=$!
   host_started_ms=$(now_ms)
-  await 60 host_is_up || true
+  await host_is_up || true
   stays "$host" snmphost "$host_said"
 }
 host_is_up() { grep -q '^Serving' "$host_said" || ! kill -0 "$host"; }

@@ -59,7 +59,7 @@ struct ServerOptions {
 // A thread of its own accepts and reads.
 class CorvaneServer final : private Vask::IOnJsonMessageText, private Vask::IOnError {
  public:
-  static constexpr std::chrono::seconds kPatience{20};
+  static constexpr std::chrono::seconds kPatience{60};
 
   explicit CorvaneServer(ServerOptions options = {});
   ~CorvaneServer() override;

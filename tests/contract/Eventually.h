@@ -9,7 +9,7 @@ namespace Contract {
 // Asks again and again until `condition` holds; false when it does not within
 // the time.
 template <class Condition>
-bool Eventually(Condition condition, std::uint32_t patienceMs = 20'000) {
+bool Eventually(Condition condition, std::uint32_t patienceMs = 60'000) {
   Vask::Platform::Clock& clock = Vask::Platform::SystemClock();
   const std::uint32_t start = clock.TickMs();
   while (!condition()) {

@@ -52,6 +52,6 @@ expect 'v1: a Set, whose version has no word for it' "$(ask snmpset 1 "$prefix.2
 expect 'v2c: a Set of an unknown name' "$(ask snmpset 2c "$prefix.3" i 5)" notWritable
 expect 'no Set has changed anything' "$(ask snmpwalk 1 "$prefix")" "$link|$name|$version|$rest|End of MIB"
 
-expect_within 5 'requests and answers are logged' "Info: GetRequest($prefix.1.1.7.8)
+expect_eventually 'requests and answers are logged' "Info: GetRequest($prefix.1.1.7.8)
 Info: GetStoredVar(ProductVersion) = STRING[5]: '1.x.x'" \
   eval "log_lines | grep -A1 -m1 -F 'GetRequest($prefix.1.1.7.8)'"

@@ -13,8 +13,8 @@ start_pollers() {
   setsid prometheus-snmp-exporter --config.file="$top/monitoring/prometheus/snmp-corvane-0.22.yml" \
     --web.listen-address="$exporter_address" >"$work/exporter.out" 2>&1 </dev/null &
   pollers+=($!)
-  await 10 curl -sf "http://$exporter_address/" || fail "no exporter: $(tail -n 2 "$work/exporter.out")"
-  await 10 snmpget -v2c -c public -t 1 -r 0 "$bare_address" 1.3.6.1.2.1.1.3.0 || fail "no snmpd: $(tail -n 2 "$work/snmpd.out")"
+  await curl -sf "http://$exporter_address/" || fail "no exporter: $(tail -n 2 "$work/exporter.out")"
+  await snmpget -v2c -c public -t 1 -r 0 "$bare_address" 1.3.6.1.2.1.1.3.0 || fail "no snmpd: $(tail -n 2 "$work/snmpd.out")"
 }
 
 stop_pollers() {

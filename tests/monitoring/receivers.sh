@@ -36,7 +36,7 @@ start_receivers() {
   start_receiver zabbix "$zabbix_port"
   start_receiver snmptt "$snmptt_port" -On
   for port in "$log_port" "$zabbix_port" "$snmptt_port"; do
-    await 10 listens_on_udp "$port" || fail "no snmptrapd on port $port"
+    await listens_on_udp "$port" || fail "no snmptrapd on port $port"
   done
 }
 listens_on_udp() { ss -Hlun "sport = :$1" | grep -q .; }

@@ -14,7 +14,7 @@ namespace Vask::Tests {
 // thread.
 class RawClient {
  public:
-  static constexpr std::uint32_t kPatienceMs = 20'000;
+  static constexpr std::uint32_t kPatienceMs = 60'000;
 
   RawClient() { Platform::SystemSockets().StartUp(); }
   ~RawClient() { Close(); }
