@@ -6,6 +6,7 @@
 
 #include "Src/SingletonRef.h"
 #include "agent/AgentProcess.h"
+#include "agent/win32/ThreadExceptions.h"
 #include "platform/ProcessExit.h"
 
 namespace __gnu_cxx {
@@ -39,6 +40,7 @@ void EndProcess() noexcept {
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) {
+  if (reason == DLL_THREAD_DETACH) Agent::ForgetThreadExceptions();
   if (reason == DLL_PROCESS_DETACH) processEnds != nullptr ? EndProcess() : Unload();
   return TRUE;
 }
