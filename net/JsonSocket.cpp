@@ -70,6 +70,7 @@ void JsonSocket::RequestStop() {
 // Called by Start only when it is going to create a thread.
 void JsonSocket::OnStart() {
   m_reader.End();
+  m_waitedMs = kRetryMs;
   m_running.store(true, std::memory_order_relaxed);
 }
 
@@ -104,19 +105,20 @@ bool JsonSocket::RunOneRound() {
 }
 
 // True with a connection, false when it is time to stop.
+// An attempt that throws has failed, and the next one waits as after any other.
 bool JsonSocket::ConnectUntilStopped() {
-  std::uint32_t waitedMs = kRetryMs;  // the first attempt is made at once
   while (IsRunning()) {
-    if (waitedMs >= kRetryMs) {
+    if (m_waitedMs >= kRetryMs) {
+      m_waitedMs = 0;
       if (TryToConnect()) break;
-      waitedMs = 0;
     }
     m_clock.SleepMs(kPollMs);
-    waitedMs += kPollMs;
+    m_waitedMs += kPollMs;
   }
   if (!IsRunning()) return false;
   m_reader.Begin();
   if (m_events != nullptr) m_events->OnConnected();
+  m_waitedMs = kRetryMs;  // a loss is followed by an attempt at once
   return true;
 }
 

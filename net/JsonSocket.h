@@ -105,6 +105,9 @@ class JsonSocket : private ThreadClass, public IOnJsonMessage {
   std::atomic<bool> m_running{false};
   std::uint16_t m_port = 0;
   FrameReader m_reader;
+  // Since the last attempt to connect; the first one is made at once. The reader
+  // thread's own.
+  std::uint32_t m_waitedMs = kRetryMs;
 
   // Set by the reader thread when it has left its loop.
   Platform::Event m_readerLeft;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,10 @@ class JsonSocketRetryTest : public testing::Test, protected IJsonSocketEvents {
     m_events.push_back(event + " at " + std::to_string(m_clock.tick - m_startTick));
     if (m_events.size() == m_stopAfterEvents) m_link.RequestStop();
   }
-  void OnConnecting() override { Note("connecting"); }
+  void OnConnecting() override {
+    Note("connecting");
+    if (m_connectingThrows) throw std::bad_alloc();
+  }
   void OnConnectFailed() override {
     Note("failed");
     m_sockets.connects = ++m_failures >= m_failuresBeforeSuccess;
@@ -48,6 +52,7 @@ class JsonSocketRetryTest : public testing::Test, protected IJsonSocketEvents {
   JsonSocket m_link{this, m_clock, m_sockets, m_threading};
 
   Texts m_events;
+  bool m_connectingThrows = false;
   std::size_t m_stopAfterEvents = 1;
   int m_failures = 0;
   int m_failuresBeforeSuccess = 1000;
@@ -59,6 +64,15 @@ TEST_F(JsonSocketRetryTest, AbsentPeerIsTriedAtOnceAndThenEveryFiveSeconds) {
   EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0", "connecting at 5000",
                              "failed at 5000", "connecting at 10000", "failed at 10000"}));
   EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
+}
+
+// Whatever is missing, the reader does not keep a processor busy over it.
+TEST_F(JsonSocketRetryTest, AttemptThatThrowsIsFollowedByAnotherAfterFiveSeconds) {
+  m_connectingThrows = true;
+  m_stopAfterEvents = 4;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "disconnected at 0", "connecting at 5000",
+                             "disconnected at 5000"}));
 }
 
 TEST_F(JsonSocketRetryTest, FiveSecondsAreKeptAcrossTheWrapOfTheClock) {
