@@ -27,6 +27,9 @@ class Module {
   // Unloads it now; its hook has run when this returns.
   void Unload();
 
+  // As the system knows it: see Library.h.
+  void* Library() const { return m_library; }
+
   // What SnmpExtensionInit hands out.
   struct Start {
     bool result = false;

@@ -1,12 +1,13 @@
 // soak [--minutes N] [--every SECONDS]: the module under everything at once, for
 // that long. Pollers walk its variables and take its traps while a peer sends
 // what no peer should, floods, falls silent, goes and comes back, while the log's
-// files are renamed and removed under it, and while it is unloaded and started
-// again.
+// files are renamed and removed under it, while the functions of the system that
+// it imports fail, its clock is put and its tick wraps, and while it is unloaded
+// and started again.
 //
 // Prints a table: memory, handles and threads over time, taken while the peer is
-// still. Fails when the module stops serving, and when any of them grows after
-// the first quarter.
+// still. Fails when the module stops serving, and, where it lasts ten minutes or
+// more, when any of them grows after the first quarter.
 
 #include <algorithm>
 #include <atomic>
@@ -16,6 +17,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <optional>
 #include <random>
 #include <string>
 #include <thread>
@@ -23,6 +26,8 @@
 
 #include "platform/Clock.h"
 #include "tests/contract/Library.h"
+#include "tests/hostile/FaultSwitch.h"
+#include "tests/hostile/FaultyImports.h"
 #include "tests/hostile/Inputs.h"
 #include "tests/hostile/Sanitized.h"
 #include "tests/hostile/Target.h"
@@ -71,6 +76,20 @@ class Pollers {
   std::vector<std::thread> m_threads;
 };
 
+// While one lives, calls of one kind that the module makes fail now and then, or
+// always.
+class Spell {
+ public:
+  Spell(Fault fault, std::mt19937& random) {
+    constexpr std::uint32_t kOneIn[] = {1, 2, 10, 50};
+    const auto seed = static_cast<std::uint32_t>(random());
+    g_faultSwitch.On(fault, kOneIn[random() % std::size(kOneIn)], seed);
+  }
+  ~Spell() { g_faultSwitch.Off(); }
+  Spell(const Spell&) = delete;
+  Spell& operator=(const Spell&) = delete;
+};
+
 struct Sample {
   double minutes;
   std::size_t heap;
@@ -94,21 +113,29 @@ class Soak {
       std::printf("FAILED: %s\n0 passed, 1 failed\n", wrong.c_str());
       return 1;
     }
+    PrintFaults();
     const int failed = Growths();
     std::printf("%d passed, %d failed\n", failed == 0 ? 1 : 0, failed);
     return failed == 0 ? 0 : 1;
   }
 
  private:
-  static constexpr int kRoundsOfALife = 200;
+  static constexpr int kRoundsOfALife = 50;
   static constexpr std::size_t kLongest = 2'000;
+  // Before, memory that is taken once may still be growing.
+  static constexpr double kShortestToJudgeMs = 600'000;
+  // The agent asks for an update only after seconds without a loss.
+  static constexpr std::uint32_t kRoundsUntilQuiet = 8;
 
   double PassedMs() const { return static_cast<double>(SystemClock().TickMs() - m_startMs); }
 
-  // From a module's start to its unload.
+  // From a module's start to its unload, either of which may meet faults.
   std::string LiveOnce() {
+    std::optional<Spell> spellAtTheEnd;  // goes after the module
     Target target;
-    const std::string began = target.Begin();
+    PutFaultyImports(target.Module().Library());
+    SetClocks();
+    const std::string began = target.Begin(StartsDespiteFaults(target));
     if (!began.empty()) return began;
     const Pollers pollers(target.Module());
     for (int i = 0; i < kRoundsOfALife && PassedMs() < m_lengthMs; ++i) {
@@ -118,15 +145,38 @@ class Soak {
       ++m_rounds;
       if (PassedMs() >= m_nextSampleMs) TakeSample();
     }
+    if (m_random() % 2 == 0) spellAtTheEnd.emplace(AnyFault(), m_random);
     return {};
   }
+
+  // The tick's wrap comes within the module's first minute; its day is today.
+  static void SetClocks() {
+    constexpr std::uint32_t kUntilWrapMs = 30'000;
+    g_faultSwitch.tickShiftMs = 0u - SystemClock().TickMs() - kUntilWrapMs;
+    g_faultSwitch.epochShiftSeconds = 0;
+    g_faultSwitch.localShiftSeconds = 0;
+  }
+
+  // A start that fails can be tried again; one that does not is whole, but for its
+  // timers where there was no thread for them.
+  bool StartsDespiteFaults(Target& target) {
+    m_hasTimers = true;
+    if (m_random() % 2 == 0) return false;
+    const Fault fault = AnyFault();
+    const Spell spell(fault, m_random);
+    const bool started = target.Module().Init().result;
+    m_hasTimers = !started || fault != Fault::Threads;
+    return started;
+  }
+
+  Fault AnyFault() { return static_cast<Fault>(m_random() % kFaultCount); }
 
   std::string Round(Target& target, std::string& what) {
     const auto take = [&](const Input& input) {
       what = input.name;
       return target.Take(input);
     };
-    switch (m_random() % 8) {
+    switch (m_random() % 12) {
       case 0:
         return take(RandomStream(m_random));
       case 1:
@@ -143,9 +193,56 @@ class Soak {
       case 4:
       case 5:
         return take(DamagedFrame(m_random));
+      case 6:
+        what = "fault of the system";
+        return Suffer(target);
+      case 7:
+        what = "clock that is put";
+        PutClock();
+        return target.Serves();
+      case 8:
+        what = "request for an update";
+        if (!m_hasTimers || m_random() % kRoundsUntilQuiet != 0) return target.Serves();
+        return target.AnswersUpdate();
       default:
         return take(m_listed[m_random() % m_listed.size()]);
     }
+  }
+
+  // Whatever fails while the peer sends and goes, and managers ask: afterwards all
+  // is well again.
+  std::string Suffer(Target& target) {
+    {
+      const Spell spell(AnyFault(), m_random);
+      for (int i = 0; i < 5; ++i) target.Peer().Send(StreamsFrame(i, i % 2));
+      if (m_random() % 2 == 0) target.Peer().Drop();
+      for (int i = 0; i < 5; ++i) {
+        target.Module().Get("P.1.0");
+        target.Module().TakeTraps();
+        SystemClock().SleepMs(20);
+      }
+    }
+    return target.Serves(false);
+  }
+
+  // A day on or back, an hour of summer time on or back, or to just before
+  // midnight.
+  void PutClock() {
+    constexpr std::int64_t kHour = 3'600;
+    constexpr std::int64_t kDay = 24 * kHour;
+    const Vask::Platform::LocalTime now = SystemClock().LocalNow();
+    const std::int64_t ofDay = (now.hour * 60 + now.minute) * 60 + now.second;
+    const struct {
+      std::int64_t epoch;
+      std::int64_t local;
+    } rows[] = {{kDay, kDay},
+                {-kDay, -kDay},
+                {0, kHour},
+                {0, -kHour},
+                {kDay - ofDay - 2, kDay - ofDay - 2}};
+    const auto& row = rows[m_random() % std::size(rows)];
+    g_faultSwitch.epochShiftSeconds = row.epoch;
+    g_faultSwitch.localShiftSeconds = row.local;
   }
 
   // As far as the system lets: today's file renamed, or removed, while it is open.
@@ -159,6 +256,13 @@ class Soak {
         std::filesystem::remove(file.path(), ignored);
       }
     }
+  }
+
+  static void PrintFaults() {
+    std::printf("calls of the system that failed:");
+    for (std::size_t i = 0; i < kFaultCount; ++i)
+      std::printf(" %zu %s%s", g_faultSwitch.Struck(i), kFaultNames[i],
+                  i + 1 < kFaultCount ? "," : "\n");
   }
 
   void TakeSample() {
@@ -189,7 +293,8 @@ class Soak {
     for (const auto& row : rows) {
       const std::size_t early = Least(row.value, 0.25, 0.5);
       const std::size_t late = Least(row.value, 0.75, 1);
-      const bool grew = row.counts && late > early + row.allowance;
+      const bool grew =
+          row.counts && m_lengthMs >= kShortestToJudgeMs && late > early + row.allowance;
       std::printf("%-9s %10zu in the second quarter, %10zu in the last%s\n", row.name, early, late,
                   grew ? "  FAILED: grew" : "");
       failed += grew ? 1 : 0;
@@ -212,6 +317,7 @@ class Soak {
   const std::uint32_t m_startMs = SystemClock().TickMs();
   const std::vector<Input> m_listed = ListedInputs(kLongest);
   std::mt19937 m_random{3};
+  bool m_hasTimers = true;
   double m_nextSampleMs = 0;
   std::size_t m_rounds = 0;
   std::vector<Sample> m_samples;

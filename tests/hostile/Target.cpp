@@ -32,9 +32,9 @@ Simulator::ServerOptions PeerOptions() {
 
 Target::Target() : m_peer(PeerOptions()) {}
 
-std::string Target::Begin() {
+std::string Target::Begin(bool isStarted) {
   if (!m_peer.Start()) return "the agent's port is taken";
-  if (!m_module.Init().result) return "the module does not start";
+  if (!isStarted && !m_module.Init().result) return "the module does not start";
   if (!m_peer.WaitForConnections(1)) return "the link does not come up";
   return Serves(false);
 }
@@ -85,6 +85,17 @@ std::string Target::Flood(std::size_t frames, bool takeTraps) {
     if (takeTraps && i % 64 == 0) m_module.TakeTraps();
   }
   return Serves(true, frames * failed.size());
+}
+
+std::string Target::AnswersUpdate() {
+  constexpr int kOnlyInUpdates = kMostStreams + 1;
+  std::string error;
+  if (!m_peer.Set("StreamsCount", std::to_string(kOnlyInUpdates), error)) return error;
+  m_peer.Drop();  // it asks anew on a new link
+  m_peer.SetAnswering(true);
+  const bool came = Comes("INT " + std::to_string(kOnlyInUpdates), kPatienceMs);
+  m_peer.SetAnswering(false);
+  return came ? "" : "the agent asked for no update";
 }
 
 bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {

@@ -18,8 +18,9 @@ class Target {
  public:
   Target();
 
-  // Waits for the link, and for a good frame to be served.
-  std::string Begin();
+  // Starts the module unless it has been, and waits for the link, and for a good
+  // frame to be served.
+  std::string Begin(bool isStarted = false);
 
   // Sends an input, lets become of the link what must, and checks that the agent
   // serves on.
@@ -33,6 +34,10 @@ class Target {
   // Good frames without a pause, each of which raises a trap; every so many
   // frames the traps are taken.
   std::string Flood(std::size_t frames, bool takeTraps);
+
+  // Drops the link, and leaves the next one alone until the agent asks for an
+  // update, which is answered.
+  std::string AnswersUpdate();
 
   Contract::Module& Module() { return m_module; }
   Simulator::CorvaneServer& Peer() { return m_peer; }
