@@ -27,7 +27,9 @@ prepare_wine_prefix() {
   ) 9>"$WINEPREFIX.lock"
 }
 
-# Ended by stop_wine_holder.
+# Ended by stop_wine_holder. Wine's services run when this returns, and none of them
+# has an output of the caller's: they live on, and whoever read it would wait for
+# its end.
 start_wine_holder() {
   local pipe="$WINEPREFIX/holder.pipe"
   rm -f "$pipe"
@@ -36,6 +38,7 @@ start_wine_holder() {
   # the command interpreter waits for a line that never comes.
   wine cmd.exe <>"$pipe" >/dev/null 2>&1 &
   wine_holder=$!
+  wine cmd.exe /c exit </dev/null >/dev/null 2>&1
 }
 
 stop_wine_holder() {
