@@ -22,7 +22,7 @@ ThreadClass::~ThreadClass() {
 }
 
 bool ThreadClass::Start() {
-  if (m_pTask != nullptr || !m_started.Valid() || !m_finished.Valid()) return false;
+  if (m_pTask != nullptr || !m_started.Ensure() || !m_finished.Ensure()) return false;
   OnStart();
   const Platform::ThreadEntry entry{&Enter, this, m_finished.Handle()};
   std::unique_ptr<Win32Task> task(new (std::nothrow) Win32Task(m_threading, entry));

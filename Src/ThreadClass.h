@@ -20,8 +20,8 @@ class ThreadClass {
   ThreadClass& operator=(const ThreadClass&) = delete;
 
   // Starts the thread and waits until it runs. False when there is a thread
-  // already, or when there is no memory or the system cannot create one; then
-  // none is left.
+  // already, or when there is no memory or the system cannot create one, or the
+  // events that it needs; then none is left, and it may be tried again.
   [[nodiscard]] bool Start();
 
   // Tells the body to end (OnStop), waits without limit until it has, and

@@ -26,7 +26,7 @@ TimerService::~TimerService() {
 }
 
 bool TimerService::StartService() {
-  if (HasThread() || !m_wake.Valid()) return false;
+  if (HasThread() || !m_wake.Ensure()) return false;
   m_running.store(true, std::memory_order_relaxed);
   if (Start()) return true;
   m_running.store(false, std::memory_order_relaxed);

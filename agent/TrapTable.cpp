@@ -14,6 +14,7 @@ TrapTable::~TrapTable() {
 }
 
 TRAP_ENTRY* TrapTable::Register(std::uint32_t specificTrap, const char* name) {
+  static_cast<void>(m_event.Ensure());
   if (Find(name) != nullptr) return nullptr;
   std::unique_ptr<TRAP_ENTRY> entry(new TRAP_ENTRY{specificTrap, name});
   const UINT number[] = {specificTrap};

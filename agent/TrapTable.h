@@ -26,7 +26,8 @@ class TrapTable {
 
   // Registers a trap, logs it, and answers the new entry, which the table owns:
   // null when the name is empty or taken (the first number stays). Throws
-  // std::bad_alloc, and has done nothing, when there is no memory.
+  // std::bad_alloc, and has done nothing, when there is no memory. Tries for the
+  // event if it could not be had before, so no other thread may know the table yet.
   TRAP_ENTRY* Register(std::uint32_t specificTrap, const char* name);
 
   // The trap of that name in any spelling of its letters; null when there is none.

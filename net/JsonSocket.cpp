@@ -69,6 +69,7 @@ void JsonSocket::RequestStop() {
 
 // Called by Start only when it is going to create a thread.
 void JsonSocket::OnStart() {
+  static_cast<void>(m_readerLeft.Ensure());  // without it a stop takes its full time
   m_reader.End();
   m_waitedMs = kRetryMs;
   m_running.store(true, std::memory_order_relaxed);

@@ -4,21 +4,28 @@
 
 namespace Vask::Platform {
 
-// One event and whether this object closes it. Set and Wait may be called from
-// any thread; the rest by the owner only.
+// One event, which goes with this object. Set and Wait may be called from any
+// thread; the rest by the owner only.
 class Event {
  public:
   // Creates an event, not signalled, and owns it. Check Valid().
   explicit Event(EventReset reset, Threading& threading = SystemThreading()) noexcept
-      : m_threading(threading), m_handle(threading.CreateEvent(reset)), m_owned(true) {}
+      : m_threading(threading), m_reset(reset), m_handle(threading.CreateEvent(reset)) {}
 
   ~Event() {
-    if (m_owned && m_handle != nullptr) m_threading.CloseEvent(m_handle);
+    if (m_handle != nullptr) m_threading.CloseEvent(m_handle);
   }
   Event(const Event&) = delete;
   Event& operator=(const Event&) = delete;
 
   [[nodiscard]] bool Valid() const noexcept { return m_handle != nullptr; }
+
+  // Valid(), for which it tries once more to create an event that could not be had
+  // before. Not while another thread may use this object.
+  [[nodiscard]] bool Ensure() noexcept {
+    if (m_handle == nullptr) m_handle = m_threading.CreateEvent(m_reset);
+    return m_handle != nullptr;
+  }
 
   // Both do nothing, and Wait answers false at once, on an event that is not valid.
   void Set() noexcept {
@@ -33,8 +40,8 @@ class Event {
 
  private:
   Threading& m_threading;
+  const EventReset m_reset;
   NativeHandle m_handle;
-  bool m_owned;
 };
 
 }  // namespace Vask::Platform

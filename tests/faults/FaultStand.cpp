@@ -33,7 +33,11 @@ std::string Greeting() {
 }
 
 Machine WithPlan(FaultMachine& machine, int failingEvent) {
-  machine.threadingPlan.FailAt(failingEvent);
+  if (failingEvent == FaultStand::kAllEvents) {
+    machine.threadingPlan.FailAlways();
+  } else {
+    machine.threadingPlan.FailAt(failingEvent);
+  }
   return machine.Seams();
 }
 

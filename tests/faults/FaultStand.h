@@ -56,6 +56,7 @@ class FaultMachine {
 class FaultStand : public FaultMachine {
  public:
   // The agent makes its events here: the plan for `threading` may begin with it.
+  static constexpr int kAllEvents = -1;
   explicit FaultStand(int failingEvent = 0);
 
   // What the module's exports do.

@@ -13,16 +13,21 @@ class FaultPlan {
     m_calls = 0;
     m_failAt = n;
   }
-  void FailNever() noexcept { FailAt(0); }
+  void FailNever() noexcept {
+    FailAt(0);
+    m_failAll = false;
+  }
+  void FailAlways() noexcept { m_failAll = true; }
 
   // Asked by the seam in every call.
-  [[nodiscard]] bool Fails() noexcept { return ++m_calls == m_failAt; }
+  [[nodiscard]] bool Fails() noexcept { return ++m_calls == m_failAt || m_failAll; }
 
   [[nodiscard]] bool Reached() const noexcept { return m_failAt != 0 && m_calls >= m_failAt; }
 
  private:
   std::atomic<int> m_calls{0};
   std::atomic<int> m_failAt{0};
+  std::atomic<bool> m_failAll{false};
 };
 
 // Calls run(n) for n = 1, 2, ... until one comes to its end without reaching the
