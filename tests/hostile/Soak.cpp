@@ -141,7 +141,8 @@ class Soak {
     for (int i = 0; i < kRoundsOfALife && PassedMs() < m_lengthMs; ++i) {
       std::string what;
       const std::string wrong = Round(target, what);
-      if (!wrong.empty()) return what + ": " + wrong;
+      if (!wrong.empty()) return m_before + what + ": " + wrong + target.HowLinksEnded();
+      m_before = "after " + what + ": ";
       ++m_rounds;
       if (PassedMs() >= m_nextSampleMs) TakeSample();
     }
@@ -194,8 +195,7 @@ class Soak {
       case 5:
         return take(DamagedFrame(m_random));
       case 6:
-        what = "fault of the system";
-        return Suffer(target);
+        return Suffer(target, what);
       case 7:
         what = "clock that is put";
         PutClock();
@@ -211,9 +211,11 @@ class Soak {
 
   // Whatever fails while the peer sends and goes, and managers ask: afterwards all
   // is well again.
-  std::string Suffer(Target& target) {
+  std::string Suffer(Target& target, std::string& what) {
     {
-      const Spell spell(AnyFault(), m_random);
+      const Fault fault = AnyFault();
+      what = std::string("fault of ") + kFaultNames[static_cast<std::size_t>(fault)];
+      const Spell spell(fault, m_random);
       for (int i = 0; i < 5; ++i) target.Peer().Send(StreamsFrame(i, i % 2));
       if (m_random() % 2 == 0) target.Peer().Drop();
       for (int i = 0; i < 5; ++i) {
@@ -318,6 +320,7 @@ class Soak {
   const std::vector<Input> m_listed = ListedInputs(kLongest);
   std::mt19937 m_random{3};
   bool m_hasTimers = true;
+  std::string m_before;  // the round before, in words
   double m_nextSampleMs = 0;
   std::size_t m_rounds = 0;
   std::vector<Sample> m_samples;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <vector>
 
 #include "platform/Clock.h"
 
@@ -96,6 +97,16 @@ std::string Target::AnswersUpdate() {
   const bool came = Comes("INT " + std::to_string(kOnlyInUpdates), kPatienceMs);
   m_peer.SetAnswering(false);
   return came ? "" : "the agent asked for no update";
+}
+
+std::string Target::HowLinksEnded() const {
+  constexpr const char* kNames[] = {"in order", "reset", "dropped", "no frame"};
+  constexpr std::size_t kLast = 5;
+  const std::vector<Simulator::End> ends = m_peer.GetRecord().ends;
+  std::string text = "; links ended";
+  for (std::size_t i = ends.size() < kLast ? 0 : ends.size() - kLast; i < ends.size(); ++i)
+    text += std::string(" ") + kNames[static_cast<std::size_t>(ends[i])];
+  return text;
 }
 
 bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {

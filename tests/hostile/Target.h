@@ -39,6 +39,9 @@ class Target {
   // update, which is answered.
   std::string AnswersUpdate();
 
+  // The last few, for whoever looks for a reason.
+  std::string HowLinksEnded() const;
+
   Contract::Module& Module() { return m_module; }
   Simulator::CorvaneServer& Peer() { return m_peer; }
 
