@@ -216,7 +216,7 @@ class Soak {
       const Fault fault = AnyFault();
       what = std::string("fault of ") + kFaultNames[static_cast<std::size_t>(fault)];
       const Spell spell(fault, m_random);
-      for (int i = 0; i < 5; ++i) target.Peer().Send(StreamsFrame(i, i % 2));
+      for (int i = 0; i < 5; ++i) target.Peer().Send(StreamsFrame(Target::kForeignStreams, i % 2));
       if (m_random() % 2 == 0) target.Peer().Drop();
       for (int i = 0; i < 5; ++i) {
         target.Module().Get("P.1.0");

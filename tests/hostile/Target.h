@@ -16,6 +16,10 @@ namespace Hostile {
 // What goes wrong is answered as a phrase; the empty text is good.
 class Target {
  public:
+  // How many streams a frame may tell of that is none of this class's own: what
+  // Serves looks for is then not there before it has been sent.
+  static constexpr int kForeignStreams = 1002;
+
   Target();
 
   // Starts the module unless it has been, and waits for the link, and for a good
