@@ -11,11 +11,11 @@ JsonObject::~JsonObject() {
 }
 
 JsonObject* JsonObject::CreateWithRoom(ValueMemory* memory) {
-  using Nodes = Dictionary::StandardAllocator::Nodes;
-  void* object = Json::operator new (sizeof(JsonObject), Place{memory, sizeof(Nodes)});
+  using Node = Dictionary::Node;
+  void* object = Json::operator new (sizeof(JsonObject), Place{memory, kRoom * sizeof(Node)});
   // The nodes lie behind the object; they are plain memory until handed out.
   void* nodes = static_cast<char*>(object) + sizeof(JsonObject);
-  return ::new (object) JsonObject(false, static_cast<Nodes*>(nodes));
+  return ::new (object) JsonObject(false, static_cast<Node*>(nodes), kRoom);
 }
 
 bool JsonObject::Set(const char* key, Json* value) {

@@ -13,7 +13,7 @@ class JsonObject final : public Json {
  public:
   using Dictionary = StrDict3<Json*>;
 
-  explicit JsonObject(bool caseSensitive = false) : JsonObject(caseSensitive, nullptr) {}
+  explicit JsonObject(bool caseSensitive = false) : JsonObject(caseSensitive, nullptr, 0) {}
 
   // One that has the memory of its first nodes with it, in one allocation; for
   // objects that will not stay empty. Folds names. It lies in `memory`, or in
@@ -30,8 +30,8 @@ class JsonObject final : public Json {
 
   // The member's value, or null; its count is unchanged, so it lives as long as
   // it is a member here.
-  [[nodiscard]] Json* Find(const char* key) const noexcept {
-    Json** value = m_members.FindValue(key);
+  [[nodiscard]] Json* Find(const FoldedKey& key) const noexcept {
+    Json* const* value = m_members.FindValue(key);
     return value != nullptr ? *value : nullptr;
   }
 
@@ -59,8 +59,11 @@ class JsonObject final : public Json {
   ~JsonObject() override;
 
  private:
-  JsonObject(bool caseSensitive, Dictionary::StandardAllocator::Nodes* firstNodes)
-      : Json(true), m_nodes(firstNodes), m_members(&m_nodes, caseSensitive) {}
+  // Keys for which there is room beforehand; few objects have more.
+  static constexpr std::uint32_t kRoom = 8;
+
+  JsonObject(bool caseSensitive, Dictionary::Node* firstNodes, std::uint32_t count)
+      : Json(true), m_nodes(firstNodes, count), m_members(&m_nodes, caseSensitive) {}
 
   Json* TakeChild() noexcept override;
 

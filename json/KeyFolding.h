@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+#include "json/KeyPiece.h"
+
 namespace Vask {
 
 // How a dictionary changes the characters of its keys: ASCII letters to one
@@ -30,7 +32,22 @@ class KeyFolding {
     return caseSensitive ? s_kept : foldToUpper ? s_toUpper : s_toLower;
   }
 
-  signed char Fold(char c) const noexcept { return m_folded[static_cast<unsigned char>(c)]; }
+  // The piece of a key that begins at `at`.
+  constexpr KeyPiece Piece(const char* at) const noexcept {
+    KeyPiece piece{};
+    while (piece.length != KeyPiece::kMaxLength) {
+      const signed char folded = Fold(at[piece.length]);
+      if (folded == 0) break;
+      piece.characters[piece.length++] = folded;
+    }
+    return piece;
+  }
+
+  bool IsToLower() const noexcept { return this == &s_toLower; }
+
+  constexpr signed char Fold(char c) const noexcept {
+    return m_folded[static_cast<unsigned char>(c)];
+  }
 
  private:
   static const KeyFolding s_kept;

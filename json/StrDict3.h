@@ -1,14 +1,18 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 
+#include "json/FoldedKey.h"
 #include "json/KeyFolding.h"
+#include "json/KeyPiece.h"
 
 namespace Vask {
 
@@ -19,9 +23,10 @@ namespace Vask {
 [[noreturn]] void EndProcessOnLongKey() noexcept;
 
 // A dictionary from NUL-terminated byte strings to values of type T, as a
-// character trie: one node for each character of a path, siblings in ascending
-// order of their characters taken as signed bytes (0x80 to 0xFF before ASCII).
-// Unless it is case sensitive it folds ASCII letters on the way in and in
+// character trie, with siblings in ascending order of their characters taken as
+// signed bytes (0x80 to 0xFF before ASCII). A node stands for a whole run of
+// characters where nothing branches off, since nearly every key of a message is
+// such a run. Unless it is case sensitive it folds ASCII letters on the way in and in
 // look-ups, and enumerates keys as folded.
 //
 // T is a plain value (a pointer, as a rule), copied bit by bit; the dictionary
@@ -38,21 +43,12 @@ class StrDict3 {
   static constexpr std::size_t kMaxVisitedKeyLength = 128;
 
   struct Node {
-    std::uint8_t hasValue;  // 1 when a key ends here
-    signed char ch;         // the folded character
-    // Above 0: this many nodes right behind this one are a chain of only
-    // children below it. Then `firstChild` is not set, and of the nodes between
-    // this and the chain's last only the two fields above are.
-    std::uint16_t run;
+    signed char run[KeyPiece::kMaxLength];  // folded; zeros behind the last
     Node* nextSibling;
-    Node* firstChild;
-    T value;  // set only when hasValue is 1
-  };
-
-  // Nodes that lie side by side.
-  struct NodeRun {
-    Node* begin;
-    Node* end;
+    Node* firstChild;       // below the last character
+    T value;                // set only when hasValue is 1
+    std::uint8_t length;    // of the run: 1 to KeyPiece::kMaxLength
+    std::uint8_t hasValue;  // 1 when a key ends with the last character
   };
 
   // Where nodes come from. One allocator may serve several dictionaries of one
@@ -113,13 +109,14 @@ class StrDict3 {
 
   // The node at which the key's path ends, or false when there is no such path
   // (or no key). The node may be a mere prefix of longer keys: test hasValue.
-  bool Find(const char* key, Node*& outNode) const noexcept;
+  // It is good until the next key comes in or goes.
+  bool Find(const char* key, const Node*& outNode) const noexcept;
 
-  // The value stored under the key, or null.
-  T* FindValue(const char* key) const noexcept {
-    Node* node = nullptr;
-    return Find(key, node) && node->hasValue ? &node->value : nullptr;
-  }
+  // The value stored under the key, or null. It stays where it is until the next
+  // key comes in or goes.
+  const T* FindValue(const char* key) const noexcept;
+  // The same for a key that was folded beforehand, and faster.
+  const T* FindValue(const FoldedKey& key) const noexcept;
 
   // Calls back for every pair in ascending order of the folded keys, a key
   // before those that extend it, with `prefix` set before each key. False when
@@ -137,7 +134,6 @@ class StrDict3 {
   // Gives every node back; the values are not touched.
   void Clear() noexcept {
     while (Node* node = m_root) {
-      Unfold(node);
       m_root = Successor(node);
       m_allocator->FreeNode(node);
     }
@@ -147,23 +143,35 @@ class StrDict3 {
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  // New nodes: the caller takes as many as it needs, one at least.
-  NodeRun OfferNodes() {
-    if (m_standardAllocator != nullptr) return m_standardAllocator->Offer();
-    Node* node = m_allocator->AllocNode();
-    return {node, node + 1};
-  }
-  void TakeNodes(Node* end) noexcept {
-    if (m_standardAllocator != nullptr) m_standardAllocator->Take(end);
+  Node* AllocNode() {
+    return m_standardAllocator != nullptr ? m_standardAllocator->AllocNode()
+                                          : m_allocator->AllocNode();
   }
 
-  // Sets the fields that a run leaves out in `node` and hands the rest of the
-  // run to its child, so that something can be hung in below.
-  static void Unfold(Node* node) noexcept;
+  // Gives a new node its characters; it has no value as yet.
+  static void SetRun(Node* node, const KeyPiece& piece) noexcept {
+    node->hasValue = 0;
+    node->length = static_cast<std::uint8_t>(piece.length);
+    std::memcpy(node->run, piece.characters, sizeof node->run);
+  }
+  static void SetValue(Node* node, const T& value) noexcept {
+    node->value = value;
+    node->hasValue = 1;
+  }
+
+  // How many of the characters of both are the same, from the first on.
+  static std::size_t CommonLength(const Node& node, const KeyPiece& piece) noexcept {
+    if (std::memcmp(node.run, piece.characters, sizeof node.run) == 0) return piece.length;
+    return CommonLengthOfDifferent(node, piece);
+  }
+  static std::size_t CommonLengthOfDifferent(const Node& node, const KeyPiece& piece) noexcept;
+
+  // Leaves `node` its first `kept` characters and makes a child of the rest, so
+  // that something can end or branch off there. On std::bad_alloc all is as it was.
+  void Divide(Node* node, std::size_t kept);
 
   // What comes next when `first`, the first node of the first chain, is cut off:
-  // its children are put before its siblings. Within a run that is the last
-  // node, for the others hold no value. This takes a dictionary apart in
+  // its children are put before its siblings. This takes a dictionary apart in
   // the order of ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
 
@@ -182,12 +190,10 @@ template <class T>
 template <std::uint32_t NodesPerBlock>
 class StrDict3<T>::Allocator final : public IAllocator {
  public:
-  // The memory of a block, for who has room for the first one elsewhere.
-  using Nodes = std::array<Node, NodesPerBlock>;
-
-  // With `firstNodes`, which must outlive the allocator, the first block is
-  // that; all others come from the heap.
-  explicit Allocator(Nodes* firstNodes = nullptr) noexcept : m_firstNodes(firstNodes) {}
+  // With `count` nodes of memory at `firstNodes`, which must outlive the allocator;
+  // all others come from the heap.
+  explicit Allocator(Node* firstNodes = nullptr, std::uint32_t count = 0) noexcept
+      : m_next(firstNodes), m_end(firstNodes + count), m_provided(count) {}
   ~Allocator() override {
     while (m_blocks != nullptr) {
       Block* block = m_blocks;
@@ -198,82 +204,51 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator(const Allocator&) = delete;
   Allocator& operator=(const Allocator&) = delete;
 
+  // The node that was freed last, else one that was never handed out.
   Node* AllocNode() override {
-    Node* node = Offer().begin;
-    Take(node + 1);
-    return node;
+    if (m_freeNodes != nullptr) {
+      --m_freeCount;
+      return std::exchange(m_freeNodes, m_freeNodes->nextSibling);
+    }
+    if (m_next == m_end) AddBlock();
+    return m_next++;
   }
-
-  // As many nodes as happen to lie side by side, one at least. They are free
-  // until they are taken; before that only `hasValue` and `ch` may be set.
-  NodeRun Offer() {
-    if (m_next.begin == m_next.end) FindNext();
-    return m_next;
-  }
-  // Takes the first of the nodes that were offered last, up to `end`.
-  void Take(Node* end) noexcept { m_next.begin = end; }
 
   void FreeNode(Node* node) noexcept override {
-    if (m_next.end - m_next.begin == 1) {
-      PushFree(m_next.begin);
-    } else if (m_next.begin != m_next.end) {
-      m_fresh = m_next;
-    }
-    m_next = {node, node + 1};
-  }
-
-  std::uint32_t Blocks() const noexcept { return m_blockCount; }
-  std::uint32_t NodesProvided() const noexcept { return m_blockCount * NodesPerBlock; }
-  std::uint32_t NodesInUse() const noexcept {
-    const auto side = (m_next.end - m_next.begin) + (m_fresh.end - m_fresh.begin);
-    return NodesProvided() - static_cast<std::uint32_t>(side) - m_freeCount;
-  }
-
- private:
-  struct Block {
-    Nodes nodes;
-    Block* next;
-  };
-
-  void PushFree(Node* node) noexcept {
     node->nextSibling = m_freeNodes;
     m_freeNodes = node;
     ++m_freeCount;
   }
 
-  // The node that was freed last, else those never handed out, else a new block.
-  void FindNext() {
-    if (Node* node = m_freeNodes) {
-      m_freeNodes = node->nextSibling;
-      --m_freeCount;
-      m_next = {node, node + 1};
-    } else if (m_fresh.begin != m_fresh.end) {
-      m_next = std::exchange(m_fresh, {nullptr, nullptr});
-    } else {
-      AddBlock();
-    }
+  std::uint32_t Blocks() const noexcept { return m_blockCount; }
+  std::uint32_t NodesProvided() const noexcept { return m_provided; }
+  std::uint32_t NodesInUse() const noexcept {
+    return m_provided - static_cast<std::uint32_t>(m_end - m_next) - m_freeCount;
   }
 
-  void AddBlock() {
-    Nodes* nodes = m_blockCount == 0 && m_firstNodes != nullptr ? m_firstNodes : AddHeapBlock();
-    m_next = {nodes->data(), nodes->data() + NodesPerBlock};
-    ++m_blockCount;
-  }
+ private:
+  struct Block {
+    std::array<Node, NodesPerBlock> nodes;
+    Block* next;
+  };
 
-  Nodes* AddHeapBlock() {
+  [[gnu::noinline]] void AddBlock() {
     Block* block = new Block;  // left unset: whoever takes a node sets its fields
     block->next = m_blocks;
     m_blocks = block;
-    return &block->nodes;
+    m_next = block->nodes.data();
+    m_end = m_next + NodesPerBlock;
+    m_provided += NodesPerBlock;
+    ++m_blockCount;
   }
 
-  NodeRun m_next{nullptr, nullptr};   // to be handed out next
-  NodeRun m_fresh{nullptr, nullptr};  // never handed out, while freed nodes go before them
-  Node* m_freeNodes = nullptr;        // freed before the one in m_next
-  Nodes* m_firstNodes;
-  Block* m_blocks = nullptr;  // those from the heap
-  std::uint32_t m_blockCount = 0;
+  Node* m_next;  // never handed out, up to the end
+  Node* m_end;
+  Node* m_freeNodes = nullptr;
   std::uint32_t m_freeCount = 0;
+  std::uint32_t m_provided;
+  std::uint32_t m_blockCount = 0;
+  Block* m_blocks = nullptr;  // those from the heap
 };
 
 // Lays a key's path piece by piece, so that a key that is still being read needs
@@ -284,11 +259,14 @@ class StrDict3<T>::Path {
   explicit Path(StrDict3& dictionary) noexcept
       : m_dictionary(dictionary), m_level(&dictionary.m_root) {}
 
-  // Goes deeper along the characters up to the first that `folding` turns into
-  // zero, and answers its place. There are new nodes where there were none. The
-  // folding is the dictionary's own, but may know more ends. Characters past
-  // kMaxKeyLength are passed over.
-  const char* Append(const char* characters, const KeyFolding& folding);
+  // Goes deeper along the characters up to the first that `reader` does not
+  // take, and answers its place. There are new nodes where there were none.
+  // Characters past kMaxKeyLength are passed over.
+  //
+  // A reader answers Piece(at), the piece of the key that begins there; an empty
+  // one where the key ends. Foldings are readers.
+  template <class Reader>
+  const char* Append(const char* at, const Reader& reader);
 
   // The same for a whole key, and for one character that is not NUL.
   void Append(const char* key) { Append(key, m_dictionary.m_folding); }
@@ -301,65 +279,57 @@ class StrDict3<T>::Path {
   Node* End() const noexcept { return m_node; }
 
  private:
-  const char* Extend(Node** link, const char* at, const KeyFolding& folding);
-  static const char* SkipRest(const char* at, const KeyFolding& folding);
+  std::size_t Lay(const KeyPiece& piece);
+  void Extend(Node** link, const KeyPiece& piece);
 
   StrDict3& m_dictionary;
   Node** m_level;
   Node* m_node = nullptr;
-  std::ptrdiff_t m_room = kMaxKeyLength;  // characters that may still be laid
+  std::size_t m_room = kMaxKeyLength;  // characters that may still be laid
 };
 
 template <class T>
-inline const char* StrDict3<T>::Path::Append(const char* at, const KeyFolding& folding) {
-  while (const signed char ch = folding.Fold(*at)) {
-    Node** link = m_level;
-    while (*link != nullptr && (*link)->ch < ch) link = &(*link)->nextSibling;
-    if (*link == nullptr || (*link)->ch != ch) return Extend(link, at, folding);
-    if (m_room == 0) return SkipRest(at, folding);
-    --m_room;
-    m_node = *link;
-    Unfold(m_node);
-    m_level = &m_node->firstChild;
-    ++at;
+template <class Reader>
+inline const char* StrDict3<T>::Path::Append(const char* at, const Reader& reader) {
+  for (;;) {
+    KeyPiece piece = reader.Piece(at);
+    const std::size_t whole = piece.length;
+    if (whole > m_room) [[unlikely]]
+      piece = piece.CutTo(m_room);
+    const std::size_t laid = piece.length != 0 ? Lay(piece) : whole;
+    at += laid;
+    if (laid == whole && whole != KeyPiece::kMaxLength) return at;
   }
-  return at;
 }
 
-// Hangs a chain of new nodes in at `link`, for the characters from `at` on.
+// Goes deeper by as many of the piece's characters as one node takes, and
+// answers their number.
 template <class T>
-inline const char* StrDict3<T>::Path::Extend(Node** link, const char* at,
-                                             const KeyFolding& folding) {
-  signed char ch = folding.Fold(*at);
-  for (Node* nextSibling = *link; m_room != 0; nextSibling = nullptr) {
-    NodeRun nodes = m_dictionary.OfferNodes();
-    if (nodes.end - nodes.begin > m_room) nodes.end = nodes.begin + m_room;
-    Node* node = nodes.begin;
-    for (Node* const last = nodes.end - 1;; ++node) {
-      node->hasValue = 0;
-      node->ch = ch;
-      ch = folding.Fold(*++at);
-      if (ch == 0 || node == last) break;
-    }
-    m_dictionary.TakeNodes(node + 1);
-    m_node = node;
-    node->run = 0;
-    node->nextSibling = nullptr;
-    node->firstChild = nullptr;
-    nodes.begin->run = static_cast<std::uint16_t>(node - nodes.begin);
-    nodes.begin->nextSibling = nextSibling;
-    *link = nodes.begin;
-    m_level = link = &node->firstChild;
-    m_room -= node + 1 - nodes.begin;
-    if (ch == 0) return at;
+inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
+  const signed char first = piece.characters[0];
+  Node** link = m_level;
+  while (*link != nullptr && (*link)->run[0] < first) link = &(*link)->nextSibling;
+  std::size_t length = piece.length;
+  if (*link == nullptr || (*link)->run[0] != first) {
+    Extend(link, piece);
+  } else {
+    length = CommonLength(**link, piece);
+    if (length < (*link)->length) m_dictionary.Divide(*link, length);
   }
-  return SkipRest(at, folding);
+  m_node = *link;
+  m_level = &m_node->firstChild;
+  m_room -= length;
+  return length;
 }
 
+// Hangs a new node in at `link`.
 template <class T>
-const char* StrDict3<T>::Path::SkipRest(const char* at, const KeyFolding& folding) {
-  while (folding.Fold(*at) != 0) ++at;
-  return at;
+inline void StrDict3<T>::Path::Extend(Node** link, const KeyPiece& piece) {
+  Node* node = m_dictionary.AllocNode();
+  SetRun(node, piece);
+  node->nextSibling = *link;
+  node->firstChild = nullptr;
+  *link = node;
 }
 
 template <class T>
@@ -367,34 +337,57 @@ bool StrDict3<T>::Insert(const char* key, const T& value) {
   if (key == nullptr || *key == '\0') return false;
   Path path(*this);
   path.Append(key);
-  path.End()->value = value;
-  path.End()->hasValue = 1;
+  SetValue(path.End(), value);
   return true;
 }
 
 template <class T>
-bool StrDict3<T>::Find(const char* key, Node*& outNode) const noexcept {
+bool StrDict3<T>::Find(const char* key, const Node*& outNode) const noexcept {
+  static constexpr Node kPrefix{};  // stands for every place within a run
   if (key == nullptr || *key == '\0') return false;
   const char* at = key;
-  signed char ch = m_folding.Fold(*at);
-  Node* parent = nullptr;
-  for (Node* node = m_root;; node = node->firstChild) {
-    while (node != nullptr && node->ch < ch) node = node->nextSibling;
-    if (node == nullptr || node->ch != ch) {
+  const Node* parent = nullptr;
+  for (const Node* node = m_root;; node = node->firstChild) {
+    const KeyPiece piece = m_folding.Piece(at);
+    if (piece.length == 0) break;
+    const signed char first = piece.characters[0];
+    while (node != nullptr && node->run[0] < first) node = node->nextSibling;
+    if (node == nullptr || node->run[0] != first) {
       // No path is longer than the limit, so only there can a key be cut.
       if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
       break;
     }
-    ch = m_folding.Fold(*++at);
-    for (const Node* const end = node + node->run; node != end && ch != 0;) {
-      if ((++node)->ch != ch) return false;
-      ch = m_folding.Fold(*++at);
-    }
     parent = node;
-    if (ch == 0) break;
+    const std::size_t same = CommonLength(*node, piece);
+    if (same < node->length) {
+      if (same != piece.length) return false;
+      parent = &kPrefix;
+      break;
+    }
+    at += same;
   }
   outNode = parent;
   return true;
+}
+
+template <class T>
+[[gnu::noinline]] const T* StrDict3<T>::FindValue(const char* key) const noexcept {
+  const Node* node = nullptr;
+  return Find(key, node) && node->hasValue ? &node->value : nullptr;
+}
+
+// Most keys end within their first node, or miss there.
+template <class T>
+inline const T* StrDict3<T>::FindValue(const FoldedKey& key) const noexcept {
+  const KeyPiece& piece = key.First();
+  if (!m_folding.IsToLower()) return FindValue(key.Text());
+  const Node* node = m_root;
+  while (node != nullptr && node->run[0] < piece.characters[0]) node = node->nextSibling;
+  if (node == nullptr || node->run[0] != piece.characters[0]) return nullptr;
+  const std::size_t same = CommonLength(*node, piece);
+  if (same < node->length) return nullptr;
+  if (same != piece.length || same == KeyPiece::kMaxLength) return FindValue(key.Text());
+  return node->hasValue ? &node->value : nullptr;
 }
 
 template <class T>
@@ -410,15 +403,11 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
   if (length > kMaxVisitedKeyLength) EndProcessOnLongKey();
   std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
-    if (length == kMaxVisitedKeyLength) EndProcessOnLongKey();
-    key[length++] = static_cast<char>(node->ch);
+    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
+    if (length + node->length > kMaxVisitedKeyLength) EndProcessOnLongKey();
+    std::memcpy(key + length, node->run, node->length);
+    length += node->length;
     if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
-    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length - 1};
-    if (const Node* const end = node + node->run; node != end) {
-      if (length + node->run > kMaxVisitedKeyLength) EndProcessOnLongKey();
-      while (node != end) key[length++] = static_cast<char>((++node)->ch);
-      if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
-    }
     node = node->firstChild;
     if (node == nullptr && lastLater != later) {
       node = (--lastLater)->node;
@@ -436,20 +425,31 @@ bool StrDict3<T>::Visit(char* key, std::size_t length, Node* node, Callback call
 }
 
 template <class T>
-void StrDict3<T>::Unfold(Node* node) noexcept {
-  if (node->run == 0) return;
-  Node* child = node + 1;
-  if (node->run > 1) {
-    child->run = static_cast<std::uint16_t>(node->run - 1);
-    child->nextSibling = nullptr;
-  }
-  node->run = 0;
-  node->firstChild = child;
+[[gnu::noinline]] std::size_t StrDict3<T>::CommonLengthOfDifferent(const Node& node,
+                                                                   const KeyPiece& piece) noexcept {
+  const auto difference = std::mismatch(piece.characters, std::end(piece.characters), node.run);
+  return static_cast<std::size_t>(difference.first - piece.characters);
+}
+
+template <class T>
+[[gnu::noinline]] void StrDict3<T>::Divide(Node* node, std::size_t kept) {
+  Node* rest = AllocNode();
+  KeyPiece piece{{}, node->length - kept};
+  std::memcpy(piece.characters, node->run + kept, piece.length);
+  SetRun(rest, piece);
+  rest->nextSibling = nullptr;
+  rest->firstChild = node->firstChild;
+  if (node->hasValue) SetValue(rest, node->value);
+
+  node->hasValue = 0;
+  node->length = static_cast<std::uint8_t>(kept);
+  std::fill(node->run + kept, std::end(node->run), static_cast<signed char>(0));
+  node->firstChild = rest;
 }
 
 template <class T>
 typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
-  Node* next = first->run != 0 ? first + first->run : first->firstChild;
+  Node* next = first->firstChild;
   if (next == nullptr) return first->nextSibling;
   if (first->nextSibling != nullptr) {
     // Each chain of siblings is walked to its end once at most, so a whole

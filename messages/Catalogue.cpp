@@ -56,7 +56,8 @@ std::size_t FindInCatalogue(std::string_view name) noexcept {
     next = static_cast<const std::uint8_t*>(std::memchr(next, mark, left));
     if (next == nullptr) return kCatalogueSize;
     const auto i = static_cast<std::size_t>(next - kMarks);
-    if (SameName(kCatalogue[i].name, name)) return i;
+    // As it is coded, from nearly everybody.
+    if (kCatalogue[i].name == name || SameName(kCatalogue[i].name, name)) return i;
   }
   return kCatalogueSize;
 }

@@ -25,12 +25,12 @@ void* Unlocked(const void* constant) {
 bool CheckRange(const RecordTable& table, const Field& field, std::int32_t value) {
   if (field.range.hasLower && value < field.range.lower) {
     ErrorReport::Instance().Report("%s: m_%s expected to be greater than %d. It is %d.",
-                                   table.decoder, field.name, field.range.lower, value);
+                                   table.decoder, field.name.Text(), field.range.lower, value);
     return false;
   }
   if (field.range.hasUpper && value > field.range.upper) {
     ErrorReport::Instance().Report("%s: m_%s expected to be less than %d. It is %d.", table.decoder,
-                                   field.name, field.range.upper, value);
+                                   field.name.Text(), field.range.upper, value);
     return false;
   }
   return true;
@@ -149,14 +149,14 @@ JsonObject* EncodeNested(const Field& field, void* member) {
 bool EncodeField(JsonObject& object, const Field& field, void* member) {
   switch (field.kind) {
     case FieldKind::Text:
-      SetStrProperty(object, field.name, static_cast<const char*>(member));
+      SetStrProperty(object, field.name.Text(), static_cast<const char*>(member));
       return true;
     case FieldKind::Integer:
-      SetIntProperty(object, field.name, *static_cast<const std::int32_t*>(member));
+      SetIntProperty(object, field.name.Text(), *static_cast<const std::int32_t*>(member));
       return true;
     default:
       const JsonRef<JsonObject> nested(EncodeNested(field, member));
-      return object.Set(field.name, nested.Get());
+      return object.Set(field.name.Text(), nested.Get());
   }
 }
 
@@ -192,7 +192,7 @@ JsonObject* EncodeUnion(const UnionTable& table, const void* choice) {
       alternative.record != nullptr
           ? EncodeRecord(*alternative.record, alternative.member(Unlocked(choice)))
           : new JsonObject());
-  return object->Set(alternative.name, body.Get()) ? object.Detach() : nullptr;
+  return object->Set(alternative.name.Text(), body.Get()) ? object.Detach() : nullptr;
 }
 
 void DestroyUnion(const UnionTable& table, void* choice) {

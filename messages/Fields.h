@@ -6,6 +6,8 @@
 #include <new>
 #include <type_traits>
 
+#include "json/FoldedKey.h"
+
 namespace Messages {
 
 // How a record is described. A record is a plain struct; right below it stands
@@ -54,7 +56,7 @@ constexpr Range AtLeast(std::int32_t lower) {
 // called m_ and that name. `member` answers the address of the member in a
 // record; of the rest only what belongs to the kind is set.
 struct Field {
-  const char* name;
+  Vask::FoldedKey name;
   FieldKind kind;
   void* (*member)(void* record);
   std::uint32_t capacity = 0;            // Text: bytes without the terminating zero
@@ -79,7 +81,7 @@ struct RecordTable {
 // One alternative of a union; its number is its place in the table. One
 // without fields has no record and no storage.
 struct Alternative {
-  const char* name;
+  Vask::FoldedKey name;
   const RecordTable* record = nullptr;
   void* (*member)(void* choice) = nullptr;
   void (*construct)(void* member) = nullptr;
@@ -128,7 +130,7 @@ template <class Rows>
 constexpr bool HasDuplicateNames(const Rows& rows) {
   for (auto a = std::begin(rows); a != std::end(rows); ++a) {
     for (auto b = std::next(a); b != std::end(rows); ++b) {
-      if (SameName(a->name, b->name)) return true;
+      if (SameName(a->name.Text(), b->name.Text())) return true;
     }
   }
   return false;

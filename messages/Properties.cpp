@@ -11,6 +11,7 @@
 
 namespace Messages {
 
+using Vask::FoldedKey;
 using Vask::Json;
 using Vask::JsonNumber;
 using Vask::JsonObject;
@@ -18,28 +19,28 @@ using Vask::JsonRef;
 using Vask::JsonString;
 using Vask::JsonType;
 
-Json* GetProperty(const JsonObject& object, const char* name) {
+Json* GetProperty(const JsonObject& object, const FoldedKey& name) {
   return object.Find(name);
 }
 
-bool GetStrProperty(const JsonObject& object, const char* name, char* destination,
+bool GetStrProperty(const JsonObject& object, const FoldedKey& name, char* destination,
                     std::uint32_t maximum, bool optional) {
   ErrorReport& report = ErrorReport::Instance();
   destination[0] = '\0';
   const Json* value = GetProperty(object, name);
   if (value == nullptr) {
-    if (!optional) report.Report("GetStrProperty: Property '%s' not found", name);
+    if (!optional) report.Report("GetStrProperty: Property '%s' not found", name.Text());
     return false;
   }
   if (value->Type() != JsonType::String) {
     report.Report("GetStrProperty: Property '%s' was expected to be a string (but it is not)",
-                  name);
+                  name.Text());
     return false;
   }
   const std::string_view text = static_cast<const JsonString*>(value)->Text();
   if (text.size() > maximum) {
     report.Report("GetStrProperty: Property '%s' exceeds the max length of %u. It is %u bytes.",
-                  name, maximum, static_cast<unsigned>(text.size()));
+                  name.Text(), maximum, static_cast<unsigned>(text.size()));
     return false;
   }
   std::memcpy(destination, text.data(), text.size());
@@ -47,13 +48,13 @@ bool GetStrProperty(const JsonObject& object, const char* name, char* destinatio
   return true;
 }
 
-bool GetIntProperty(const JsonObject& object, const char* name, std::int32_t& destination,
+bool GetIntProperty(const JsonObject& object, const FoldedKey& name, std::int32_t& destination,
                     bool optional) {
   destination = 0;
   const Json* value = GetProperty(object, name);
   if (value == nullptr) {
     if (!optional) {
-      ErrorReport::Instance().Report("GetIntProperty: Property '%s' not found", name);
+      ErrorReport::Instance().Report("GetIntProperty: Property '%s' not found", name.Text());
     }
     return false;
   }
@@ -61,7 +62,7 @@ bool GetIntProperty(const JsonObject& object, const char* name, std::int32_t& de
       value->Type() == JsonType::Number && static_cast<const JsonNumber*>(value)->IsInteger();
   if (!integral) {
     ErrorReport::Instance().Report(
-        "GetIntProperty: Property '%s' was expected to be an int (but it is not)", name);
+        "GetIntProperty: Property '%s' was expected to be an int (but it is not)", name.Text());
     return false;
   }
   destination = static_cast<std::int32_t>(
@@ -69,27 +70,27 @@ bool GetIntProperty(const JsonObject& object, const char* name, std::int32_t& de
   return true;
 }
 
-bool GetFloatProperty(const JsonObject& object, const char* name, double& destination) {
+bool GetFloatProperty(const JsonObject& object, const FoldedKey& name, double& destination) {
   destination = 0.0;
   const Json* value = GetProperty(object, name);
   if (value == nullptr) {
-    ErrorReport::Instance().Report("GetFloatProperty: Property '%s' not found", name);
+    ErrorReport::Instance().Report("GetFloatProperty: Property '%s' not found", name.Text());
     return false;
   }
   if (value->Type() != JsonType::Number) {
     ErrorReport::Instance().Report(
-        "GetFloatProperty: Property '%s' was expected to be a double (but it is not)", name);
+        "GetFloatProperty: Property '%s' was expected to be a double (but it is not)", name.Text());
     return false;
   }
   destination = static_cast<const JsonNumber*>(value)->DoubleValue();
   return true;
 }
 
-JsonObject* GetObjProperty(const JsonObject& object, const char* name, bool optional) {
+JsonObject* GetObjProperty(const JsonObject& object, const FoldedKey& name, bool optional) {
   Json* value = GetProperty(object, name);
   if (value == nullptr) {
     if (!optional) {
-      ErrorReport::Instance().Report("GetObjProperty: Property '%s' not found", name);
+      ErrorReport::Instance().Report("GetObjProperty: Property '%s' not found", name.Text());
     }
     return nullptr;
   }

@@ -42,6 +42,11 @@ struct Registrar::FromText {
 
 namespace {
 
+// The envelope.
+constexpr Vask::FoldedKey kId("id");
+constexpr Vask::FoldedKey kName("name");
+constexpr Vask::FoldedKey kData("data");
+
 // Makes the root the current message for a scope. It ends before the root's
 // owner lets go of it.
 class CurrentMessage {
@@ -152,9 +157,9 @@ bool Registrar::OnJsonMessage(Json* root) {
 
 bool Registrar::Process(const JsonObject& message) {
   std::int32_t id = 0;
-  GetIntProperty(message, "id", id, true);
+  GetIntProperty(message, kId, id, true);
 
-  const Json* name = GetProperty(message, "name");
+  const Json* name = GetProperty(message, kName);
   if (name == nullptr) {
     ReportError("Messages::Registrar::OnJsonMessage: Received message missing the 'name' property");
     return false;
@@ -165,7 +170,7 @@ bool Registrar::Process(const JsonObject& message) {
         "(expected 'string')");
     return false;
   }
-  const JsonObject* data = GetObjProperty(message, "data", false);
+  const JsonObject* data = GetObjProperty(message, kData, false);
   if (data == nullptr) {
     ReportError(
         "Messages::Registrar::OnJsonMessage: The 'data' has the wrong type (expected 'object')");

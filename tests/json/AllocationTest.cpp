@@ -20,8 +20,9 @@ std::uint64_t AllocationsOfParsing(const std::string& text) {
   return after - before;
 }
 
-// One for every slab of values, one for every sixteen characters of an object's
-// keys after the first sixteen, and one for each element of an array.
+// One for every slab of values, one for every sixteen nodes of an object's keys
+// after the first eight, and one for each element of an array. A key takes a node
+// for every sixteen characters that it shares with no other.
 TEST_F(AllocationTest, ValuesAndKeysShareFewAllocations) {
   struct Row {
     const char* name;
@@ -35,8 +36,10 @@ TEST_F(AllocationTest, ValuesAndKeysShareFewAllocations) {
            Row{"StringWithEscapes", R"("a string\nof more than\tfifteen characters")", 1},
            Row{"LongString", '"' + std::string(100'000, 'x') + '"', 1},
            Row{"EmptyObject", "{}", 1},
-           Row{"SixteenKeyCharacters", R"({"0123456789ABCDEF":0})", 1},
-           Row{"SeventeenKeyCharacters", R"({"0123456789ABCDEFG":0})", 2},
+           Row{"EightKeys", R"({"a":0,"b":0,"c":0,"d":0,"e":0,"f":0,"g":0,"h":0})", 1},
+           Row{"NineKeys", R"({"a":0,"b":0,"c":0,"d":0,"e":0,"f":0,"g":0,"h":0,"i":0})", 2},
+           Row{"KeyOf128Characters", "{\"" + std::string(128, 'k') + "\":0}", 1},
+           Row{"KeyOf129Characters", "{\"" + std::string(129, 'k') + "\":0}", 2},
            Row{"EmptyArray", "[]", 1},
            Row{"ArrayElement", "[0]", 2},
            Row{"SixteenLevels", "[[[[[[[[[[[[[[[[]]]]]]]]]]]]]]]]", 1 + 15},

@@ -46,9 +46,10 @@ TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
   JsonRef<JsonObject> object(new JsonObject);
   JsonRef<JsonObject> value(new JsonObject);
   ASSERT_TRUE(object->Set("a", value.Get()));
+  const std::string longKey(500, 'k');  // needs two blocks more
   const int failures = FailuresUntilItWorks([&] {
     try {
-      object->Set("another key that needs more than one block", value.Get());
+      object->Set(longKey.c_str(), value.Get());
     } catch (const std::bad_alloc&) {
       if (value->RefCount() != 2) std::abort();
       throw;
@@ -56,7 +57,23 @@ TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
   });
   EXPECT_EQ(failures, 2);
   EXPECT_EQ(value->RefCount(), 3);
-  EXPECT_EQ(object->Find("another"), nullptr);
+  EXPECT_EQ(object->Find(longKey.substr(1).c_str()), nullptr);
+}
+
+TEST_F(OutOfMemoryTest, KeyThatWouldDivideAnotherLeavesItWhole) {
+  JsonRef<JsonObject> object(new JsonObject);
+  JsonRef<JsonObject> value(new JsonObject);
+  for (char last = 'a'; last < 'a' + 16; ++last) {  // as many nodes as a block has
+    ASSERT_TRUE(object->Set((std::string(1, last) + "-key").c_str(), value.Get()));
+  }
+  EXPECT_EQ(FailuresUntilItWorks([&] {
+              EXPECT_NE(object->Find("b-key"), nullptr);
+              EXPECT_EQ(object->Find("b-"), nullptr);
+              object->Set("b-", value.Get());
+            }),
+            1);
+  EXPECT_NE(object->Find("b-key"), nullptr);
+  EXPECT_NE(object->Find("b-"), nullptr);
 }
 
 TEST_F(OutOfMemoryTest, WritingLeavesTheTreeAsItWas) {
