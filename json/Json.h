@@ -68,10 +68,16 @@ class Json : public RefCount3 {
   ~Json() override { Count(s_destroyed); }
 
   // A container's destructor calls this: every value below it is released,
-  // members in their order, each with all that it holds before the next.
+  // members in their order, each with all that it holds before the next; or all
+  // at once, where nobody can tell the difference.
   void ReleaseChildren() noexcept;
 
+  // To be called before a value that was parsed is made to hold another one.
+  void BreakText() noexcept { ValueMemory::BreakText(this); }
+
  private:
+  bool VanishWithText() noexcept;
+
   // Takes one value out of a dying container, first to last; null when none is
   // left. The container's reference passes to the caller.
   virtual Json* TakeChild() noexcept;
@@ -83,8 +89,8 @@ class Json : public RefCount3 {
   // Load and store instead of one locked increment: the counters promise no
   // more than plain integers would, and two locked instructions for each value
   // would be a tenth of a message's whole decoding.
-  static void Count(Counter& counter) noexcept {
-    counter.store(Read(counter) + 1, std::memory_order_relaxed);
+  static void Count(Counter& counter, std::uint32_t values = 1) noexcept {
+    counter.store(Read(counter) + values, std::memory_order_relaxed);
   }
 
   static constinit Counter s_constructed;

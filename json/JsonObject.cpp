@@ -7,7 +7,9 @@
 namespace Vask {
 
 JsonObject::~JsonObject() {
-  if (!Empty()) ReleaseChildren();
+  if (Empty()) return;
+  ReleaseChildren();
+  m_members.Forget();
 }
 
 JsonObject* JsonObject::CreateWithRoom(ValueMemory* memory) {
@@ -20,7 +22,7 @@ JsonObject* JsonObject::CreateWithRoom(ValueMemory* memory) {
 
 bool JsonObject::Set(const char* key, Json* value) {
   if (value == nullptr) return false;
-  Dictionary::Path path(m_members);
+  Dictionary::Path path(Members());
   if (key != nullptr) path.Append(key);
   value->AddRef();
   Adopt(path.End(), value);

@@ -39,8 +39,16 @@ class JsonObject final : public Json {
 
   // The members themselves, for walking with ForEach. Whoever inserts here must
   // see to the references.
-  Dictionary& Members() noexcept { return m_members; }
+  Dictionary& Members() noexcept {
+    BreakText();
+    return m_members;
+  }
   const Dictionary& Members() const noexcept { return m_members; }
+
+  // The same for whoever fills the object while its text is being read.
+  Dictionary& NewMembers() noexcept { return m_members; }
+  // Whether nodes had to be got beside the room that the object came with.
+  [[nodiscard]] bool HasHeapNodes() const noexcept { return m_nodes.Blocks() != 0; }
 
   // Like Set at the node of a key that was laid with Dictionary::Path, but takes
   // over the caller's reference. A null node stands for the empty key.

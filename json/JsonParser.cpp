@@ -152,6 +152,9 @@ class JsonParser {
 
   Json* Run();
   void Report(ParseResult& result) const;
+  // Whether the values that were read lie in their memory with all that they have,
+  // and the root holds all others.
+  bool IsAllInPlace() const { return m_isAllInPlace; }
 
  private:
   // Where reading goes on, and the value that was read whole there: null when a
@@ -200,6 +203,7 @@ class JsonParser {
   Json* m_innermost = nullptr;                    // of the open ones; each knows the one around it
   JsonObject* m_object = nullptr;                 // the innermost, unless it is an array
   JsonObject::Dictionary::Node* m_key = nullptr;  // under which its next value goes
+  bool m_isAllInPlace = true;
   std::vector<JsonRef<Json>> m_underEmptyKeys;  // open ones that no object holds
 };
 
@@ -259,6 +263,7 @@ inline JsonParser::Begun JsonParser::BeginObject(const char* at) {
 JsonParser::Begun JsonParser::BeginArray(const char* at) {
   at = SkipSpace(at + 1);
   auto* array = new (Here()) JsonArray;
+  m_isAllInPlace = false;
   if (*at == ']') return {at + 1, array};
   Open(array, nullptr);
   return {at, nullptr};
@@ -269,6 +274,7 @@ inline void JsonParser::Open(Json* container, JsonObject* object) {
   if (m_innermost == nullptr) {
     m_root.Reset(container);
   } else if (m_object != nullptr && m_key == nullptr) {
+    m_isAllInPlace = false;
     m_underEmptyKeys.emplace_back(container);
   } else {
     Give(container);
@@ -279,6 +285,7 @@ inline void JsonParser::Open(Json* container, JsonObject* object) {
 }
 
 inline void JsonParser::Close() {
+  if (m_object != nullptr && m_object->HasHeapNodes()) m_isAllInPlace = false;
   if (!m_underEmptyKeys.empty() && m_underEmptyKeys.back().Get() == m_innermost) {
     static_cast<void>(m_underEmptyKeys.back().Detach());
     m_underEmptyKeys.pop_back();
@@ -291,6 +298,7 @@ inline void JsonParser::Close() {
 // Gives the reference to the innermost container.
 inline void JsonParser::Give(Json* value) {
   if (m_object != nullptr) {
+    if (m_key == nullptr) m_isAllInPlace = false;
     JsonObject::Adopt(m_key, value);
   } else {
     JsonRef<Json> element(value);
@@ -321,7 +329,7 @@ inline const char* JsonParser::AfterValue(const char* at) {
 // Inline wherever it is called: a call for every key is a tenth of its cost.
 [[gnu::always_inline]] inline const char* JsonParser::ReadKey(const char* at) {
   if (*at != '"') return Fail(at, kExpectedKey);
-  JsonObject::Dictionary::Path path(m_object->Members());
+  JsonObject::Dictionary::Path path(m_object->NewMembers());
   const char* end = path.Append(at + 1, KeyReader(m_textEnd));
   m_key = path.End();
   if (*end == '"') {
@@ -336,7 +344,7 @@ inline const char* JsonParser::AfterValue(const char* at) {
 
 // A key with more than plain characters, laid anew from its beginning.
 [[gnu::noinline]] const char* JsonParser::ReadMixedKey(const char* at) {
-  KeySink key(m_object->Members());
+  KeySink key(m_object->NewMembers());
   at = ReadString(at, key);
   m_key = key.Node();
   return at;
@@ -512,6 +520,7 @@ Json* Parse(ParseResult& result, const char* text, ValueMemory& memory) {
   JsonParser parser(text, memory);
   Json* root = parser.Run();
   parser.Report(result);
+  if (root != nullptr && parser.IsAllInPlace()) memory.EndText();
   return root;
 }
 

@@ -26,8 +26,9 @@ namespace Vask {
 // value that is kept keeps its slab.
 //
 // Who reads one text after the other keeps one of these and rewinds it between
-// them: then the heap is hardly asked at all. Each piece has a small head that tells where it came
-// from, so that Free serves pieces of a slab and such of the heap alike.
+// them: then the heap is hardly asked at all. Each piece has a small head that tells
+// where it came from, so that Free serves pieces of a slab and such of the heap
+// alike.
 class ValueMemory {
  public:
   // What a slab holds, heads included: the largest message of a few values.
@@ -46,8 +47,9 @@ class ValueMemory {
 
   // A piece of `bytes`, aligned to 8. Throws std::bad_alloc.
   void* Take(std::size_t bytes) {
-    const std::size_t whole = sizeof(Head) + (bytes + kAlignment - 1) / kAlignment * kAlignment;
+    const std::size_t whole = sizeof(Head) + RoundUp(bytes);
     if (whole > m_left) {
+      if (m_slab != nullptr || bytes > kLargestPiece) m_isOneText = false;
       if (bytes > kLargestPiece) return TakeAlone(bytes);
       OpenSlab();
     }
@@ -55,13 +57,22 @@ class ValueMemory {
     m_left -= whole;
     ++m_pieces;
     ASAN_UNPOISON_MEMORY_REGION(head, sizeof(Head) + bytes);
-    const auto offset = static_cast<std::uint32_t>(kSlabBytes - m_left - whole);
-    return new (head) Head{offset, static_cast<std::uint32_t>(bytes)} + 1;
+    const auto offset = static_cast<std::uint16_t>(kSlabBytes - m_left - whole);
+    return new (head) Head{offset, 0, static_cast<std::uint32_t>(bytes)} + 1;
   }
 
   // A piece of the heap that Free knows, for a value that stands alone.
   static void* TakeAlone(std::size_t bytes);
 
+  // To be said when a text was read whole and its first piece holds all others: if
+  // they lie in one slab they can then go all at once (see Text).
+  void EndText() noexcept;
+
+  // To be said, of any piece, before its value is made to hold another one: from
+  // then on the pieces of its text go each for itself.
+  static void BreakText(void* piece) noexcept;
+
+  class Text;
   class Returns;
 
   // Gives a piece back, from either source and on any thread.
@@ -69,26 +80,87 @@ class ValueMemory {
 
  private:
   struct Head {
-    std::uint32_t slabOffset;  // from the slab's begin to here; 0: of the heap
-    std::uint32_t bytes;       // of the piece, for checkers of memory use
+    std::uint16_t slabOffset;  // from the slab's begin to here; 0: of the heap
+    std::uint16_t others;      // pieces that are given back together with this one
+    std::uint32_t bytes;       // of the piece
   };
   struct Slab {
     // Pieces in use, once all that will ever be cut from the slab are counted
     // in; before that, the number given back, negative.
     std::atomic<std::int32_t> inUse{0};
+    // Of the one text that fills the slab from its begin on, 0 if there is none:
+    // the offset of its end, in kAlignment.
+    std::atomic<std::uint16_t> textEnd{0};
+    std::uint16_t textPieces = 0;
   };
 
+  static constexpr std::size_t kAlignment = 8;
+  static constexpr std::size_t RoundUp(std::size_t bytes) noexcept {
+    return (bytes + kAlignment - 1) / kAlignment * kAlignment;
+  }
+  static Slab* SlabOf(Head& head) noexcept {
+    return reinterpret_cast<Slab*>(reinterpret_cast<char*>(&head) - head.slabOffset);
+  }
   static Head& HeadOf(void* piece) noexcept { return *(static_cast<Head*>(piece) - 1); }
   static void FreeSlab(Slab* slab) noexcept;
   static void Retire(Slab* slab, std::int32_t pieces) noexcept;
   void OpenSlab();
   void CloseSlab() noexcept;
 
-  static constexpr std::size_t kAlignment = 8;
-
   Slab* m_slab = nullptr;
   std::size_t m_left = 0;     // bytes of the slab
   std::int32_t m_pieces = 0;  // cut from it
+  bool m_isOneText = true;    // all of the text so far lies here, and nothing else
+};
+
+// The pieces that were taken for a text behind its first one, if they are still as
+// they were at its end: all there, and nobody said BreakText. Empty otherwise.
+class ValueMemory::Text {
+ public:
+  explicit Text(void* first) noexcept {
+    Head& head = HeadOf(first);
+    if (head.slabOffset != kAlignment) return;
+    Slab* slab = SlabOf(head);
+    const std::size_t end = slab->textEnd.load(std::memory_order_relaxed) * kAlignment;
+    const std::int32_t inUse = slab->inUse.load(std::memory_order_acquire);
+    if (end == 0 || (inUse != 0 && inUse != slab->textPieces)) return;
+    m_slab = slab;
+    m_head = &head;
+    m_second = After(first);
+    m_end = reinterpret_cast<char*>(slab) + end;
+  }
+
+  [[nodiscard]] bool Empty() const noexcept { return m_slab == nullptr; }
+
+  // Whether `holds` is true of every piece.
+  template <class Predicate>
+  [[nodiscard]] bool All(Predicate holds) const noexcept {
+    // Pieces begin behind their heads, so where the last one ends there is none.
+    for (char* piece = m_second; piece < m_end; piece = After(piece)) {
+      if (!holds(piece)) return false;
+    }
+    return true;
+  }
+
+  // They go when the first piece goes. Answers how many they are.
+  std::uint16_t GiveBack() noexcept {
+    static_cast<void>(All([](void* piece) {
+      ASAN_POISON_MEMORY_REGION(piece, HeadOf(piece).bytes);
+      return piece != nullptr;
+    }));
+    m_head->others = static_cast<std::uint16_t>(m_slab->textPieces - 1);
+    return m_head->others;
+  }
+
+ private:
+  static char* After(void* piece) noexcept {
+    return static_cast<char*>(piece) + RoundUp(HeadOf(piece).bytes) + sizeof(Head);
+  }
+
+  Slab* m_slab = nullptr;
+  Head* m_head = nullptr;
+  char* m_second = nullptr;
+  const char* m_end = nullptr;
 };
 
 // Pieces that one thread gives back one after the other, counted in one step
@@ -103,14 +175,14 @@ class ValueMemory::Returns {
   void Add(void* piece) noexcept {
     Head& head = HeadOf(piece);
     if (head.slabOffset == 0) return ::operator delete(&head);
-    auto* slab = reinterpret_cast<Slab*>(reinterpret_cast<char*>(&head) - head.slabOffset);
+    Slab* slab = SlabOf(head);
     ASAN_POISON_MEMORY_REGION(piece, head.bytes);
     if (slab != m_slab) {
       Settle();
       m_slab = slab;
       m_pieces = 0;
     }
-    ++m_pieces;
+    m_pieces += 1 + head.others;
   }
 
  private:

@@ -1,0 +1,147 @@
+#include <string>
+#include <thread>
+
+#include "json/JsonNumber.h"
+#include "json/JsonObject.h"
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "json/JsonString.h"
+#include "tests/json/BalancedTest.h"
+#include "tests/support/ExpectedLeak.h"
+
+// The values of a text lie together and may go together. Whatever was done with
+// them before, each must go once, and those that somebody holds must stay.
+
+namespace Vask {
+namespace {
+
+class TextReleaseTest : public Tests::BalancedTest {
+ protected:
+  // Lies in m_memory, as do the messages that a registrar reads.
+  JsonRef<JsonObject> Read(const char* text) {
+    ParseResult result;
+    JsonRef<JsonObject> root(static_cast<JsonObject*>(Parse(result, text, m_memory)));
+    EXPECT_TRUE(root) << text << ": " << result.errorMessage;
+    return root;
+  }
+
+  static JsonObject& Object(const JsonObject& around, const char* key) {
+    return static_cast<JsonObject&>(*around.Find(key));
+  }
+
+  ValueMemory m_memory;
+};
+
+constexpr const char* kText = R"({"id":1,"data":{"name":"text","deep":{"end":null}},"from":"x"})";
+
+TEST_F(TextReleaseTest, UntouchedTextGoesWhole) {
+  const std::uint32_t before = Living();
+  JsonRef<JsonObject> root = Read(kText);
+  EXPECT_EQ(Living() - before, 7u);
+  root.Reset(nullptr);
+  EXPECT_EQ(Living(), before);
+}
+
+TEST_F(TextReleaseTest, TextsOfEveryShapeGoWhole) {
+  const std::string manyKeys = R"({"a":0,"b":0,"c":0,"d":0,"e":0,"f":0,"g":0,"h":0,"i":{"j":0}})";
+  const std::string manyKeysBelow = "{\"x\":" + manyKeys + "}";
+  const std::string longString = R"({"a":")" + std::string(5'000, 'x') + R"(","b":{"c":1}})";
+  const std::string manySlabs = R"({"a":")" + std::string(900, 'x') + R"(","b":")" +
+                                std::string(900, 'x') + R"(","c":{"d":{"e":{"f":{"g":1}}}}})";
+  for (const std::string& text :
+       {std::string(R"({"a":{}})"), std::string(R"({"a":[],"b":[1,{"c":[2]}]})"), manyKeys,
+        manyKeysBelow, longString, manySlabs, std::string(R"({"a":1,"A":{"b":2},"a":"three"})")}) {
+    const std::uint32_t before = Living();
+    for (int i = 0; i < 3; ++i) Read(text.c_str());
+    EXPECT_EQ(Living(), before) << text;
+  }
+}
+
+TEST_F(TextReleaseTest, ValueUnderAnEmptyKeyStaysLost) {
+  Tests::ExpectedLeak leak;
+  ExpectLost(2);
+  Read(R"({"":"lost","a":1})");
+  Read(R"({"a":{"":2},"b":1})");
+}
+
+TEST_F(TextReleaseTest, HeldValueStaysWhateverItsDepth) {
+  JsonRef<JsonObject> root = Read(kText);
+  Json* end = Object(Object(*root, "data"), "deep").Find("end");
+  end->AddRef();
+  root.Reset(nullptr);
+  EXPECT_EQ(end->Type(), JsonType::Null);
+  EXPECT_EQ(end->RefCount(), 1);
+  end->Release();
+}
+
+TEST_F(TextReleaseTest, HeldObjectStaysWithAllThatItHolds) {
+  JsonRef<JsonObject> root = Read(kText);
+  JsonObject* data = &Object(*root, "data");
+  data->AddRef();
+  root.Reset(nullptr);
+  EXPECT_EQ(static_cast<JsonString*>(data->Find("name"))->Text(), "text");
+  data->Release();
+}
+
+TEST_F(TextReleaseTest, ValueThatCameLaterGoesWithTheText) {
+  JsonRef<JsonObject> root = Read(kText);
+  const JsonRef<JsonNumber> number(JsonNumber::FromInt(7));
+  Object(Object(*root, "data"), "deep").Set("later", number.Get());
+  EXPECT_EQ(number->RefCount(), 2);
+  root.Reset(nullptr);
+  EXPECT_EQ(number->RefCount(), 1);
+}
+
+TEST_F(TextReleaseTest, ValueThatMovedToAnotherTreeStaysThere) {
+  const JsonRef<JsonObject> other(new JsonObject);
+  JsonRef<JsonObject> root = Read(kText);
+  JsonObject& data = Object(*root, "data");
+  other->Set("kept", &Object(data, "deep"));
+  const JsonRef<JsonNumber> number(JsonNumber::FromInt(7));
+  data.Set("deep", number.Get());  // so that the other tree alone holds the old one
+  root.Reset(nullptr);
+  EXPECT_NE(Object(*other, "kept").Find("end"), nullptr);
+}
+
+TEST_F(TextReleaseTest, MembersThatAreChangedDirectlyGoAsTheyAreThen) {
+  JsonRef<JsonObject> root = Read(kText);
+  root->Members().Insert("later", JsonNumber::FromInt(7));  // with the creator's reference
+  root.Reset(nullptr);
+}
+
+TEST_F(TextReleaseTest, TextBehindALivingOneGoesAlone) {
+  JsonRef<JsonObject> first = Read(kText);
+  JsonRef<JsonObject> second = Read(R"({"second":{"of":"two"}})");
+  first.Reset(nullptr);
+  EXPECT_EQ(static_cast<JsonString*>(Object(*second, "second").Find("of"))->Text(), "two");
+  JsonRef<JsonObject> third = Read(kText);
+  second.Reset(nullptr);
+  EXPECT_EQ(static_cast<JsonString*>(third->Find("from"))->Text(), "x");
+}
+
+TEST_F(TextReleaseTest, TextMayOutliveItsMemory) {
+  JsonRef<JsonObject> root;
+  {
+    ValueMemory memory;
+    ParseResult result;
+    root.Reset(static_cast<JsonObject*>(Parse(result, kText, memory)));
+  }
+  EXPECT_EQ(static_cast<JsonString*>(root->Find("from"))->Text(), "x");
+}
+
+TEST_F(TextReleaseTest, AnyThreadMayGiveTheTextBack) {
+  for (int round = 0; round < 100; ++round) {
+    JsonRef<JsonObject> root = Read(kText);
+    std::thread([&] { root.Reset(nullptr); }).join();
+  }
+}
+
+TEST_F(TextReleaseTest, TextThatFailedLeavesNothing) {
+  for (const char* text : {R"({"a":{"b":1)", R"({"a":{"b":1},)", R"({"a":{"b":)"}) {
+    ParseResult result;
+    EXPECT_EQ(Parse(result, text, m_memory), nullptr) << text;
+  }
+}
+
+}  // namespace
+}  // namespace Vask
