@@ -12,12 +12,11 @@ namespace Vask {
 class FoldedKey {
  public:
   // Not explicit: any text is a key.
-  constexpr FoldedKey(const char* text) noexcept : m_text(text), m_first{} {
+  constexpr FoldedKey(const char* text) noexcept : m_text(text) {
     if (text == nullptr) return;
     while (m_first.length != KeyPiece::kMaxLength && text[m_first.length] != '\0') {
       const char c = text[m_first.length];
-      m_first.characters[m_first.length++] =
-          static_cast<signed char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+      m_first.Add(static_cast<signed char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c));
     }
   }
 

@@ -47,10 +47,7 @@ class KeyReader {
     const SixteenCharacters text(at);
     const std::size_t length = text.PlainLength();
     if (length != SixteenCharacters::kCount && at[length] != '"') return OddPiece(at);
-    KeyPiece piece;
-    text.StoreLower(piece.characters, length);
-    piece.length = length;
-    return piece;
+    return text.Lower(length);
   }
 
  private:

@@ -34,11 +34,11 @@ class KeyFolding {
 
   // The piece of a key that begins at `at`.
   constexpr KeyPiece Piece(const char* at) const noexcept {
-    KeyPiece piece{};
+    KeyPiece piece;
     while (piece.length != KeyPiece::kMaxLength) {
       const signed char folded = Fold(at[piece.length]);
       if (folded == 0) break;
-      piece.characters[piece.length++] = folded;
+      piece.Add(folded);
     }
     return piece;
   }

@@ -4,6 +4,9 @@
 
 #include <bit>
 #include <cstddef>
+#include <cstdint>
+
+#include "json/KeyPiece.h"
 
 namespace Vask {
 
@@ -27,8 +30,8 @@ class SixteenCharacters {
     return static_cast<std::size_t>(std::countr_zero(bits | 1u << 16));
   }
 
-  // The first `length`, at most all, with ASCII letters in lower case and zeros behind.
-  void StoreLower(signed char* sixteen, std::size_t length) const noexcept {
+  // The first `length`, at most all, with ASCII letters in lower case.
+  [[nodiscard]] KeyPiece Lower(std::size_t length) const noexcept {
     static constexpr signed char kKept[32] = {-1, -1, -1, -1, -1, -1, -1, -1,
                                               -1, -1, -1, -1, -1, -1, -1, -1};
     // 'A' to 'Z' become the 26 largest of the signed bytes, and nothing else does.
@@ -36,7 +39,10 @@ class SixteenCharacters {
     const __m128i capitals = _mm_cmpgt_epi8(moved, _mm_set1_epi8(0x7F - 26));
     const __m128i lower = _mm_or_si128(m_text, _mm_and_si128(capitals, _mm_set1_epi8(0x20)));
     const __m128i kept = _mm_loadu_si128(reinterpret_cast<const __m128i*>(kKept + 16 - length));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(sixteen), _mm_and_si128(lower, kept));
+    const __m128i first = _mm_and_si128(lower, kept);
+    return {static_cast<std::uint64_t>(_mm_cvtsi128_si64(first)),
+            static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(first, first))),
+            length};
   }
 
  private:

@@ -43,7 +43,8 @@ class StrDict3 {
   static constexpr std::size_t kMaxVisitedKeyLength = 128;
 
   struct Node {
-    signed char run[KeyPiece::kMaxLength];  // folded; zeros behind the last
+    std::uint64_t low;  // the run's characters, as in a KeyPiece
+    std::uint64_t high;
     Node* nextSibling;
     Node* firstChild;       // below the last character
     T value;                // set only when hasValue is 1
@@ -152,23 +153,21 @@ class StrDict3 {
                                           : m_allocator->AllocNode();
   }
 
-  // Gives a new node its characters; it has no value as yet.
+  static KeyPiece Run(const Node& node) noexcept { return {node.low, node.high, node.length}; }
+  // Gives a node its characters and no value.
   static void SetRun(Node* node, const KeyPiece& piece) noexcept {
-    node->hasValue = 0;
+    node->low = piece.low;
+    node->high = piece.high;
     node->length = static_cast<std::uint8_t>(piece.length);
-    std::memcpy(node->run, piece.characters, sizeof node->run);
+    node->hasValue = 0;
   }
+  // By these siblings are ordered.
+  static signed char First(const Node& node) noexcept { return Run(node).First(); }
+
   static void SetValue(Node* node, const T& value) noexcept {
     node->value = value;
     node->hasValue = 1;
   }
-
-  // How many of the characters of both are the same, from the first on.
-  static std::size_t CommonLength(const Node& node, const KeyPiece& piece) noexcept {
-    if (std::memcmp(node.run, piece.characters, sizeof node.run) == 0) return piece.length;
-    return CommonLengthOfDifferent(node, piece);
-  }
-  static std::size_t CommonLengthOfDifferent(const Node& node, const KeyPiece& piece) noexcept;
 
   // Leaves `node` its first `kept` characters and makes a child of the rest, so
   // that something can end or branch off there. On std::bad_alloc all is as it was.
@@ -310,14 +309,14 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const Reader& reade
 // answers their number.
 template <class T>
 inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
-  const signed char first = piece.characters[0];
+  const signed char first = piece.First();
   Node** link = m_level;
-  while (*link != nullptr && (*link)->run[0] < first) link = &(*link)->nextSibling;
+  while (*link != nullptr && First(**link) < first) link = &(*link)->nextSibling;
   std::size_t length = piece.length;
-  if (*link == nullptr || (*link)->run[0] != first) {
+  if (*link == nullptr || First(**link) != first) {
     Extend(link, piece);
   } else {
-    length = CommonLength(**link, piece);
+    length = piece.CommonLength(Run(**link));
     if (length < (*link)->length) m_dictionary.Divide(*link, length);
   }
   m_node = *link;
@@ -354,15 +353,15 @@ bool StrDict3<T>::Find(const char* key, const Node*& outNode) const noexcept {
   for (const Node* node = m_root;; node = node->firstChild) {
     const KeyPiece piece = m_folding.Piece(at);
     if (piece.length == 0) break;
-    const signed char first = piece.characters[0];
-    while (node != nullptr && node->run[0] < first) node = node->nextSibling;
-    if (node == nullptr || node->run[0] != first) {
+    const signed char first = piece.First();
+    while (node != nullptr && First(*node) < first) node = node->nextSibling;
+    if (node == nullptr || First(*node) != first) {
       // No path is longer than the limit, so only there can a key be cut.
       if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
       break;
     }
     parent = node;
-    const std::size_t same = CommonLength(*node, piece);
+    const std::size_t same = piece.CommonLength(Run(*node));
     if (same < node->length) {
       if (same != piece.length) return false;
       parent = &kPrefix;
@@ -386,9 +385,9 @@ inline const T* StrDict3<T>::FindValue(const FoldedKey& key) const noexcept {
   const KeyPiece& piece = key.First();
   if (!m_folding.IsToLower()) return FindValue(key.Text());
   const Node* node = m_root;
-  while (node != nullptr && node->run[0] < piece.characters[0]) node = node->nextSibling;
-  if (node == nullptr || node->run[0] != piece.characters[0]) return nullptr;
-  const std::size_t same = CommonLength(*node, piece);
+  while (node != nullptr && First(*node) < piece.First()) node = node->nextSibling;
+  if (node == nullptr || First(*node) != piece.First()) return nullptr;
+  const std::size_t same = piece.CommonLength(Run(*node));
   if (same < node->length) return nullptr;
   if (same != piece.length || same == KeyPiece::kMaxLength) return FindValue(key.Text());
   return node->hasValue ? &node->value : nullptr;
@@ -402,14 +401,15 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
   };
   Later later[kMaxVisitedKeyLength];  // siblings passed over on the way down
   Later* lastLater = later;
-  char key[kMaxVisitedKeyLength + 1];
+  char key[kMaxVisitedKeyLength + KeyPiece::kMaxLength];  // a run is copied whole
   std::size_t length = std::strlen(prefix);
   if (length > kMaxVisitedKeyLength) EndProcessOnLongKey();
   std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
     if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
     if (length + node->length > kMaxVisitedKeyLength) EndProcessOnLongKey();
-    std::memcpy(key + length, node->run, node->length);
+    const std::uint64_t run[] = {node->low, node->high};
+    std::memcpy(key + length, run, sizeof run);
     length += node->length;
     if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
     node = node->firstChild;
@@ -429,25 +429,14 @@ bool StrDict3<T>::Visit(char* key, std::size_t length, Node* node, Callback call
 }
 
 template <class T>
-[[gnu::noinline]] std::size_t StrDict3<T>::CommonLengthOfDifferent(const Node& node,
-                                                                   const KeyPiece& piece) noexcept {
-  const auto difference = std::mismatch(piece.characters, std::end(piece.characters), node.run);
-  return static_cast<std::size_t>(difference.first - piece.characters);
-}
-
-template <class T>
 [[gnu::noinline]] void StrDict3<T>::Divide(Node* node, std::size_t kept) {
   Node* rest = AllocNode();
-  KeyPiece piece{{}, node->length - kept};
-  std::memcpy(piece.characters, node->run + kept, piece.length);
-  SetRun(rest, piece);
+  const KeyPiece whole = Run(*node);
+  SetRun(rest, whole.Behind(kept));
   rest->nextSibling = nullptr;
   rest->firstChild = node->firstChild;
   if (node->hasValue) SetValue(rest, node->value);
-
-  node->hasValue = 0;
-  node->length = static_cast<std::uint8_t>(kept);
-  std::fill(node->run + kept, std::end(node->run), static_cast<signed char>(0));
+  SetRun(node, whole.CutTo(kept));
   node->firstChild = rest;
 }
 

@@ -28,24 +28,34 @@ TEST(SixteenCharacters, FirstOfSeveralEndsCounts) {
   EXPECT_EQ(SixteenCharacters("name\":\"\\\n\t_____").PlainLength(), 4u);
 }
 
+// The same, character by character.
+KeyPiece Piece(std::string_view characters) {
+  KeyPiece piece;
+  for (const char c : characters) piece.Add(static_cast<signed char>(c));
+  return piece;
+}
+
+void ExpectSame(const KeyPiece& found, const KeyPiece& expected) {
+  EXPECT_EQ(found.low, expected.low);
+  EXPECT_EQ(found.high, expected.high);
+  EXPECT_EQ(found.length, expected.length);
+}
+
 TEST(SixteenCharacters, OnlyCapitalLettersAreLowered) {
   for (unsigned c = 0; c < 256; ++c) {
+    SCOPED_TRACE(c);
     const std::string text(16, static_cast<char>(c));
-    signed char lower[16];
-    SixteenCharacters(text.data()).StoreLower(lower, 16);
-    const auto expected = static_cast<signed char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
-    for (const signed char found : lower) EXPECT_EQ(found, expected) << c;
+    const std::string lower(16, static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c));
+    ExpectSame(SixteenCharacters(text.data()).Lower(16), Piece(lower));
   }
 }
 
-TEST(SixteenCharacters, WhatIsNotAskedForIsStoredAsZeros) {
-  constexpr std::string_view kText = "ABCDEFGHIJKLMNOP";
+TEST(SixteenCharacters, NothingComesThatIsNotAskedFor) {
+  const std::string text = "ABCDEFGHIJKLMNOP";
+  const std::string lower = "abcdefghijklmnop";
   for (std::size_t length = 0; length <= 16; ++length) {
-    signed char lower[16];
-    SixteenCharacters(kText.data()).StoreLower(lower, length);
-    for (std::size_t i = 0; i < 16; ++i) {
-      EXPECT_EQ(lower[i], i < length ? kText[i] + 32 : 0) << length << ", " << i;
-    }
+    SCOPED_TRACE(length);
+    ExpectSame(SixteenCharacters(text.data()).Lower(length), Piece(lower.substr(0, length)));
   }
 }
 

@@ -250,7 +250,7 @@ class RubbishAllocator final : public Dictionary::IAllocator {
  public:
   Node* AllocNode() override {
     ++allocated;
-    return new Node{{'x'}, reinterpret_cast<Node*>(1), reinterpret_cast<Node*>(1), 99, 77, 1};
+    return new Node{'x', 7, reinterpret_cast<Node*>(1), reinterpret_cast<Node*>(1), 99, 77, 1};
   }
   void FreeNode(Node* node) noexcept override {
     ++freed;
