@@ -38,10 +38,8 @@ class RefCount3 {
   // that was made with `deleteWhenUnreferenced` false. Does nothing here.
   virtual void OnLastRelease() noexcept;
 
-  // Whether giving back one reference would delete the object.
-  bool IsHeldOnce() const noexcept {
-    return m_deleteWhenUnreferenced && m_refCount.load(std::memory_order_acquire) == 1;
-  }
+  // Whether there is one reference alone.
+  bool IsHeldOnce() const noexcept { return m_refCount.load(std::memory_order_acquire) == 1; }
 
   // The counting half of Release: true when the caller must delete the object.
   bool DropReference() noexcept {
