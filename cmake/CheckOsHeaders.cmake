@@ -10,6 +10,7 @@ set(allowed
     "^tests/platform/(posix|win32)/"     # one system's side of the seam
     "^tests/(contract|host|installer)/"  # load the module, or stand in for its host
     "^benchmarks/Src/LogBenchmark\\.cpp$" # its peer is the bare system call
+    "^tests/hostile/(posix|win32)/"      # stands between the loaded module and the system
     "^tests/support/SmallStack\\.h$"      # the seam has one size of stack, on purpose
     "^agent/(posix|win32)/"              # what the loader calls
     "^host/winelib/")                    # the side of the host that faces Windows

@@ -182,7 +182,7 @@ class StrDict3 {
 
   IAllocator* m_allocator;
   // The same allocator when it is the standard one, whose calls the compiler
-  // can then see through: nodes are got by the dozen for each key.
+  // can then see through: nearly every key of a message gets a node.
   StandardAllocator* m_standardAllocator = nullptr;
   const KeyFolding& m_folding;
   Node* m_root = nullptr;
