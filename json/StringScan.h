@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "json/KeyFolding.h"
+#include "json/KeyPiece.h"
+#include "json/SixteenCharacters.h"
+
+namespace Vask {
+
+// How the parser gets over the characters of a string or a key that mean nothing
+// but themselves. Texts end with a NUL. All of this is pure, for any thread.
+
+// The characters at which a run of plain ones in a string ends.
+inline constexpr std::string_view kStringSpecials("\0\"\\\n", 4);
+
+// Keys are folded while they are read; this stops where a string has to be
+// looked at more closely.
+inline constinit const KeyFolding kKeyFolding(KeyFolding::Letters::ToLower, kStringSpecials);
+inline constinit const KeyFolding kPlainCharacters(KeyFolding::Letters::Kept, kStringSpecials);
+
+// Folds keys as kKeyFolding does, as many characters at a time as a piece has while
+// so many stand before the text's end.
+class KeyReader {
+ public:
+  explicit KeyReader(const char* textEnd) : m_textEnd(textEnd) {}
+
+  KeyPiece Piece(const char* at) const {
+    if (m_textEnd - at < SixteenCharacters::kCount) return OddPiece(at);
+    const SixteenCharacters text(at);
+    const std::size_t length = text.PlainLength();
+    if (length != SixteenCharacters::kCount && at[length] != '"') return OddPiece(at);
+    return text.Lower(length);
+  }
+
+ private:
+  // Apart, for the sake of the registers of those who need it hardly ever.
+  [[gnu::noinline]] static KeyPiece OddPiece(const char* at) { return kKeyFolding.Piece(at); }
+
+  const char* m_textEnd;
+};
+static_assert(SixteenCharacters::kCount == KeyPiece::kMaxLength);
+
+inline const char* SkipPlain(const char* at) {
+  while (kPlainCharacters.Fold(*at) != 0) ++at;
+  return at;
+}
+
+// The same, many at a time while there are enough of them before the text's end.
+inline const char* SkipPlain(const char* at, const char* textEnd) {
+  while (textEnd - at >= SixteenCharacters::kCount) {
+    const std::size_t length = SixteenCharacters(at).PlainLength();
+    at += length;
+    if (*at == '"') return at;
+    if (length != SixteenCharacters::kCount) break;
+  }
+  return SkipPlain(at);
+}
+
+// Bytes that suffice for a string's text from `begin` on: as many as stand before
+// its closing quote, for no escape grows.
+inline std::size_t StringRoom(const char* begin) {
+  const char* at = SkipPlain(begin);
+  while (*at != '"' && *at != '\0') {
+    if (*at == '\\' && at[1] != '\0') ++at;
+    ++at;
+  }
+  return static_cast<std::size_t>(at - begin);
+}
+
+}  // namespace Vask
