@@ -7,6 +7,7 @@
 #include <mutex>
 #endif
 
+#include "platform/ProcessExit.h"
 #include "platform/ThreadAnnotations.h"
 
 namespace Vask::Platform {
@@ -41,6 +42,16 @@ class VASK_CAPABILITY("mutex") CriticalSection {
   std::recursive_mutex m_mutex;
 #endif
 };
+
+#if !defined(_WIN32)
+inline void CriticalSection::Lock() noexcept {
+  if (!ProcessIsExiting()) m_mutex.lock();
+}
+
+inline void CriticalSection::Unlock() noexcept {
+  if (!ProcessIsExiting()) m_mutex.unlock();
+}
+#endif
 
 // Holds a CriticalSection for a scope.
 class VASK_SCOPED_CAPABILITY CriticalSectionLock {
