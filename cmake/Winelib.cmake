@@ -32,6 +32,7 @@ endforeach()
 add_library(host_native_objects OBJECT
     Main.cpp
     "${CMAKE_SOURCE_DIR}/platform/posix/Clock.cpp"
+    "${CMAKE_SOURCE_DIR}/platform/posix/PresentQuarter.cpp"
     "${CMAKE_SOURCE_DIR}/platform/posix/Threading.cpp")
 target_include_directories(host_native_objects PRIVATE
     "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/generated")

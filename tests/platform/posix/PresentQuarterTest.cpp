@@ -1,0 +1,106 @@
+#include "platform/posix/PresentQuarter.h"
+
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <tuple>
+
+namespace Vask::Tests {
+namespace {
+
+using Platform::BreakDown;
+using Platform::LocalTime;
+using Platform::PresentQuarter;
+
+// The process's time zone while it lives, by its rules, so that no zone has to
+// be installed.
+class TimeZone {
+ public:
+  explicit TimeZone(const char* rules) {
+    if (const char* const before = std::getenv("TZ")) m_before = before;
+    setenv("TZ", rules, 1);
+    tzset();
+  }
+  ~TimeZone() {
+    if (m_before) {
+      setenv("TZ", m_before->c_str(), 1);
+    } else {
+      unsetenv("TZ");
+    }
+    tzset();
+  }
+  TimeZone(const TimeZone&) = delete;
+  TimeZone& operator=(const TimeZone&) = delete;
+
+ private:
+  std::optional<std::string> m_before;
+};
+
+auto Fields(const LocalTime& time) {
+  return std::tuple(time.year, time.month, time.day, time.hour, time.minute, time.second,
+                    time.millisecond);
+}
+
+struct ZoneRow {
+  const char* name;
+  const char* rules;
+};
+
+void PrintTo(const ZoneRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class Zones : public testing::TestWithParam<ZoneRow> {
+ protected:
+  TimeZone zone{GetParam().rules};
+  PresentQuarter quarter;
+
+  void ExpectTheSameAt(std::int64_t moment) {
+    EXPECT_EQ(Fields(quarter.ToLocal(moment)), Fields(BreakDown(moment))) << moment;
+  }
+};
+
+constexpr std::int64_t kDay = 86'400;
+constexpr std::int64_t kSummerOf2018 = 1'522'540'800;  // begins at 1 April, 00:00 UTC
+constexpr std::int64_t kYear = 365 * kDay;
+
+TEST_P(Zones, EverySecondOfAnHourIsAsTheSystemBreaksItDown) {
+  for (std::int64_t second = 0; second < 3600; ++second) ExpectTheSameAt(kSummerOf2018 + second);
+}
+
+// A step of 7 minutes and a second meets every quarter of the year at some
+// second, the days on which summer time begins and ends among them.
+TEST_P(Zones, AYearForwardAndBackIsAsTheSystemBreaksItDown) {
+  constexpr std::int64_t kStep = 421;
+  for (std::int64_t passed = 0; passed < kYear; passed += kStep) {
+    ExpectTheSameAt(kSummerOf2018 + passed);
+  }
+  for (std::int64_t passed = kYear; passed > 0; passed -= 7 * kStep) {
+    ExpectTheSameAt(kSummerOf2018 + passed);
+  }
+}
+
+// What a machine shows that has lost its clock.
+TEST_P(Zones, TheEpochAndWhatComesBeforeAreAsTheSystemBreaksThemDown) {
+  for (const std::int64_t moment : {0, 1, 899, 900, -1, -899, -900, -901, 5, -5}) {
+    ExpectTheSameAt(moment);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Zones,
+    testing::Values(ZoneRow{"Utc", "UTC0"},
+                    ZoneRow{"SummerTimeOfAnHour", "CET-1CEST,M3.5.0,M10.5.0/3"},
+                    ZoneRow{"SummerTimeOfHalfAnHour", "LHST-10:30LHDT-11,M10.1.0,M4.1.0"},
+                    ZoneRow{"ThreeQuartersOfAnHour", "NPT-5:45"},
+                    ZoneRow{"BehindUtc", "NST3:30NDT,M3.2.0,M11.1.0"},
+                    ZoneRow{"NoMultipleOfAQuarter", "LMT0:44:30"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace Vask::Tests
