@@ -135,14 +135,16 @@ class PosixFiles final : public Files {
   }
 
   bool Append(FileHandle file, const char* text, std::size_t length) noexcept override {
-    while (length > 0) {
+    for (;;) {
       const ssize_t written = write(static_cast<int>(file), text, length);
-      if (written < 0 && errno == EINTR) continue;
-      if (written < 0) return false;
-      text += written;
-      length -= static_cast<std::size_t>(written);
+      if (written == static_cast<ssize_t>(length)) return true;
+      if (written >= 0) {
+        text += written;
+        length -= static_cast<std::size_t>(written);
+      } else if (errno != EINTR) {
+        return false;
+      }
     }
-    return true;
   }
 
   std::uint64_t Length(FileHandle file) noexcept override {
