@@ -1,6 +1,5 @@
 #include "Src/CDailyEventLog.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -11,11 +10,6 @@ namespace Vask {
 namespace {
 
 constexpr char kStandardOutputName[] = "stdout";
-
-// A count that stays at its greatest value instead of starting again from 0.
-std::uint32_t AsCount(std::uint64_t bytes) noexcept {
-  return static_cast<std::uint32_t>(std::min<std::uint64_t>(bytes, UINT32_MAX));
-}
 
 }  // namespace
 
@@ -45,6 +39,25 @@ void CDailyEventLog::SetDaysToKeep(std::uint32_t days) {
   (void)OpenToday();
 }
 
+void CDailyEventLog::SetSizeLimit(std::uint32_t bytes) noexcept {
+  m_sizeLimit = bytes != 0 ? bytes : kNoSizeLimit;
+}
+
+// A line goes through this three times: it is to be one straight road.
+[[gnu::always_inline]] inline void CDailyEventLog::WritePiece(std::string_view piece) {
+  if (!IsOpen()) [[unlikely]]
+    return;
+  if (!m_isStandardOutput) {
+    if (m_clock.EpochSeconds() >= m_nextRotation && !OpenToday()) [[unlikely]]
+      return;
+    const std::uint64_t sum = m_bytesToday + piece.size();
+    if (sum >= m_sizeLimit) [[unlikely]]
+      return StopForToday();
+    m_bytesToday = sum;
+  }
+  Append(piece);
+}
+
 void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view prefix,
                                std::string_view text) {
   WritePiece(timeStamp);
@@ -55,7 +68,6 @@ void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view pref
 bool CDailyEventLog::OpenStandardOutput() {
   m_folder = LogFolder();
   m_isStandardOutput = true;
-  m_nextRotation = 0;
   m_file = m_files.StandardOutput();
   return true;
 }
@@ -87,7 +99,7 @@ bool CDailyEventLog::OpenToday() {
   if (m_daysToKeep != kKeepAll) {
     m_folder.DeleteOlderThan(m_files, m_nextRotation - std::int64_t{m_daysToKeep} * 86'400);
   }
-  m_bytesToday = AsCount(m_files.Length(m_file));
+  m_bytesToday = m_files.Length(m_file);
   return true;
 }
 
@@ -105,36 +117,16 @@ void CDailyEventLog::Close() noexcept {
   m_file = Platform::kNoFile;
 }
 
-bool CDailyEventLog::ReadyForPiece() {
-  if (!IsOpen()) return false;
-  if (m_nextRotation == 0 || m_clock.EpochSeconds() < m_nextRotation) return true;
-  return OpenToday();
-}
-
-void CDailyEventLog::WritePiece(std::string_view piece) {
-  if (!ReadyForPiece()) return;
-  if (m_isStandardOutput || Account(piece.size())) {
-    Append(piece);
-  } else if (!m_stoppedForToday) {
-    StopForToday();
-  }
-}
-
-bool CDailyEventLog::Account(std::size_t bytes) noexcept {
-  const std::uint64_t sum = std::uint64_t{m_bytesToday} + bytes;
-  if (m_sizeLimit != 0 && sum >= m_sizeLimit) return false;
-  m_bytesToday = AsCount(sum);
-  return true;
-}
-
-void CDailyEventLog::StopForToday() {
+// Kept out of every line's way.
+[[gnu::cold]] void CDailyEventLog::StopForToday() {
+  if (m_stoppedForToday) return;
   m_bytesToday = m_sizeLimit;
   m_stoppedForToday = true;
   char warning[128];
   const int length = std::snprintf(
       warning, sizeof warning,
       "\nWARNING: File size limit of %u bytes reached! Logging stopped until next day.\n\n",
-      m_sizeLimit);
+      static_cast<std::uint32_t>(m_sizeLimit));
   Append({warning, static_cast<std::size_t>(length)});
 }
 

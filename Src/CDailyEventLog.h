@@ -47,7 +47,7 @@ class CDailyEventLog {
   // Bytes that may be written in one day, 0 for no limit. The piece that would
   // reach the limit and all later ones of that day are dropped; a warning in
   // the file says so once.
-  void SetSizeLimit(std::uint32_t bytes) noexcept { m_sizeLimit = bytes; }
+  void SetSizeLimit(std::uint32_t bytes) noexcept;
 
   [[nodiscard]] bool IsOpen() const noexcept { return m_file != Platform::kNoFile; }
   [[nodiscard]] const LogFolder& Folder() const noexcept { return m_folder; }
@@ -57,29 +57,31 @@ class CDailyEventLog {
   void WriteLine(std::string_view timeStamp, std::string_view prefix, std::string_view text);
 
  private:
+  static constexpr std::uint64_t kNoSizeLimit = UINT64_MAX;
+
   bool OpenStandardOutput();
   bool OpenFolder(const char* folder);
   bool OpenToday();
   void Close() noexcept;
   void StartDay(const Platform::LocalTime& day) noexcept;
-  bool ReadyForPiece();
   void WritePiece(std::string_view piece);
-  bool Account(std::size_t bytes) noexcept;
   void StopForToday();
   void Append(std::string_view bytes) noexcept;
 
-  LogFolder m_folder;
-  char m_path[kPathCapacity] = {};  // folder, "Log", date, ".log"
-  char* m_date = nullptr;           // into m_path; null until the first Open
-  Platform::FileHandle m_file = Platform::kNoFile;
-  std::int64_t m_nextRotation = 0;  // seconds since the epoch; 0: none
-  std::uint32_t m_daysToKeep = 0;
-  std::uint32_t m_sizeLimit = 0;
-  std::uint32_t m_bytesToday = 0;
-  bool m_stoppedForToday = false;
-  bool m_isStandardOutput = false;
+  // What every piece looks at stands together.
   Platform::Clock& m_clock;
   Platform::Files& m_files;
+  Platform::FileHandle m_file = Platform::kNoFile;
+  bool m_isStandardOutput = false;
+  std::int64_t m_nextRotation = 0;  // seconds since the epoch; of a day's file
+  std::uint64_t m_bytesToday = 0;
+  std::uint64_t m_sizeLimit = kNoSizeLimit;
+
+  bool m_stoppedForToday = false;
+  std::uint32_t m_daysToKeep = 0;
+  LogFolder m_folder;
+  char* m_date = nullptr;           // into m_path; null until the first Open
+  char m_path[kPathCapacity] = {};  // folder, "Log", date, ".log"
 };
 
 }  // namespace Vask
