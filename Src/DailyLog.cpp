@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "Src/LogHead.h"
 #include "Src/LogPrinter.h"
-#include "Src/TimeStamp.h"
 
 namespace Vask {
 
@@ -13,12 +13,12 @@ using Platform::CriticalSectionLock;
 // The destructor needs the printer: asking for it here makes it live longer.
 DailyLog::DailyLog(Platform::Clock& clock, Platform::Files& files, Platform::Sockets& sockets,
                    std::uint32_t levelMask)
-    : m_file(clock, files),
-      m_levelMask(levelMask),
-      m_syslog(sockets),
+    : m_levelMask(levelMask),
       m_clock(clock),
       m_files(files),
-      m_sockets(sockets) {
+      m_sockets(sockets),
+      m_file(clock, files),
+      m_syslog(sockets) {
   LogPrinter::Instance();
 }
 
@@ -131,19 +131,16 @@ void DailyLog::WriteAndNotify(LogLevel level, std::string_view text, ListenerCal
 }
 
 void DailyLog::Record(LogLevel level, std::string_view text) {
-  char digits[kTimeStampLength];
-  FormatTimeStamp(m_clock.LocalNow(), digits);
-  const std::string_view timeStamp(digits, sizeof digits);
-  const std::string_view prefix = LogPrefix(level);
-  m_file.WriteLine(timeStamp, prefix, text);
-  if (m_consoleEcho) Echo(timeStamp, prefix, text);
-  if (m_syslog.Enabled()) m_syslog.Send(prefix, text);
-  m_history.Store(timeStamp, prefix, text);
+  const LogHead head(m_clock.LocalNow(), level);
+  m_file.WriteLine(head.TimeStamp(), head.Prefix(), text);
+  if (m_consoleEcho) Echo(head, text);
+  if (m_syslog.Enabled()) m_syslog.Send(head.Prefix(), text);
+  m_history.Store(head.Both(), text);
 }
 
-void DailyLog::Echo(std::string_view timeStamp, std::string_view prefix, std::string_view text) {
+void DailyLog::Echo(const LogHead& head, std::string_view text) {
   const Platform::FileHandle console = m_files.StandardOutput();
-  for (const std::string_view piece : {timeStamp, prefix, text}) {
+  for (const std::string_view piece : {head.TimeStamp(), head.Prefix(), text}) {
     m_files.Append(console, piece.data(), piece.size());
   }
 }

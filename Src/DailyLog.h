@@ -6,6 +6,7 @@
 
 #include "Src/CDailyEventLog.h"
 #include "Src/IDailyLog.h"
+#include "Src/LogHead.h"
 #include "Src/LogLevel.h"
 #include "Src/MessageHistory.h"
 #include "Src/SingletonRef.h"
@@ -83,23 +84,23 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   void WriteAndNotify(LogLevel level, std::string_view text, ListenerCall call)
       VASK_EXCLUDES(m_lock);
   void Record(LogLevel level, std::string_view text) VASK_REQUIRES(m_lock);
-  void Echo(std::string_view timeStamp, std::string_view prefix, std::string_view text)
-      VASK_REQUIRES(m_lock);
+  void Echo(const LogHead& head, std::string_view text) VASK_REQUIRES(m_lock);
   void Notify(const MessageHistoryCopy& history, ListenerCall call) VASK_EXCLUDES(m_lock);
   std::size_t ListenerNodes() VASK_EXCLUDES(m_lock);
   IListener* ListenerAt(std::size_t index) VASK_EXCLUDES(m_lock);
 
-  CDailyEventLog m_file VASK_GUARDED_BY(m_lock);
-  bool m_consoleEcho VASK_GUARDED_BY(m_lock) = false;
-  MessageHistory m_history VASK_GUARDED_BY(m_lock);
-  std::uint32_t m_notifyDepth VASK_GUARDED_BY(m_lock) = 0;
-  const std::uint32_t m_levelMask;
-  std::vector<IListener*> m_listeners VASK_GUARDED_BY(m_lock);  // null where removed
+  // What every line looks at stands together.
   Platform::CriticalSection m_lock;
-  SyslogSender m_syslog VASK_GUARDED_BY(m_lock);
+  const std::uint32_t m_levelMask;
+  bool m_consoleEcho VASK_GUARDED_BY(m_lock) = false;
   Platform::Clock& m_clock;
   Platform::Files& m_files;
   Platform::Sockets& m_sockets;
+  CDailyEventLog m_file VASK_GUARDED_BY(m_lock);
+  MessageHistory m_history VASK_GUARDED_BY(m_lock);
+  SyslogSender m_syslog VASK_GUARDED_BY(m_lock);
+  std::uint32_t m_notifyDepth VASK_GUARDED_BY(m_lock) = 0;
+  std::vector<IListener*> m_listeners VASK_GUARDED_BY(m_lock);  // null where removed
 };
 
 }  // namespace Vask

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -24,5 +25,7 @@ constexpr std::string_view LogPrefix(LogLevel level) noexcept {
   }
   return "TRACE: ";
 }
+
+inline constexpr std::size_t kLongestLogPrefix = LogPrefix(LogLevel::Warning).size();
 
 }  // namespace Vask

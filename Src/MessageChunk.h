@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "Src/IDailyLog.h"
@@ -22,7 +23,7 @@ class MessageChunk final : public IDailyLog::ILogDataBlock {
   std::size_t Fill(std::string_view bytes) noexcept {
     const std::size_t taken = std::min<std::size_t>(bytes.size(), kCapacity - m_length);
     // Not memcpy: knowing that it is short, g++ makes that a slow "rep movs".
-    std::copy_n(bytes.data(), taken, m_payload + m_length);
+    std::memmove(m_payload + m_length, bytes.data(), taken);
     m_length += static_cast<std::uint32_t>(taken);
     return taken;
   }

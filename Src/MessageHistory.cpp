@@ -10,18 +10,16 @@ MessageHistory::~MessageHistory() {
 // The chunks that the slot has are filled again where they are; what it lacks
 // comes from the free list, and what it does not need goes there. Once all are
 // there nothing can fail.
-void MessageHistory::Store(std::string_view timeStamp, std::string_view prefix,
-                           std::string_view text) {
+void MessageHistory::Store(std::string_view head, std::string_view text) {
   Slot& slot = m_slots[m_current];
   constexpr std::size_t kChunk = MessageChunk::kCapacity;
   Reserve(slot.chunks, 1 + (text.size() + kChunk - 1) / kChunk);
   if (++m_current == kSlots) m_current = 0;
   if (m_used < kSlots) ++m_used;
-  slot.length = static_cast<std::uint32_t>(timeStamp.size() + prefix.size() + text.size());
+  slot.length = static_cast<std::uint32_t>(head.size() + text.size());
 
   MessageChunk* chunk = ChunkAfter(nullptr, slot.chunks);
-  chunk->Fill(timeStamp);
-  chunk->Fill(prefix);
+  chunk->Fill(head);
   std::uint32_t filled = 1;
   for (; !text.empty(); ++filled) {
     chunk = ChunkAfter(chunk, slot.chunks);

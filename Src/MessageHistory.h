@@ -43,10 +43,10 @@ class MessageHistory {
   MessageHistory(const MessageHistory&) = delete;
   MessageHistory& operator=(const MessageHistory&) = delete;
 
-  // Stores a message in place of the oldest. Its first chunk holds the time
-  // stamp and as much of the prefix as fits; the text begins in the next one.
+  // Stores a message in place of the oldest. Its first chunk holds as much of the
+  // head, time stamp and prefix, as fits; the text begins in the next one.
   // Throws std::bad_alloc, and nothing has changed, when there is no memory.
-  void Store(std::string_view timeStamp, std::string_view prefix, std::string_view text);
+  void Store(std::string_view head, std::string_view text);
 
   [[nodiscard]] MessageHistoryCopy Copy() const;
 
@@ -67,8 +67,8 @@ class MessageHistory {
 
   std::uint32_t m_used = 0;
   std::uint32_t m_current = 0;
-  std::array<Slot, kSlots> m_slots;
   MessageChunkList m_free;
+  std::array<Slot, kSlots> m_slots;
 };
 
 }  // namespace Vask

@@ -12,9 +12,8 @@ namespace Vask {
 // zeros, a colon and a blank.
 inline constexpr std::size_t kTimeStampLength = 14;
 
-// Writes the time stamp without a terminating zero.
-inline void FormatTimeStamp(const Platform::LocalTime& time,
-                            char (&stamp)[kTimeStampLength]) noexcept {
+// Writes the kTimeStampLength characters of a time stamp; no terminating zero.
+inline void FormatTimeStamp(const Platform::LocalTime& time, char* stamp) noexcept {
   WriteTwoDigits(stamp, time.hour);
   stamp[2] = ':';
   WriteTwoDigits(stamp + 3, time.minute);

@@ -14,7 +14,7 @@ using Sizes = std::vector<std::uint32_t>;
 
 class MessageHistoryTest : public testing::Test {
  protected:
-  void Store(const std::string& text) { history.Store("12:00:00.000: ", "Info: ", text); }
+  void Store(const std::string& text) { history.Store("12:00:00.000: Info: ", text); }
 
   MessageHistory history;
 };
@@ -36,7 +36,7 @@ TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsEach) {
   for (const auto& row : rows) {
     MessageHistory fresh;
     const std::string text(row.length, 't');
-    fresh.Store("12:00:00.000: ", "Info: ", text);
+    fresh.Store("12:00:00.000: Info: ", text);
     const MessageHistoryCopy copy = fresh.Copy();
     ASSERT_EQ(copy.Count(), 1u) << row.name;
     EXPECT_EQ(ChunkSizes(copy.Blocks()[0]), row.chunks) << row.name;
@@ -45,8 +45,8 @@ TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsEach) {
   }
 }
 
-TEST_F(MessageHistoryTest, OfThePrefixOnlyWhatFitsBesideTheTimeStampIsKept) {
-  history.Store("T ", std::string(200, 'p'), "text");
+TEST_F(MessageHistoryTest, OfTheHeadOnlyWhatFitsIntoAChunkIsKept) {
+  history.Store("T " + std::string(200, 'p'), "text");
   EXPECT_EQ(TextOf(history.Copy().Blocks()[0]), "T " + std::string(126, 'p') + "text");
 }
 
