@@ -153,7 +153,7 @@ int RunLogWriter(const TempFolder& folder, const char* word) {
   const fs::path self = testing::internal::GetInjectableArgvs().at(0);
   const fs::path writer =
       self.parent_path() / fs::path("log_writer").replace_extension(self.extension());
-  std::string command = '"' + writer.string() + "\" \"" + folder.Path() + "\" 300 " + word;
+  std::string command = '"' + writer.string() + "\" \"" + folder.Path() + "\" " + word + " 300";
 #if defined(_WIN32)
   command = '"' + command + '"';  // cmd takes the outermost quotes away
 #endif

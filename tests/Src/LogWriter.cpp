@@ -1,4 +1,4 @@
-// A second process for the tests: LogWriter FOLDER LINES WORD appends that many
+// A second process for the tests: LogWriter FOLDER WORD LINES appends that many
 // lines with that word to the daily log in FOLDER, on the machine's own clock.
 
 #include <cstdio>
@@ -9,12 +9,12 @@
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fputs("usage: LogWriter FOLDER LINES WORD\n", stderr);
+    std::fputs("usage: LogWriter FOLDER WORD LINES\n", stderr);
     return 2;
   }
   Vask::DailyLog log;
   if (!log.Open(argv[1])) return 1;
-  const std::string line = argv[3] + std::string("\n");
-  for (int i = std::atoi(argv[2]); i > 0; --i) log.Info(line.c_str());
+  const std::string line = argv[2] + std::string("\n");
+  for (int i = std::atoi(argv[3]); i > 0; --i) log.Info(line.c_str());
   return 0;
 }

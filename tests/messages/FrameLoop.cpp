@@ -1,15 +1,18 @@
 #include <cstdlib>
+#include <iterator>
 
 #include "messages/Registrar.h"
 #include "messages/SNMPmessage.h"
 #include "tests/support/UpdateFrames.h"
 
-// Takes the four frames of an update as often as the command line says, so that
-// count_instructions.sh can tell what one costs.
+// Takes as many frames as the command line says, the four of an update in turn,
+// so that count_instructions.sh can tell what one costs.
 
 namespace {
 
-int s_taken = 0;
+using Vask::Tests::kUpdateFrames;
+
+std::size_t s_taken = 0;
 
 void Take(const Messages::SNMPmessage&, std::int32_t, void*) {
   ++s_taken;
@@ -18,11 +21,11 @@ void Take(const Messages::SNMPmessage&, std::int32_t, void*) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const int rounds = count == 2 ? std::atoi(arguments[1]) : 0;
+  const std::size_t frames = count == 2 ? std::strtoul(arguments[1], nullptr, 10) : 0;
   Messages::Registrar& registrar = Messages::Registrar::Instance();
   registrar.Subscribe<Messages::SNMPmessage>(Take);
-  for (int i = 0; i < rounds; ++i) {
-    for (const char* frame : Vask::Tests::kUpdateFrames) registrar.OnJsonMessageText(frame);
+  for (std::size_t i = 0; i < frames; ++i) {
+    registrar.OnJsonMessageText(kUpdateFrames[i % std::size(kUpdateFrames)]);
   }
-  return s_taken == 4 * rounds ? EXIT_SUCCESS : EXIT_FAILURE;
+  return s_taken == frames ? EXIT_SUCCESS : EXIT_FAILURE;
 }
