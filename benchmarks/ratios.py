@@ -7,12 +7,16 @@ FOLDER is the build folder of the benchmarks; PROGRAM limits the run to the
 programs named. Exit status 1 when a ratio misses its reach.
 """
 
+import collections
 import json
 import pathlib
 import subprocess
 import sys
 
-REPETITIONS = 15
+# Many short repetitions in mixed order: a machine that is slow for a while is so
+# for both sides of a ratio.
+REPETITIONS = 2500
+SECONDS_OF_ONE = 0.0005
 
 
 def rows():
@@ -23,26 +27,35 @@ def rows():
             yield [field.strip() for field in line.split("|")]
 
 
-def medians(program):
-    """Median times by benchmark name, as {name: {"cpu": ns, "real": ns}}."""
+def middle_mean(values):
+    """Mean of the middle half: what disturbs some repetitions does not count, and
+    it does not leap where a median does, between two speeds of a machine."""
+    values = sorted(values)
+    quarter = len(values) // 4
+    middle = values[quarter:len(values) - quarter]
+    return sum(middle) / len(middle)
+
+
+def mean_times(program):
+    """Times by benchmark name, as {name: {"cpu": ns, "real": ns}}."""
     print(f"running {program.name} ...", file=sys.stderr, flush=True)
     run = subprocess.run(
         [program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}",
-         "--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.05",
-         "--benchmark_report_aggregates_only=true"],
+         "--benchmark_enable_random_interleaving=true", f"--benchmark_min_time={SECONDS_OF_ONE}"],
         check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-    times = {}
+    repetitions = collections.defaultdict(lambda: {"cpu": [], "real": []})
     scale = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
     for entry in json.loads(run.stdout)["benchmarks"]:
-        if entry.get("aggregate_name") == "median":
+        if entry["run_type"] == "iteration":
             unit = scale[entry["time_unit"]]
-            times[entry["run_name"]] = {"cpu": entry["cpu_time"] * unit,
-                                        "real": entry["real_time"] * unit}
-    return times
+            repetitions[entry["run_name"]]["cpu"].append(entry["cpu_time"] * unit)
+            repetitions[entry["run_name"]]["real"].append(entry["real_time"] * unit)
+    return {name: {kind: middle_mean(values) for kind, values in kinds.items()}
+            for name, kinds in repetitions.items()}
 
 
 def find(times, name, kind):
-    """Median of the benchmark whose run name is `name`, with or without the
+    """Time of the benchmark whose run name is `name`, with or without the
     suffixes that the library adds; several names joined by + are added up."""
     total = 0.0
     for part in name.split("+"):
@@ -61,7 +74,7 @@ def main():
     programs = {p.name: p for p in folder.rglob("*_benchmark") if p.is_file()}
     measured = {}
     for name in dict.fromkeys(row[0] for row in table):
-        measured[name] = medians(programs[name])
+        measured[name] = mean_times(programs[name])
 
     print(f"{'what':58} {'ours':>12} {'peer':>12} {'ratio':>7}  reach")
     missed = 0

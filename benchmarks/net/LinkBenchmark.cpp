@@ -192,14 +192,16 @@ void StreamedFrame(benchmark::State& state) {
   }
 }
 
-BENCHMARK(Idle<LinkReader>)->Name("idle_link")->Iterations(1)->UseManualTime();
-BENCHMARK(Idle<BareReader>)->Name("idle_bare_thread")->Iterations(1)->UseManualTime();
-BENCHMARK(PacedFrame<LinkReader>)->Name("paced_frame_link")->Iterations(1)->UseManualTime();
-BENCHMARK(PacedFrame<BareReader>)->Name("paced_frame_bare_thread")->Iterations(1)->UseManualTime();
-BENCHMARK(StreamedFrame<LinkReader>)->Name("streamed_frame_link")->Iterations(1)->UseManualTime();
-BENCHMARK(StreamedFrame<BareReader>)
-    ->Name("streamed_frame_bare_thread")
-    ->Iterations(1)
-    ->UseManualTime();
+// One repetition takes up to some seconds, so there are few.
+void FewLongOnes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Iterations(1)->Repetitions(15)->UseManualTime();
+}
+
+BENCHMARK(Idle<LinkReader>)->Name("idle_link")->Apply(FewLongOnes);
+BENCHMARK(Idle<BareReader>)->Name("idle_bare_thread")->Apply(FewLongOnes);
+BENCHMARK(PacedFrame<LinkReader>)->Name("paced_frame_link")->Apply(FewLongOnes);
+BENCHMARK(PacedFrame<BareReader>)->Name("paced_frame_bare_thread")->Apply(FewLongOnes);
+BENCHMARK(StreamedFrame<LinkReader>)->Name("streamed_frame_link")->Apply(FewLongOnes);
+BENCHMARK(StreamedFrame<BareReader>)->Name("streamed_frame_bare_thread")->Apply(FewLongOnes);
 
 }  // namespace
