@@ -43,28 +43,6 @@ void CDailyEventLog::SetSizeLimit(std::uint32_t bytes) noexcept {
   m_sizeLimit = bytes != 0 ? bytes : kNoSizeLimit;
 }
 
-// A line goes through this three times: it is to be one straight road.
-[[gnu::always_inline]] inline void CDailyEventLog::WritePiece(std::string_view piece) {
-  if (!IsOpen()) [[unlikely]]
-    return;
-  if (!m_isStandardOutput) {
-    if (m_clock.EpochSeconds() >= m_nextRotation && !OpenToday()) [[unlikely]]
-      return;
-    const std::uint64_t sum = m_bytesToday + piece.size();
-    if (sum >= m_sizeLimit) [[unlikely]]
-      return StopForToday();
-    m_bytesToday = sum;
-  }
-  Append(piece);
-}
-
-void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view prefix,
-                               std::string_view text) {
-  WritePiece(timeStamp);
-  WritePiece(prefix);
-  WritePiece(text);
-}
-
 bool CDailyEventLog::OpenStandardOutput() {
   m_folder = LogFolder();
   m_isStandardOutput = true;
@@ -128,10 +106,6 @@ void CDailyEventLog::Close() noexcept {
       "\nWARNING: File size limit of %u bytes reached! Logging stopped until next day.\n\n",
       static_cast<std::uint32_t>(m_sizeLimit));
   Append({warning, static_cast<std::size_t>(length)});
-}
-
-void CDailyEventLog::Append(std::string_view bytes) noexcept {
-  m_files.Append(m_file, bytes.data(), bytes.size());
 }
 
 }  // namespace Vask

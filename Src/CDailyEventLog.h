@@ -84,4 +84,32 @@ class CDailyEventLog {
   char m_path[kPathCapacity] = {};  // folder, "Log", date, ".log"
 };
 
+// Every line of the log goes this road, its middle three times, so it is
+// straight and without a call of our own.
+
+inline void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view prefix,
+                                      std::string_view text) {
+  WritePiece(timeStamp);
+  WritePiece(prefix);
+  WritePiece(text);
+}
+
+inline void CDailyEventLog::WritePiece(std::string_view piece) {
+  if (!IsOpen()) [[unlikely]]
+    return;
+  if (!m_isStandardOutput) {
+    if (m_clock.EpochSeconds() >= m_nextRotation && !OpenToday()) [[unlikely]]
+      return;
+    const std::uint64_t sum = m_bytesToday + piece.size();
+    if (sum >= m_sizeLimit) [[unlikely]]
+      return StopForToday();
+    m_bytesToday = sum;
+  }
+  Append(piece);
+}
+
+inline void CDailyEventLog::Append(std::string_view bytes) noexcept {
+  m_files.Append(m_file, bytes.data(), bytes.size());
+}
+
 }  // namespace Vask
