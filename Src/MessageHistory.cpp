@@ -10,7 +10,7 @@ MessageHistory::~MessageHistory() {
 // The chunks that the slot has are filled again where they are; what it lacks
 // comes from the free list, and what it does not need goes there. Once all are
 // there nothing can fail.
-void MessageHistory::Store(std::string_view head, std::string_view text) {
+[[gnu::hot]] void MessageHistory::Store(std::string_view head, std::string_view text) {
   Slot& slot = m_slots[m_current];
   constexpr std::size_t kChunk = MessageChunk::kCapacity;
   Reserve(slot.chunks, 1 + (text.size() + kChunk - 1) / kChunk);

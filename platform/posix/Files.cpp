@@ -134,7 +134,8 @@ class PosixFiles final : public Files {
     return open(NativePath(path).Text(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kFileMode);
   }
 
-  bool Append(FileHandle file, const char* text, std::size_t length) noexcept override {
+  [[gnu::hot]] bool Append(FileHandle file, const char* text,
+                           std::size_t length) noexcept override {
     for (;;) {
       const ssize_t written = write(static_cast<int>(file), text, length);
       if (written == static_cast<ssize_t>(length)) return true;
