@@ -133,7 +133,7 @@ void DailyLog::WriteAndNotify(LogLevel level, std::string_view text, ListenerCal
 }
 
 [[gnu::hot]] void DailyLog::Record(LogLevel level, std::string_view text) {
-  const LogHead head(m_clock.LocalNow(), level);
+  const LogHead& head = m_heads.Make(m_clock.LocalNow(), level);
   m_file.WriteLine(head.TimeStamp(), head.Prefix(), text);
   if (m_consoleEcho) Echo(head, text);
   if (m_syslog.Enabled()) m_syslog.Send(head.Prefix(), text);

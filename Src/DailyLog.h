@@ -96,6 +96,7 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   Platform::Clock& m_clock;
   Platform::Files& m_files;
   Platform::Sockets& m_sockets;
+  LogHeadMaker m_heads VASK_GUARDED_BY(m_lock);
   CDailyEventLog m_file VASK_GUARDED_BY(m_lock);
   MessageHistory m_history VASK_GUARDED_BY(m_lock);
   SyslogSender m_syslog VASK_GUARDED_BY(m_lock);

@@ -32,4 +32,24 @@ class LogHead {
   std::size_t m_length;
 };
 
+// Makes heads. Lines come in bursts, two with each request and many with an
+// update, so the last head is kept for lines of its millisecond and level. What
+// Make answers holds until the next call.
+class LogHeadMaker {
+ public:
+  [[nodiscard]] const LogHead& Make(const Platform::LocalTime& time, LogLevel level) noexcept {
+    if (time != m_time || level != m_level) [[unlikely]] {
+      m_head = LogHead(time, level);
+      m_time = time;
+      m_level = level;
+    }
+    return m_head;
+  }
+
+ private:
+  Platform::LocalTime m_time;
+  LogLevel m_level = LogLevel::Info;
+  LogHead m_head{m_time, m_level};
+};
+
 }  // namespace Vask

@@ -13,6 +13,8 @@ struct LocalTime {
   unsigned minute = 0;
   unsigned second = 0;
   unsigned millisecond = 0;
+
+  bool operator==(const LocalTime&) const = default;
 };
 
 // Every reading of time in the agent goes through one Clock that is handed in,

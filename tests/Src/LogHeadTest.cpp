@@ -1,0 +1,76 @@
+#include "Src/LogHead.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <string>
+
+namespace Vask::Tests {
+namespace {
+
+using Platform::LocalTime;
+
+constexpr LocalTime kNoon{2018, 5, 14, 12, 0, 0, 7};
+
+struct LevelRow {
+  const char* name;
+  LogLevel level;
+  const char* prefix;
+};
+
+void PrintTo(const LevelRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class LogHeads : public testing::TestWithParam<LevelRow> {};
+
+TEST_P(LogHeads, HoldTimeStampAndPrefixInOnePiece) {
+  const LogHead head(kNoon, GetParam().level);
+  EXPECT_EQ(head.TimeStamp(), "12:00:00.007: ");
+  EXPECT_EQ(head.Prefix(), GetParam().prefix);
+  EXPECT_EQ(head.Both(), "12:00:00.007: " + std::string(GetParam().prefix));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, LogHeads,
+                         testing::Values(LevelRow{"Error", LogLevel::Error, "Error: "},
+                                         LevelRow{"Warning", LogLevel::Warning, "Warning: "},
+                                         LevelRow{"Info", LogLevel::Info, "Info: "},
+                                         LevelRow{"Trace", LogLevel::Trace, "TRACE: "}),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+// The rows follow one another on one maker.
+TEST(LogHeadMakerTest, MakesAHeadAnewForEveryOtherTimeAndLevel) {
+  const struct {
+    const char* name;
+    LocalTime time;
+    LogLevel level;
+    const char* head;
+  } rows[] = {
+      {"first", {2018, 5, 14, 12, 0, 0, 7}, LogLevel::Info, "12:00:00.007: Info: "},
+      {"the same once more", {2018, 5, 14, 12, 0, 0, 7}, LogLevel::Info, "12:00:00.007: Info: "},
+      {"level", {2018, 5, 14, 12, 0, 0, 7}, LogLevel::Warning, "12:00:00.007: Warning: "},
+      {"level, and back", {2018, 5, 14, 12, 0, 0, 7}, LogLevel::Info, "12:00:00.007: Info: "},
+      {"level once more", {2018, 5, 14, 12, 0, 0, 7}, LogLevel::Warning, "12:00:00.007: Warning: "},
+      {"millisecond", {2018, 5, 14, 12, 0, 0, 8}, LogLevel::Warning, "12:00:00.008: Warning: "},
+      {"second", {2018, 5, 14, 12, 0, 59, 8}, LogLevel::Warning, "12:00:59.008: Warning: "},
+      {"minute", {2018, 5, 14, 12, 30, 59, 8}, LogLevel::Warning, "12:30:59.008: Warning: "},
+      {"hour, backwards",
+       {2018, 5, 14, 2, 30, 59, 8},
+       LogLevel::Warning,
+       "02:30:59.008: Warning: "},
+      {"no time at all", {}, LogLevel::Warning, "00:00:00.000: Warning: "},
+      {"nor a line before it", {}, LogLevel::Info, "00:00:00.000: Info: "},
+  };
+  LogHeadMaker heads;
+  for (const auto& row : rows)
+    EXPECT_EQ(heads.Make(row.time, row.level).Both(), row.head) << row.name;
+}
+
+// A clock that fails says so.
+TEST(LogHeadMakerTest, ATimeOfZerosHasItsHeadFromTheStart) {
+  LogHeadMaker heads;
+  EXPECT_EQ(heads.Make({}, LogLevel::Info).Both(), "00:00:00.000: Info: ");
+}
+
+}  // namespace
+}  // namespace Vask::Tests
