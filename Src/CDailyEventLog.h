@@ -84,8 +84,8 @@ class CDailyEventLog {
   char m_path[kPathCapacity] = {};  // folder, "Log", date, ".log"
 };
 
-// Every line of the log goes this road, its middle three times, so it is
-// straight and without a call of our own.
+// Every line of the log goes this road, most of it three times: it is straight,
+// and nothing is called but the clock and the file.
 
 inline void CDailyEventLog::WriteLine(std::string_view timeStamp, std::string_view prefix,
                                       std::string_view text) {
