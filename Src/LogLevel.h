@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -26,6 +27,8 @@ constexpr std::string_view LogPrefix(LogLevel level) noexcept {
   return "TRACE: ";
 }
 
-inline constexpr std::size_t kLongestLogPrefix = LogPrefix(LogLevel::Warning).size();
+inline constexpr std::size_t kLongestLogPrefix =
+    std::max({LogPrefix(LogLevel::Error).size(), LogPrefix(LogLevel::Warning).size(),
+              LogPrefix(LogLevel::Info).size(), LogPrefix(LogLevel::Trace).size()});
 
 }  // namespace Vask

@@ -4,6 +4,8 @@
 
 #include <time.h>
 
+#include "platform/BrokenDownTime.h"
+
 namespace Vask::Platform {
 
 namespace {
@@ -32,26 +34,11 @@ class WindowsClock final : public Clock {
 
   LocalTime ToLocal(std::int64_t epochSeconds) noexcept override {
     tm broken{};
-    if (_localtime64_s(&broken, &epochSeconds) != 0) return {};
-    LocalTime local;
-    local.year = static_cast<unsigned>(broken.tm_year + 1900);
-    local.month = static_cast<unsigned>(broken.tm_mon + 1);
-    local.day = static_cast<unsigned>(broken.tm_mday);
-    local.hour = static_cast<unsigned>(broken.tm_hour);
-    local.minute = static_cast<unsigned>(broken.tm_min);
-    local.second = static_cast<unsigned>(broken.tm_sec);
-    return local;
+    return _localtime64_s(&broken, &epochSeconds) == 0 ? AsLocalTime(broken) : LocalTime{};
   }
 
   std::int64_t FromLocal(const LocalTime& local) noexcept override {
-    tm broken{};
-    broken.tm_year = static_cast<int>(local.year) - 1900;
-    broken.tm_mon = static_cast<int>(local.month) - 1;
-    broken.tm_mday = static_cast<int>(local.day);
-    broken.tm_hour = static_cast<int>(local.hour);
-    broken.tm_min = static_cast<int>(local.minute);
-    broken.tm_sec = static_cast<int>(local.second);
-    broken.tm_isdst = -1;
+    tm broken = AsBrokenDown(local);
     return _mktime64(&broken);
   }
 

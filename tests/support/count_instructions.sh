@@ -3,8 +3,8 @@
 #
 # Runs PROGRAM with its arguments and, as the last one, how often it is to do
 # what it does. Fails when doing it once takes more than LIMIT instructions.
-# Unlike a time they are the same on every run; the difference of two runs leaves
-# out what starting the program takes.
+# Unlike a time they hardly differ from run to run; the difference of two runs
+# leaves out what starting the program takes.
 set -euo pipefail
 limit=$1
 shift
