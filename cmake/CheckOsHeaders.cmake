@@ -7,19 +7,19 @@ set(folders json Src net messages agent simulator host tests benchmarks fuzz)
 
 # At the border itself:
 set(allowed
-    "^tests/platform/(posix|win32)/"     # one system's side of the seam
+    "^tests/platform/(linux|win32)/"     # one system's side of the seam
     "^tests/(contract|host|installer)/"  # load the module, or stand in for its host
     "^benchmarks/Src/LogBenchmark\\.cpp$" # its peer is the bare system call
-    "^tests/hostile/(posix|win32)/"      # stands between the loaded module and the system
+    "^tests/hostile/(linux|win32)/"      # stands between the loaded module and the system
     "^tests/support/SmallStack\\.h$"      # the seam has one size of stack, on purpose
-    "^agent/(posix|win32)/"              # what the loader calls
+    "^agent/(linux|win32)/"              # what the loader calls
     "^host/winelib/")                    # the side of the host that faces Windows
 
 set(os_headers
     # Windows
     windows winsock2? ws2tcpip mswsock mstcpip windef winbase winnt winuser shlobj shellapi objbase
     snmp mgmtapi process io direct conio winternl tlhelp32 psapi
-    # POSIX and Linux
+    # Linux
     unistd fcntl dirent dlfcn netdb poll pthread sched semaphore signal spawn syslog termios
     fnmatch glob pwd grp link
     sys/[a-z_/]+ arpa/[a-z]+ netinet/[a-z_]+ net/if linux/[a-z_/]+)

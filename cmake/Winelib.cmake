@@ -31,9 +31,9 @@ endforeach()
 
 add_library(host_native_objects OBJECT
     Main.cpp
-    "${CMAKE_SOURCE_DIR}/platform/posix/Clock.cpp"
-    "${CMAKE_SOURCE_DIR}/platform/posix/PresentQuarter.cpp"
-    "${CMAKE_SOURCE_DIR}/platform/posix/Threading.cpp")
+    "${CMAKE_SOURCE_DIR}/platform/linux/Clock.cpp"
+    "${CMAKE_SOURCE_DIR}/platform/linux/PresentQuarter.cpp"
+    "${CMAKE_SOURCE_DIR}/platform/linux/Threading.cpp")
 target_include_directories(host_native_objects PRIVATE
     "${CMAKE_SOURCE_DIR}" "${CMAKE_BINARY_DIR}/generated")
 target_link_libraries(host_native_objects PRIVATE corvane_options)

@@ -1,6 +1,6 @@
 """The show: servers are started, watched, broken and mended; what fired is told.
 
-Started by ../run-fleet, in network and mount namespaces of its own.
+Started by tools/run-fleet, in network and mount namespaces of its own.
 """
 
 import argparse

@@ -11,7 +11,7 @@
 #include "host/Registration.h"
 #include "host/SnmpFront.h"
 #include "platform/Threading.h"
-#include "platform/posix/EventDescriptor.h"
+#include "platform/linux/EventDescriptor.h"
 
 namespace {
 

@@ -16,5 +16,5 @@
 #undef CreateEvent   // would rename Platform::Threading's operation in this file alone
 #undef StartService  // and TimerService's
 #else
-#include "platform/posix/Snmp.h"
+#include "platform/linux/Snmp.h"
 #endif

@@ -23,7 +23,7 @@ STRICT = {
     "trap queue": r"agent/(TrapQueue|TrapTable)\.",
 }
 # Everything else is judged by its folder's lines.
-FOLDER = r"(platform/posix|\w+)/"
+FOLDER = r"(platform/linux|\w+)/"
 LEAST_LINES = 90.0
 
 

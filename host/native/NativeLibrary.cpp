@@ -1,7 +1,7 @@
 #include "host/ModuleLibrary.h"
 #include "platform/SharedLibrary.h"
 #include "platform/Threading.h"
-#include "platform/posix/EventDescriptor.h"
+#include "platform/linux/EventDescriptor.h"
 
 namespace Host {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/posix/PresentQuarter.h"
+#include "platform/linux/PresentQuarter.h"
 
 #include <gtest/gtest.h>
 #include <time.h>

@@ -1,4 +1,4 @@
-#include "platform/posix/Snmp.h"
+#include "platform/linux/Snmp.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -3,7 +3,7 @@
 #include <time.h>
 
 #include "platform/BrokenDownTime.h"
-#include "platform/posix/PresentQuarter.h"
+#include "platform/linux/PresentQuarter.h"
 
 namespace Vask::Platform {
 

@@ -11,7 +11,7 @@
 #include <new>
 
 #include "platform/Clock.h"
-#include "platform/posix/EventDescriptor.h"
+#include "platform/linux/EventDescriptor.h"
 
 namespace Vask::Platform {
 

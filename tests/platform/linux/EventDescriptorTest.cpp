@@ -1,4 +1,4 @@
-#include "platform/posix/EventDescriptor.h"
+#include "platform/linux/EventDescriptor.h"
 
 #include <gtest/gtest.h>
 #include <poll.h>
