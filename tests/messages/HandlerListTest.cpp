@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace Messages::Tests {
 namespace {
@@ -184,6 +185,36 @@ TEST_F(HandlerListTest, WalkWithinAWalkCallsEverybodyAndTheOuterOneGoesOn) {
   };
   EXPECT_EQ("AABB", Dispatch());
   EXPECT_EQ("B", Dispatch());
+}
+
+TEST_F(HandlerListTest, HandlerAddedAndCalledInANestedDispatchIsCalledByTheOuterOneToo) {
+  list.Subscribe(A);
+  bool within = false;
+  script.duringA = [this, &within] {
+    if (std::exchange(within, true)) return;
+    list.Subscribe(B);
+    DispatchWithin();
+  };
+  EXPECT_EQ("AABB", Dispatch());
+}
+
+TEST_F(HandlerListTest, HandlerMovedByANestedDispatchIsNotCalledAgainByTheOuterOne) {
+  for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
+  bool within = false;
+  script.duringB = [this, &within] {
+    if (std::exchange(within, true)) return;
+    DispatchWithin();
+    list.Subscribe(A);
+    list.Subscribe(C);
+    DispatchWithin();
+  };
+  // The outer dispatch has called A and B, so only C is left for it.
+  EXPECT_EQ(
+      "AB"
+      "ABC"
+      "BAC"
+      "C",
+      Dispatch());
 }
 
 TEST_F(HandlerListTest, AllMayGoDuringAWalk) {
