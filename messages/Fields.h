@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "json/FoldedKey.h"
+#include "json/KeyFolding.h"
 
 namespace Messages {
 
@@ -113,8 +114,10 @@ struct Description;
 
 // --- What follows turns descriptions into tables. ---
 
+inline constexpr Vask::KeyFolding kToLower(Vask::KeyFolding::Letters::ToLower);
+
 constexpr char FoldAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return static_cast<char>(kToLower.Fold(c));
 }
 
 constexpr bool SameName(const char* a, const char* b) {
