@@ -29,7 +29,6 @@ struct GlobalOptions {
 
 template <>
 struct Description<GlobalOptions> {
-  static constexpr char kDecoder[] = "DecodeStruct_GlobalOptions";
   static constexpr Field kRows[] = {
       Text<&GlobalOptions::m_adminpass>("adminpass"),
       Text<&GlobalOptions::m_adminuser>("adminuser"),
@@ -51,6 +50,21 @@ struct Description<GlobalOptions> {
 };
 
 inline bool DecodeStruct_GlobalOptions(const Vask::JsonObject& object, GlobalOptions& record) {
+  return Decode(object, record);
+}
+
+// Changes any of the settings of GlobalOptions. Absent fields stay empty or 0,
+// which a receiver cannot tell from fields that were sent so.
+struct UpdateGlobalOptions : GlobalOptions {};
+
+template <>
+struct Description<UpdateGlobalOptions> {
+  static constexpr Presence kPresence = Presence::Optional;
+  static constexpr auto& kRows = Description<GlobalOptions>::kRows;
+};
+
+inline bool DecodeStruct_UpdateGlobalOptions(const Vask::JsonObject& object,
+                                             UpdateGlobalOptions& record) {
   return Decode(object, record);
 }
 

@@ -322,8 +322,10 @@ TEST_F(CodecTest, AlternativeWhoseOwnUnionIsEmptyCannotBeEncoded) {
     ProgramSummary summary;
   };
   static constexpr Alternative kAlternatives[] = {
-      {"Summary", &kRecordTable<ProgramSummary>,
-       [](void* choice) -> void* { return &static_cast<Choice*>(choice)->summary; }}};
+      {.tag = 0,
+       .name = "Summary",
+       .record = &kRecordTable<ProgramSummary>,
+       .member = [](void* choice) -> void* { return &static_cast<Choice*>(choice)->summary; }}};
   constexpr UnionTable kTable = {"Choice", "Choice", kAlternatives, 1,
                                  [](void* choice) { return &static_cast<Choice*>(choice)->tag; }};
   Choice choice;

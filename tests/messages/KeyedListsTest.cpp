@@ -1,6 +1,5 @@
-#include "messages/ProcessList.h"
-#include "messages/ProcessList2.h"
-#include "messages/SNMPsequence.h"
+#include "messages/Processes.h"
+#include "messages/SNMPmessage.h"
 #include "tests/messages/ListReading.h"
 #include "tests/messages/MessageTest.h"
 

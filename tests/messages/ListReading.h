@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "messages/KeyedList.h"
+#include "messages/Fields.h"
 
 namespace Messages::Tests {
 
@@ -14,7 +14,7 @@ std::vector<std::pair<std::string, const E*>> Elements(const KeyedList<E>& list)
   std::vector<std::pair<std::string, const E*>> found;
   list.ForEach(
       "",
-      [](const char* key, E** element, void* context) {
+      [](const char* key, auto element, void* context) {
         static_cast<decltype(found)*>(context)->emplace_back(key, *element);
         return true;
       },
