@@ -1,5 +1,6 @@
 #include <map>
 
+#include "messages/GlobalOptions.h"
 #include "tests/messages/MessageTest.h"
 #include "tests/messages/RecordTable.h"
 
@@ -209,6 +210,34 @@ TEST_P(RecordsTest, SubsetsOfEverySizeDecodeForPartialUpdatesOnly) {
       EXPECT_EQ(1u, Reports().size()) << size;
     }
   }
+}
+
+using PartialUpdatesTest = MessageTest;
+
+TEST_F(PartialUpdatesTest, UpdateOfOnePortLeavesEverythingElseEmpty) {
+  UpdateGlobalOptions options;
+  EXPECT_TRUE(DecodeStruct_UpdateGlobalOptions(*ParseObject(R"({"httpport":8080})"), options));
+  EXPECT_EQ(8080, options.m_httpport);
+  for (const char* text : {options.m_adminpass, options.m_adminuser, options.m_fromemail,
+                           options.m_fromname, options.m_notifyemail, options.m_smtpusername,
+                           options.m_smtppassword, options.m_smtpserver}) {
+    EXPECT_STREQ("", text);
+  }
+  for (const std::int32_t number :
+       {options.m_reconnecttimeout, options.m_emailonerror, options.m_httpsport,
+        options.m_smtpserverport, options.m_streamserverport, options.m_usessl,
+        options.m_waitintervalsec}) {
+    EXPECT_EQ(0, number);
+  }
+  EXPECT_EQ(Texts{}, Reports());
+}
+
+TEST_F(PartialUpdatesTest, PortOfTheWrongKindIsReportedAndStaysZero) {
+  UpdateGlobalOptions options;
+  EXPECT_TRUE(DecodeStruct_UpdateGlobalOptions(*ParseObject(R"({"httpport":"8080"})"), options));
+  EXPECT_EQ(0, options.m_httpport);
+  EXPECT_EQ(Texts{"GetIntProperty: Property 'httpport' was expected to be an int (but it is not)"},
+            Reports());
 }
 
 INSTANTIATE_TEST_SUITE_P(Messages, RecordsTest, ::testing::ValuesIn(FlatRecords()),

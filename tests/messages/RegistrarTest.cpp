@@ -208,6 +208,13 @@ TEST_F(RegistrarTest, IdsOfEveryKind) {
   }
 }
 
+TEST_F(RegistrarTest, MessageWhoseIdIsATextIsReportedAndDispatchedWithZero) {
+  EXPECT_TRUE(Receive(Envelope("SNMPmessage", kStreams, R"("7")")));
+  EXPECT_EQ("message1:0 ", Calls());
+  EXPECT_EQ(Texts{"GetIntProperty: Property 'id' was expected to be an int (but it is not)"},
+            Reports());
+}
+
 TEST_F(RegistrarTest, AbsentIdIsZeroWithoutAReport) {
   EXPECT_TRUE(Receive(R"({"name":"SNMPupdateFinished","data":{}})"));
   EXPECT_EQ("finished:0 ", Calls());
@@ -308,6 +315,11 @@ TEST_F(RegistrarTest, WithoutASinkReportsAreDropped) {
   EXPECT_FALSE(Receive("{}"));
   registrar.ReportError("lost %d", 1);
   EXPECT_EQ(Texts{}, Reports());
+}
+
+TEST_F(RegistrarTest, EmptyReportReachesTheSink) {
+  registrar.ReportError("%s", "");
+  EXPECT_EQ(Texts{""}, Reports());
 }
 
 TEST_F(RegistrarTest, LongReportsAreWhole) {
