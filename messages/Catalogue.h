@@ -1,11 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <iterator>
 #include <string_view>
-
-namespace Vask {
-class JsonObject;
-}
 
 // The catalogue: every message of the protocol, in matching order, one line per
 // message. This is the only list of messages: types, names, handler lists,
@@ -13,7 +10,7 @@ class JsonObject;
 //
 //   X(name, body, role)
 //     body  RECORD: a header of this folder defines the record and its decoder.
-//           FIELDLESS: the decoder reads nothing and accepts any object.
+//           FIELDLESS: nothing is read and any object is accepted.
 //     role  ANSWER: answers the request on the line above. MESSAGE: any other.
 //
 // Names are matched whole and without regard to case. A released message keeps its
@@ -163,15 +160,11 @@ class JsonObject;
 
 namespace Messages {
 
-// Declares the record types of all messages. Those without fields are complete
-// here; for the others include the header that defines the record.
-
+// The record types of all messages. Those without fields are complete here; for the
+// others include the header that defines the record.
 #define MESSAGES_DECLARE_RECORD(name) struct name;
-#define MESSAGES_DECLARE_FIELDLESS(name)                            \
-  struct name {};                                                   \
-  inline bool DecodeStruct_##name(const Vask::JsonObject&, name&) { \
-    return true;                                                    \
-  }
+#define MESSAGES_DECLARE_FIELDLESS(name) \
+  struct name {};
 #define MESSAGES_DECLARE(name, body, role) MESSAGES_DECLARE_##body(name)
 MESSAGES_CATALOGUE(MESSAGES_DECLARE)
 #undef MESSAGES_DECLARE
@@ -209,9 +202,10 @@ inline constexpr std::size_t kCatalogueIndex = [] {
   static_assert(sizeof(M) == 0, "not a message of the catalogue");
   return kCatalogueSize;
 }();
-#define MESSAGES_INDEX(name, body, role) \
-  template <>                            \
-  inline constexpr std::size_t kCatalogueIndex<name> = std::size_t(Internal::Position::name);
+#define MESSAGES_INDEX(name, body, role)               \
+  template <>                                          \
+  inline constexpr std::size_t kCatalogueIndex<name> = \
+      static_cast<std::size_t>(Internal::Position::name);
 MESSAGES_CATALOGUE(MESSAGES_INDEX)
 #undef MESSAGES_INDEX
 

@@ -10,7 +10,6 @@
 
 namespace Messages {
 
-using Vask::Json;
 using Vask::JsonObject;
 using Vask::JsonRef;
 
@@ -44,7 +43,7 @@ bool DecodeInteger(const JsonObject& object, const RecordTable& table, const Fie
          CheckRange(table, field, value);
 }
 
-// Destroys an object whose decode fails, also if it fails for want of memory.
+// Destroys an object whose decode fails, also if it fails because memory runs out.
 class Unfinished {
  public:
   Unfinished(void (*destroy)(void*), void* object) : m_destroy(destroy), m_object(object) {}

@@ -6,8 +6,8 @@
 
 namespace Messages {
 
-// The main process's settings as its first clients know them. Their meaning and
-// units are the main process's own; nothing here limits a number.
+// The settings of the main process, first version. The main process defines their
+// meaning and units; no number has a range.
 struct GlobalOptions {
   char m_adminpass[257] = "";
   char m_adminuser[257] = "";
@@ -53,8 +53,8 @@ inline bool DecodeStruct_GlobalOptions(const Vask::JsonObject& object, GlobalOpt
   return Decode(object, record);
 }
 
-// Changes any of the settings of GlobalOptions. Absent fields stay empty or 0,
-// which a receiver cannot tell from fields that were sent so.
+// Changes any of the settings of GlobalOptions. An absent field stays empty or 0; a
+// receiver cannot tell it from a field that was sent with that value.
 struct UpdateGlobalOptions : GlobalOptions {};
 
 template <>

@@ -6,8 +6,8 @@
 
 namespace Messages {
 
-// The extended settings of the main process. Their meaning and units are the
-// main process's own; nothing here limits a number, yes/no settings included.
+// The settings of the main process, second version. The main process defines their
+// meaning and units; no number has a range, not even the yes/no settings.
 struct GlobalOptions2 {
   char m_adminpass[257] = "";
   std::int32_t m_blankadminpass = 0;
@@ -71,9 +71,9 @@ inline bool DecodeStruct_GlobalOptions2(const Vask::JsonObject& object, GlobalOp
   return Decode(object, record);
 }
 
-// Changes any of the settings of GlobalOptions2 except the common folder. Absent
-// fields stay empty or 0, which a receiver cannot tell from fields that were sent
-// so.
+// Changes any of the settings of GlobalOptions2 except the common folder. An absent
+// field stays empty or 0; a receiver cannot tell it from a field that was sent with
+// that value.
 struct UpdateGlobalOptions2 {
   char m_adminpass[257] = "";
   std::int32_t m_blankadminpass = 0;

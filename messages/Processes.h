@@ -6,7 +6,7 @@
 
 namespace Messages {
 
-// The generic answer to a request: a result code and what there is to say.
+// The general answer of the main process to a request: a result code and a message.
 struct Confirmation {
   std::int32_t m_result = 0;
   char m_message[257] = "";
@@ -24,7 +24,7 @@ inline bool DecodeStruct_Confirmation(const Vask::JsonObject& object, Confirmati
   return Decode(object, record);
 }
 
-// What product the main process is.
+// The product that the main process is.
 struct ProductVersion {
   char m_productname[257] = "";
   char m_productversion[17] = "";
@@ -63,7 +63,7 @@ inline bool DecodeStruct_GetAudioOutputDeviceList(const Vask::JsonObject& object
   return Decode(object, record);
 }
 
-// The state of one process. All figures but the last travel as texts.
+// The state of one process. All figures but the last are texts.
 struct ProcessInfo {
   char m_version[65] = "";
   char m_buildDate[65] = "";
@@ -89,8 +89,7 @@ inline bool DecodeStruct_ProcessInfo(const Vask::JsonObject& object, ProcessInfo
   return Decode(object, record);
 }
 
-// The names of the running processes: each is the key of an element that holds
-// nothing.
+// The names of the running processes: the keys of elements without fields.
 struct ProcessList {
   struct processes {};
 
@@ -114,7 +113,7 @@ inline bool DecodeStruct_ProcessList(const Vask::JsonObject& object, ProcessList
 // The running processes by name, with the ports and switches of each.
 struct ProcessList2 {
   struct processes {
-    // The catalogue has a message of the same name; that is another type.
+    // Another type than the message of the same name in the catalogue.
     struct ProcessInfo {
       std::int32_t m_streamServerPort = 0;
       std::int32_t m_kelvo9 = 0;
