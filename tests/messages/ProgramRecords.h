@@ -7,9 +7,9 @@
 
 namespace Messages::Tests {
 
-// A record with everything that rows can describe, in the shape of the
-// protocol's program messages: a keyed list whose elements hold a record with a
-// union; the union's alternatives hold a list and a further union.
+// A record with everything that rows can describe, like the protocol's program
+// messages: a keyed list whose elements hold a record with a union. The union's
+// alternatives hold a list and another union.
 struct CreateProgramMP3 {
   struct streams {
     struct Stream {
@@ -30,7 +30,7 @@ struct CreateProgramMP3 {
           ~options();
         };
 
-        options m_options;  // before the list, which so goes first
+        options m_options;  // declared before the list and destroyed after it
         KeyedList<codecs> m_codecs;
       };
       struct instance {
@@ -60,7 +60,7 @@ struct CreateProgramMP3 {
   KeyedList<streams> m_streams;
 };
 
-// What a program says of its own: everything that can be written.
+// A record with everything that can be encoded.
 struct ProgramSummary {
   struct Level {
     std::int32_t m_peak = 0;
@@ -193,10 +193,3 @@ inline ProgramStream::instance::~instance() {
 }
 
 }  // namespace Messages
-
-namespace Messages::Tests {
-
-// Everything of a decoded program on one line.
-std::string Dump(const CreateProgramMP3& program);
-
-}  // namespace Messages::Tests

@@ -6,7 +6,7 @@
 namespace Messages::Tests {
 namespace {
 
-// Stands in for the link.
+// A link that records what is sent.
 class RecordingSender final : public Vask::IOnJsonMessage {
  public:
   bool OnJsonMessage(Vask::Json* message) override {
@@ -80,7 +80,7 @@ TEST_F(RegistrarSendTest, WithoutASenderTheMessageIsBuiltAndNotSent) {
   EXPECT_EQ(Texts{}, sender.sent);
 }
 
-TEST_F(RegistrarSendTest, ResultOfTheLinkIsNotLookedAt) {
+TEST_F(RegistrarSendTest, ResultOfTheLinkIsIgnored) {
   sender.answer = false;
   EXPECT_TRUE(registrar.SendSNMPupdate());
   EXPECT_TRUE(SendTrap(SNMPtrap::kStreamsFailed));
