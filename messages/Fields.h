@@ -302,7 +302,7 @@ constexpr Field Text(const char* name) {
   return {.name = name,
           .kind = FieldKind::Text,
           .member = &AddressOf<Member>,
-          .capacity = std::extent_v<Array> - 1};
+          .capacity = sizeof(Array) - 1};
 }
 
 template <auto Member>
