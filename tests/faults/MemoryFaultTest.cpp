@@ -20,7 +20,7 @@
 #include "json/JsonRef.h"
 #include "messages/Codec.h"
 #include "messages/HandlerList.h"
-#include "messages/SNMPsequence.h"
+#include "messages/SNMPmessage.h"
 #include "tests/agent/TakenTrap.h"
 #include "tests/faults/FaultStand.h"
 #include "tests/support/AllocationFault.h"
