@@ -32,11 +32,16 @@ class Clock {
   // The present moment in local time.
   virtual LocalTime LocalNow() noexcept = 0;
 
-  // Breaks a moment down in local time, with millisecond 0.
+  // Breaks a moment down in local time, with millisecond 0. All zeros if the
+  // system's calendar does not hold the moment (on Windows: outside the years
+  // 1601 to 30827).
   virtual LocalTime ToLocal(std::int64_t epochSeconds) noexcept = 0;
 
-  // The moment that a local time names; where daylight saving makes it
-  // ambiguous or void, as mktime decides. -1 if it cannot be represented.
+  // The moment that a local time names; every field must be in its range, and
+  // the millisecond is ignored. -1 if the system's calendar does not hold it.
+  // A time that daylight saving repeats is one of the two moments. A time that
+  // it leaves out counts on after the gap: 00:30 is 01:30 on a day that begins
+  // at 01:00.
   virtual std::int64_t FromLocal(const LocalTime& local) noexcept = 0;
 
   // Blocks the calling thread for about that many milliseconds.

@@ -2,7 +2,6 @@
 
 #include <time.h>
 
-#include "platform/BrokenDownTime.h"
 #include "platform/linux/PresentQuarter.h"
 
 namespace Vask::Platform {
@@ -37,7 +36,14 @@ class PosixClock final : public Clock {
   LocalTime ToLocal(std::int64_t epochSeconds) noexcept override { return BreakDown(epochSeconds); }
 
   std::int64_t FromLocal(const LocalTime& local) noexcept override {
-    tm broken = AsBrokenDown(local);
+    tm broken{};
+    broken.tm_year = static_cast<int>(local.year) - 1900;
+    broken.tm_mon = static_cast<int>(local.month) - 1;
+    broken.tm_mday = static_cast<int>(local.day);
+    broken.tm_hour = static_cast<int>(local.hour);
+    broken.tm_min = static_cast<int>(local.minute);
+    broken.tm_sec = static_cast<int>(local.second);
+    broken.tm_isdst = -1;  // mktime finds out
     return mktime(&broken);
   }
 

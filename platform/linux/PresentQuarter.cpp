@@ -2,14 +2,20 @@
 
 #include <time.h>
 
-#include "platform/BrokenDownTime.h"
-
 namespace Vask::Platform {
 
 LocalTime BreakDown(std::int64_t epochSeconds) noexcept {
   const time_t moment = epochSeconds;
   tm broken{};
-  return localtime_r(&moment, &broken) != nullptr ? AsLocalTime(broken) : LocalTime{};
+  if (localtime_r(&moment, &broken) == nullptr) return {};
+  LocalTime local;
+  local.year = static_cast<unsigned>(broken.tm_year + 1900);
+  local.month = static_cast<unsigned>(broken.tm_mon + 1);
+  local.day = static_cast<unsigned>(broken.tm_mday);
+  local.hour = static_cast<unsigned>(broken.tm_hour);
+  local.minute = static_cast<unsigned>(broken.tm_min);
+  local.second = static_cast<unsigned>(broken.tm_sec);
+  return local;
 }
 
 LocalTime PresentQuarter::Renew(std::int64_t epochSeconds) noexcept {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <limits>
 #include <ostream>
 #include <string>
 
@@ -108,10 +109,13 @@ TEST_P(ClockMoments, SurviveTheWayToLocalTimeAndBack) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ClockMoments,
-                         testing::Values(MomentRow{"MayOf2018", 1'526'299'200},
+                         testing::Values(MomentRow{"SecondDayOf1601", -11'644'387'200},
+                                         MomentRow{"BeforeTheEpoch", -86'401},
+                                         MomentRow{"MayOf2018", 1'526'299'200},
                                          MomentRow{"LeapDayOf2024", 1'709'208'000},
                                          MomentRow{"LastSecondOf2025", 1'767'225'599},
-                                         MomentRow{"PastTheSignedRangeOf32Bits", 2'147'483'648}),
+                                         MomentRow{"PastTheSignedRangeOf32Bits", 2'147'483'648},
+                                         MomentRow{"LastDayButOneOf30827", 910'670'428'799}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ClockTest, LocalTimeCountsMonthsAndDaysFromOne) {
@@ -128,6 +132,29 @@ TEST(ClockTest, LocalMidnightIsAMomentOfTheSameDay) {
   const LocalTime again = SystemClock().ToLocal(SystemClock().FromLocal(midnight));
   EXPECT_EQ(again.day, midnight.day);
   EXPECT_EQ(again.hour, 0u);
+}
+
+// Windows' calendar ends here on either side.
+TEST(ClockTest, MomentOutsideTheYears1601To30827IsConvertedOrRefused) {
+  for (const std::int64_t moment : {-11'644'473'601, 910'670'515'200}) {
+    const LocalTime local = SystemClock().ToLocal(moment);
+    EXPECT_TRUE(local == LocalTime{} || SystemClock().FromLocal(local) == moment) << moment;
+  }
+}
+
+TEST(ClockTest, MomentThatHasNoLocalTimeIsAllZeros) {
+  for (const std::int64_t moment :
+       {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+    EXPECT_EQ(SystemClock().ToLocal(moment), LocalTime{}) << moment;
+  }
+}
+
+TEST(ClockTest, LocalTimeOfAFarYearIsConvertedOrRefused) {
+  for (const unsigned year : {1600u, 30'828u, 67'554u}) {
+    const LocalTime local{year, 5, 14, 12};
+    const std::int64_t moment = SystemClock().FromLocal(local);
+    EXPECT_TRUE(moment == -1 || SystemClock().ToLocal(moment) == local) << year;
+  }
 }
 
 }  // namespace
