@@ -3,8 +3,6 @@
 #include <cstring>
 #include <memory>
 
-#include "host/ValueConversion.h"
-
 namespace Host {
 namespace {
 

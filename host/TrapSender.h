@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "host/ExtensionModule.h"
 #include "host/NetSnmp.h"
 
 namespace Host {

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "host/ValueConversion.h"
-
 namespace Host {
 namespace {
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "host/ExtensionModule.h"
 #include "host/NetSnmp.h"
 
 namespace Host {

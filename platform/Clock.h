@@ -17,9 +17,8 @@ struct LocalTime {
   bool operator==(const LocalTime&) const = default;
 };
 
-// Every reading of time in the agent goes through one Clock that is handed in,
-// so that tests can hand in their own. All operations may be called from any
-// thread, none fails, none but SleepMs blocks.
+// The agent reads the time only through a Clock that it is given, so that a test
+// can pass its own. Any thread may call any operation. Only SleepMs blocks.
 class Clock {
  public:
   // Milliseconds since some fixed moment; wraps to 0 after 49.7 days
@@ -51,7 +50,7 @@ class Clock {
   ~Clock() = default;
 };
 
-// The machine's clock. Lives as long as the process.
+// The machine's clock. The object lives as long as the process.
 Clock& SystemClock() noexcept;
 
 }  // namespace Vask::Platform

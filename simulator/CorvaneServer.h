@@ -18,10 +18,23 @@
 #include "net/IOnJsonMessageText.h"
 #include "platform/ListeningSocket.h"
 #include "simulator/Connection.h"
-#include "simulator/Envelope.h"
 #include "simulator/Values.h"
 
 namespace Simulator {
+
+// A message on the link: its name, and its body as JSON.
+struct Message {
+  std::string name;
+  std::string data;
+};
+
+// Returns the text of a message from the Corvane process. `data` is copied into
+// it unchanged.
+[[nodiscard]] std::string WriteEnvelope(std::string_view name, std::string_view data);
+
+// Splits a received text. If the text is no envelope, the name is empty and
+// `data` is the whole text.
+[[nodiscard]] Message ReadEnvelope(const std::string& text);
 
 // How a connection ended.
 enum class End {

@@ -189,4 +189,8 @@ Files& SystemFiles() noexcept {
   return g_files;
 }
 
+bool StandardInputIsTerminal() noexcept {
+  return isatty(STDIN_FILENO) != 0;
+}
+
 }  // namespace Vask::Platform

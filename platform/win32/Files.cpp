@@ -166,4 +166,11 @@ Files& SystemFiles() noexcept {
   return g_files;
 }
 
+// Not by the run-time library's isatty, which counts every character device as a
+// terminal, NUL too. Only a console has a mode.
+bool StandardInputIsTerminal() noexcept {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+}
+
 }  // namespace Vask::Platform

@@ -76,5 +76,26 @@ TEST_F(UniqueHandleTest, MovedHandleIsClosedOnce) {
   EXPECT_THAT(g_closed, ElementsAre(4, 3));
 }
 
+// A policy with a member: each handle is closed by the policy that it came with.
+struct ListedPolicy {
+  using Type = int;
+  static constexpr Type None() noexcept { return 0; }
+  void Close(Type handle) const noexcept { list->push_back(handle); }
+  std::vector<int>* list = nullptr;
+};
+
+TEST_F(UniqueHandleTest, MovedHandleIsClosedByItsOwnPolicy) {
+  std::vector<int> first;
+  std::vector<int> second;
+  {
+    Platform::UniqueHandle<ListedPolicy> handle(1, {&first});
+    handle = Platform::UniqueHandle<ListedPolicy>(2, {&second});
+    EXPECT_THAT(first, ElementsAre(1));
+    handle.Reset(3);
+  }
+  EXPECT_THAT(first, ElementsAre(1));
+  EXPECT_THAT(second, ElementsAre(2, 3));
+}
+
 }  // namespace
 }  // namespace Vask::Tests
