@@ -16,7 +16,7 @@ using Vask::Platform::Readiness;
 
 namespace {
 
-// How long the server thread waits in one place before it looks round.
+// The longest time that the server thread waits in one call.
 constexpr std::uint32_t kSliceMs = 20;
 
 const char* EndLine(End end) {
@@ -30,7 +30,7 @@ const char* EndLine(End end) {
     case End::NoFrame:
       break;
   }
-  return "disconnected: what came was no frame";
+  return "disconnected: the agent sent no valid frame";
 }
 
 }  // namespace
@@ -188,8 +188,8 @@ void CorvaneServer::Run() {
   m_listener.Close();
 }
 
-// Only the server thread touches the listener, which another thread must not
-// close under a wait.
+// Only the server thread uses the listener, because another thread must not close
+// it during a wait.
 void CorvaneServer::FollowRefusal() {
   bool changed = false;
   {
@@ -219,7 +219,8 @@ void CorvaneServer::AcceptOne() {
     m_connection = std::make_shared<Connection>(handle);
     m_dropping = false;
   }
-  // Whoever reads the line may send; whoever waits for the record has read it.
+  // Prints first: a caller that has waited for the record finds the line printed,
+  // and a caller that has read the line may already send.
   Print("connected");
   const std::lock_guard lock(m_lock);
   ++m_record.connections;
@@ -283,7 +284,7 @@ bool CorvaneServer::OnJsonMessageText(const char* text) {
 }
 
 void CorvaneServer::OnError(Vask::Json*, const char* text) {
-  Print("received what is no frame: " + Escaped(text));
+  Print("received an invalid frame: " + Escaped(text));
 }
 
 std::shared_ptr<Connection> CorvaneServer::CurrentConnection() const {

@@ -31,7 +31,7 @@ constexpr int kNotUnderstood = 2;
 
 constexpr std::chrono::milliseconds kServingSlice{200};
 
-// The lines of a scenario and what each asks for.
+// The commands of a scenario, one for each line.
 struct Scenario {
   std::vector<Command> commands;
 };
@@ -53,7 +53,7 @@ class Program {
     if (!m_options.script.empty() && !Load(scenario)) return kNotUnderstood;
     if (!m_server.Start()) {
       Complain("cannot listen on 127.0.0.1:" + std::to_string(m_options.port) +
-               "; is something else listening there?");
+               " (is another program using it?)");
       return kFailed;
     }
     m_surroundings.print("listening on 127.0.0.1:" + std::to_string(m_server.Port()));
@@ -69,7 +69,7 @@ class Program {
 
   void Complain(const std::string& text) { m_surroundings.printError("corvane-sim: " + text); }
 
-  // Reads all of it before any of it runs, and complains of every bad line.
+  // Reads the whole file before any command runs, and reports every bad line.
   bool Load(Scenario& scenario) {
     std::ifstream file(m_options.script);
     if (!file) {
@@ -114,7 +114,7 @@ class Program {
     }
   }
 
-  // A wait that a stop request cut short is no failure.
+  // A wait that a stop request ended is no failure.
   void Fail(const std::string& text) {
     if (m_session.StopRequested()) return;
     Complain(text);
@@ -139,7 +139,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, ProgramOptions& opt
     } else if (name == "--version") {
       options.version = true;
     } else if (name != "--port" && name != "--script") {
-      error = "no option is called \"" + name + "\"; --help shows them";
+      error = "unknown option \"" + name + "\"; --help lists the options";
       return false;
     } else if (++i == arguments.size()) {
       error = name + " expects a value";
@@ -156,26 +156,27 @@ bool ParseOptions(const std::vector<std::string>& arguments, ProgramOptions& opt
 std::string HelpText() {
   return "usage: corvane-sim [--port PORT] [--script FILE] [--help] [--version]\n"
          "\n"
-         "Plays the Corvane process's side of the SNMP agent's link: listens on 127.0.0.1,\n"
-         "answers the agent's requests for an update, and prints what it receives.\n"
+         "Simulates the Corvane process's side of the SNMP agent's link: listens on\n"
+         "127.0.0.1, answers the agent's update requests, and prints what it receives.\n"
          "\n"
-         "  --port PORT    listen there, 0 for any free port (16969, where the agent looks)\n"
-         "  --script FILE  run the commands in FILE first. A file with a line that is not\n"
-         "                 understood is refused as a whole\n"
+         "  --port PORT    listen on this port, 0 for any free port (default: 16969, the\n"
+         "                 agent's port)\n"
+         "  --script FILE  run the commands in FILE first. If FILE holds a bad line, the\n"
+         "                 program runs none of them and ends\n"
          "  --help         print this text\n"
          "  --version      print the version\n"
          "\n"
-         "Commands are read from the scenario file, then from standard input, one a line:\n"
+         "The program reads commands from FILE, then from standard input, one per line:\n"
          "\n" +
          CommandHelp() +
          "\n\n"
-         "A line that is not understood, or cannot be done, is reported with its number and\n"
-         "changes nothing; the next one is read. The program ends with `quit`, with SIGINT\n"
-         "(Ctrl-C) or SIGTERM, and at the end of input that is typed at a terminal. When\n"
-         "other input ends (a pipe, a file, /dev/null) it goes on serving.\n"
+         "If a line is bad or its command fails, the program reports the line with its\n"
+         "number, changes nothing and reads the next line. The program ends on `quit`, on\n"
+         "SIGINT (Ctrl-C) or SIGTERM, and at the end of input that is typed at a terminal.\n"
+         "When other input ends (a pipe, a file, /dev/null), the program continues to serve.\n"
          "\n"
-         "Exit status: 0; 1 when a command failed or the port cannot be had; 2 when the\n"
-         "command line or the scenario file is not understood.\n";
+         "Exit status: 0 on success; 1 if a command failed or the port is not available; 2 if\n"
+         "the command line or FILE has an error.\n";
 }
 
 std::string VersionText() {

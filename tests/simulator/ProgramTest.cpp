@@ -68,8 +68,8 @@ TEST_P(BadOptionsTest, AreExplained) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, BadOptionsTest,
     testing::Values(
-        BadRow{"Unknown", {"--prot"}, "no option is called \"--prot\"; --help shows them"},
-        BadRow{"Word", {"16969"}, "no option is called \"16969\"; --help shows them"},
+        BadRow{"Unknown", {"--prot"}, "unknown option \"--prot\"; --help lists the options"},
+        BadRow{"Word", {"16969"}, "unknown option \"16969\"; --help lists the options"},
         BadRow{"PortMissing", {"--port"}, "--port expects a value"},
         BadRow{"ScriptMissing", {"--script"}, "--script expects a value"},
         BadRow{"PortTooLarge",
@@ -101,7 +101,7 @@ TEST(ProgramOptionsTest, VersionIsTheProjects) {
   EXPECT_EQ(VersionText(), "corvane-sim " CORVANE_VERSION_TEXT "\n");
 }
 
-// Has nothing when it is asked first, hands out the given lines, then is at its end.
+// Has no line at the first call, then returns the given lines, then ends.
 class GivenLines final : public ILineSource {
  public:
   explicit GivenLines(Lines lines) : m_lines(lines.begin(), lines.end()) {}
@@ -118,7 +118,7 @@ class GivenLines final : public ILineSource {
   bool m_isFirstQuestion = true;
 };
 
-// A scenario file that is gone after the test.
+// A scenario file that its destructor deletes.
 class ScriptFile {
  public:
   explicit ScriptFile(const std::string& text)
@@ -162,19 +162,19 @@ TEST_F(ProgramTest, EndsWithTypedInput) {
   EXPECT_EQ(m_printed.Texts().back(), "ended");
 }
 
-TEST_F(ProgramTest, EndsWithQuitAndLeavesTheRest) {
+TEST_F(ProgramTest, EndsWithQuitAndIgnoresTheRest) {
   EXPECT_EQ(Run({"quit", "nonsense"}), 0);
   EXPECT_EQ(m_errors.Texts(), Lines{});
 }
 
 TEST_F(ProgramTest, BadLineIsReportedWithItsNumberAndTheNextOneRuns) {
   EXPECT_EQ(Run({"# a comment", "jump", "show"}), 1);
-  EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:2: no command is called \"jump\"; "
-                                    "`help` shows them"});
+  EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:2: unknown command \"jump\"; "
+                                    "`help` lists the commands"});
   EXPECT_TRUE(m_printed.WaitForText("StreamsCount = 12"));
 }
 
-TEST_F(ProgramTest, CommandThatCannotBeDoneIsReportedWithItsNumber) {
+TEST_F(ProgramTest, CommandThatFailsIsReportedWithItsNumber) {
   EXPECT_EQ(Run({"drop"}), 1);
   EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:1: not connected"});
 }
@@ -202,7 +202,7 @@ TEST_F(ProgramTest, ScriptWithBadLinesIsRefusedAsAWhole) {
   EXPECT_EQ(Run({}), 2);
   EXPECT_EQ(m_errors.Texts(),
             (Lines{"corvane-sim: " + script.Path() +
-                       ":2: no command is called \"jump\"; `help` shows them",
+                       ":2: unknown command \"jump\"; `help` lists the commands",
                    "corvane-sim: " + script.Path() +
                        ":3: expected a whole number from -2147483648 to 2147483647, not \"x\""}));
   EXPECT_EQ(m_printed.Texts(), Lines{});
@@ -230,10 +230,10 @@ TEST_F(ProgramTest, PortThatIsTakenIsReported) {
   EXPECT_EQ(Run({}), 1);
   EXPECT_EQ(m_errors.Texts(),
             Lines{"corvane-sim: cannot listen on 127.0.0.1:" + std::to_string(holder.Port()) +
-                  "; is something else listening there?"});
+                  " (is another program using it?)"});
 }
 
-TEST_F(ProgramTest, ServesOnAfterOtherInputHasEnded) {
+TEST_F(ProgramTest, ContinuesToServeAfterOtherInputHasEnded) {
   m_endWithInput = false;
   int status = -1;
   std::thread program([&] { status = Run({"show"}); });
@@ -249,7 +249,7 @@ TEST_F(ProgramTest, ServesOnAfterOtherInputHasEnded) {
   EXPECT_TRUE(client.ReceivesEnd());
 }
 
-TEST_F(ProgramTest, StopRequestCutsAWaitShortWithoutFailure) {
+TEST_F(ProgramTest, StopRequestEndsAWaitWithoutFailure) {
   int status = -1;
   std::thread program([&] { status = Run({"show", "await connected 600000", "nonsense"}); });
   ASSERT_TRUE(m_printed.WaitForCount(11));
