@@ -18,7 +18,7 @@ LocalTime AsLocalTime(const SYSTEMTIME& time) noexcept {
           time.wMinute, time.wSecond, time.wMilliseconds};
 }
 
-// Leaves the millisecond out.
+// Ignores the millisecond.
 SYSTEMTIME AsSystemTime(const LocalTime& local) noexcept {
   SYSTEMTIME time{};
   time.wYear = static_cast<WORD>(local.year);
@@ -30,8 +30,8 @@ SYSTEMTIME AsSystemTime(const LocalTime& local) noexcept {
   return time;
 }
 
-// The zone's rules for one year; its present rules if it has none for each year, or if the user
-// has switched daylight saving off.
+// Reads the zone's rules for one year. Reads the present rules if the zone has none by year, or if
+// the user has switched daylight saving off.
 bool ReadZone(WORD year, TIME_ZONE_INFORMATION& zone) noexcept {
   DYNAMIC_TIME_ZONE_INFORMATION present{};
   if (GetDynamicTimeZoneInformation(&present) == TIME_ZONE_ID_INVALID) return false;
@@ -40,7 +40,7 @@ bool ReadZone(WORD year, TIME_ZONE_INFORMATION& zone) noexcept {
          GetTimeZoneInformation(&zone) != TIME_ZONE_ID_INVALID;
 }
 
-// A moment in local time, by the zone's rules for a year.
+// Converts a moment to local time by the zone's rules for a year.
 bool ToLocalBy(WORD year, const SYSTEMTIME& utc, SYSTEMTIME& local) noexcept {
   TIME_ZONE_INFORMATION zone{};
   return ReadZone(year, zone) && SystemTimeToTzSpecificLocalTime(&zone, &utc, &local);
@@ -51,11 +51,11 @@ bool ToLocalTime(std::int64_t epochSeconds, SYSTEMTIME& local) noexcept {
   const FILETIME moment = ToFileTime(epochSeconds);
   SYSTEMTIME utc{};
   if (!FileTimeToSystemTime(&moment, &utc) || !ToLocalBy(utc.wYear, utc, local)) return false;
-  // Around New Year the local year, whose rules hold, may be another one.
+  // Near New Year the local year may be another one; its rules apply.
   return local.wYear == utc.wYear || ToLocalBy(local.wYear, utc, local);
 }
 
-// How far `local` is ahead of the local time of a moment.
+// Returns how far `local` is ahead of the local time of a moment.
 std::int64_t SecondsAhead(const SYSTEMTIME& local, std::int64_t epochSeconds) noexcept {
   SYSTEMTIME other{};
   FILETIME wanted{};
@@ -67,8 +67,8 @@ std::int64_t SecondsAhead(const SYSTEMTIME& local, std::int64_t epochSeconds) no
   return (FileTimeUnits(wanted) - FileTimeUnits(found)) / kFileTimePerSecond;
 }
 
-// All by the system's own zone, as GetLocalTime. The C run-time's conversions prefer the zone that
-// the environment variable TZ names, so they can disagree with it by hours.
+// Uses the system's own zone everywhere, as GetLocalTime does. The C run-time's conversions prefer
+// the zone in the environment variable TZ, so they can differ from GetLocalTime by hours.
 class WindowsClock final : public Clock {
  public:
   std::uint32_t TickMs() noexcept override { return GetTickCount(); }

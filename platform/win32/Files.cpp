@@ -1,7 +1,7 @@
 #include "platform/Files.h"
 
 #include <windows.h>
-// After the system's base header that they build on:
+// They need the base header before them:
 #include <objbase.h>
 #include <shlobj.h>
 
@@ -14,8 +14,8 @@ namespace Vask::Platform {
 
 namespace {
 
-// A text that needs no more than this with its line ends doubled is written in
-// one piece.
+// A text that fits into this buffer with its line ends doubled is written in one
+// piece.
 constexpr std::size_t kTextBufferBytes = 8192;
 
 struct Search {
@@ -132,7 +132,7 @@ class WindowsFiles final : public Files {
 
   void Close(FileHandle file) noexcept override { CloseHandle(AsHandle(file)); }
 
-  // A service has none.
+  // A service has no standard output.
   FileHandle StandardOutput() noexcept override {
     return FromHandle(GetStdHandle(STD_OUTPUT_HANDLE));
   }
@@ -166,8 +166,8 @@ Files& SystemFiles() noexcept {
   return g_files;
 }
 
-// Not by the run-time library's isatty, which counts every character device as a
-// terminal, NUL too. Only a console has a mode.
+// The run-time library's isatty takes every character device for a terminal, NUL
+// too. Only a console has a mode.
 bool StandardInputIsTerminal() noexcept {
   DWORD mode = 0;
   return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;

@@ -27,8 +27,8 @@ milliseconds Since(steady_clock::time_point began) {
   return std::chrono::duration_cast<milliseconds>(steady_clock::now() - began);
 }
 
-// The difference between what the tick and what the standard library's clock
-// advance by while the thread sleeps.
+// Returns by how much the tick and the standard library's clock differ after the
+// thread has slept.
 milliseconds TickErrorOverASleepOf(std::uint32_t sleepMs) {
   const std::uint32_t tick = SystemClock().TickMs();
   const steady_clock::time_point began = steady_clock::now();
@@ -38,12 +38,12 @@ milliseconds TickErrorOverASleepOf(std::uint32_t sleepMs) {
   return ticked > passed ? ticked - passed : passed - ticked;
 }
 
-// Wine's tick stands still while its server waits for a processor, and leaps
-// afterwards. Of many readings most may be wrong on a busy machine; a clock that
-// counts anything but milliseconds is wrong in each.
+// Wine's tick stops while its server waits for a processor, and jumps afterwards. On
+// a busy machine most readings may be wrong; a clock that does not count
+// milliseconds is wrong in each.
 TEST(ClockTest, TickCountsMilliseconds) {
   constexpr std::uint32_t kSleepMs = 5 * kTickStepMs;
-  constexpr milliseconds kAllowed(2 * kTickStepMs);  // a step at either end
+  constexpr milliseconds kAllowed(2 * kTickStepMs);  // one step at each end
   milliseconds least = milliseconds::max();
   for (int reading = 0; reading < 200 && least > kAllowed; ++reading) {
     least = std::min(least, TickErrorOverASleepOf(kSleepMs));
@@ -51,7 +51,7 @@ TEST(ClockTest, TickCountsMilliseconds) {
   EXPECT_LE(least, kAllowed);
 }
 
-TEST(ClockTest, SleepLastsAtLeastWhatIsAskedFor) {
+TEST(ClockTest, SleepLastsAtLeastTheGivenTime) {
   constexpr std::uint32_t kSleepMs = 5 * kTickStepMs;
   const steady_clock::time_point began = steady_clock::now();
   SystemClock().SleepMs(kSleepMs);
@@ -72,7 +72,7 @@ TEST(ClockTest, LocalNowIsThePresentMoment) {
   EXPECT_LT(now.millisecond, 1000u);
 }
 
-// Twice: the second reading may come from what the first one kept.
+// Reads twice, because the clock may keep the first reading for the second.
 TEST(ClockTest, LocalNowAgreesWithTheSecondThatItLiesIn) {
   for (int reading = 0; reading < 2; ++reading) {
     LocalTime now;
@@ -102,7 +102,7 @@ void PrintTo(const MomentRow& row, std::ostream* out) {
 
 class ClockMoments : public testing::TestWithParam<MomentRow> {};
 
-TEST_P(ClockMoments, SurviveTheWayToLocalTimeAndBack) {
+TEST_P(ClockMoments, SurviveTheConversionToLocalTimeAndBack) {
   const LocalTime local = SystemClock().ToLocal(GetParam().epochSeconds);
   EXPECT_EQ(SystemClock().FromLocal(local), GetParam().epochSeconds);
   EXPECT_EQ(local.millisecond, 0u);
@@ -134,7 +134,7 @@ TEST(ClockTest, LocalMidnightIsAMomentOfTheSameDay) {
   EXPECT_EQ(again.hour, 0u);
 }
 
-// Windows' calendar ends here on either side.
+// Both ends of Windows' calendar.
 TEST(ClockTest, MomentOutsideTheYears1601To30827IsConvertedOrRefused) {
   for (const std::int64_t moment : {-11'644'473'601, 910'670'515'200}) {
     const LocalTime local = SystemClock().ToLocal(moment);

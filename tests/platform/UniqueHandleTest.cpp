@@ -36,7 +36,7 @@ TEST_F(UniqueHandleTest, ClosesAtTheEndOfItsScope) {
   EXPECT_THAT(g_closed, ElementsAre(3));
 }
 
-TEST_F(UniqueHandleTest, ClosesNothingWhereItHoldsNothing) {
+TEST_F(UniqueHandleTest, ClosesNothingIfItHoldsNothing) {
   {
     const Counted never;
     const Counted failed(-1);
@@ -46,7 +46,7 @@ TEST_F(UniqueHandleTest, ClosesNothingWhereItHoldsNothing) {
   EXPECT_THAT(g_closed, IsEmpty());
 }
 
-TEST_F(UniqueHandleTest, ReleasedHandleIsTheCallers) {
+TEST_F(UniqueHandleTest, ReleasedHandleIsNotClosed) {
   {
     Counted handle(3);
     EXPECT_EQ(handle.Release(), 3);

@@ -1,6 +1,6 @@
-// Local time in the zone that the environment variable TZ names. CTest runs this program once for
-// each zone of the table: under Wine a process takes its zone from the variable when it starts. On
-// Windows itself the system's own setting holds, so run this program under Wine or natively.
+// Tests local time in the zone that the environment variable TZ names. CTest runs this program once
+// for each zone of the table. Under Wine a process takes its zone from the variable when it starts.
+// Windows itself ignores the variable, so run this program under Wine or natively.
 
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ const Moment kMoments[] = {
     {"Asia/Kathmandu", 1'530'403'200, {2018, 7, 1, 5, 45}},
     {"Australia/Lord_Howe",
      1'530'403'200,
-     {2018, 7, 1, 10, 30}},  // Wine knows its present rules only
+     {2018, 7, 1, 10, 30}},  // Wine has only its present rules
     {"Pacific/Auckland", 1'516'017'600, {2018, 1, 16, 1}},
     {"Pacific/Auckland", 1'530'403'200, {2018, 7, 1, 12}},
 };
@@ -102,7 +102,7 @@ TEST(ZoneTest, LocalTimeThatDaylightSavingLeavesOutLiesAfterTheGap) {
   }
 }
 
-// Stands still at a moment whose local time is known; conversions are the machine's.
+// Stands still at a moment with a known local time. The machine's clock does the conversions.
 class StandingClock final : public ForwardingClock {
  public:
   explicit StandingClock(const Moment& moment) : m_moment(moment) {}
