@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Threading.h"
+#include "platform/UniqueHandle.h"
 
 namespace Vask {
 
@@ -10,19 +11,22 @@ class Win32Task {
  public:
   // Starts the thread. Check Valid().
   Win32Task(Platform::Threading& threading, const Platform::ThreadEntry& entry) noexcept;
-  ~Win32Task();
-  Win32Task(const Win32Task&) = delete;
-  Win32Task& operator=(const Win32Task&) = delete;
 
   // False when no thread could be created.
-  [[nodiscard]] bool Valid() const noexcept;
+  [[nodiscard]] bool Valid() const noexcept { return m_handle.Valid(); }
 
   // Stays owned by this object.
-  [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle; }
+  [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle.Get(); }
 
  private:
-  Platform::Threading& m_threading;
-  Platform::NativeHandle m_handle;
+  struct Policy {
+    using Type = Platform::NativeHandle;
+    static constexpr Type None() noexcept { return nullptr; }
+    void Close(Type thread) const noexcept { threading->CloseThread(thread); }
+    Platform::Threading* threading = nullptr;
+  };
+
+  Platform::UniqueHandle<Policy> m_handle;
 };
 
 }  // namespace Vask

@@ -1,5 +1,5 @@
-// Host strings into both address classes, on a machine where every name is known. A failure must
-// leave the address as it was.
+// Feeds host strings to both address classes, on a machine that knows every name. A failure must
+// not change the address.
 
 #include <string>
 

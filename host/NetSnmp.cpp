@@ -1,10 +1,10 @@
-#include "host/ValueConversion.h"
+#include "host/NetSnmp.h"
 
 namespace Host {
 namespace {
 
 bool StoreNumber(netsnmp_variable_list& variable, std::uint8_t type, std::int32_t number) {
-  // All but INTEGER are unsigned, and net-snmp keeps both kinds in a long.
+  // All kinds but INTEGER are unsigned. net-snmp keeps both in a long.
   const long wide = type == ASN_INTEGER ? static_cast<long>(number)
                                         : static_cast<long>(static_cast<std::uint32_t>(number));
   return snmp_set_var_typed_value(&variable, type, &wide, sizeof(wide)) == 0;

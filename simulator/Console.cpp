@@ -1,7 +1,9 @@
-#include "simulator/StandardInputLines.h"
+#include "simulator/Console.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
 #include <cstdio>
 #include <deque>
 #include <mutex>
@@ -11,9 +13,9 @@ namespace Simulator {
 
 namespace {
 
-constexpr std::chrono::milliseconds kShortWhile{50};
+constexpr std::chrono::milliseconds kLineWait{50};
 
-// False at the end; a last line without a line end counts.
+// False at the end of the input. A last line without a line end counts.
 bool ReadLine(std::string& line) {
   line.clear();
   for (int c = std::getchar(); c != EOF; c = std::getchar()) {
@@ -21,6 +23,15 @@ bool ReadLine(std::string& line) {
     line += static_cast<char>(c);
   }
   return !line.empty();
+}
+
+std::atomic<bool> g_came{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "set in a signal handler");
+
+// Windows removes the handler when it calls it, so this installs it again.
+void Note(int signal) {
+  g_came = true;
+  static_cast<void>(std::signal(signal, &Note));
 }
 
 }  // namespace
@@ -51,12 +62,21 @@ StandardInputLines::StandardInputLines() : m_shared(new Shared) {
 
 LineState StandardInputLines::NextLine(std::string& line) {
   std::unique_lock guard(m_shared->lock);
-  m_shared->changed.wait_for(guard, kShortWhile,
+  m_shared->changed.wait_for(guard, kLineWait,
                              [&] { return !m_shared->lines.empty() || m_shared->ended; });
   if (m_shared->lines.empty()) return m_shared->ended ? LineState::Ended : LineState::Nothing;
   line = std::move(m_shared->lines.front());
   m_shared->lines.pop_front();
   return LineState::Read;
+}
+
+void CatchStopSignals() {
+  static_cast<void>(std::signal(SIGINT, &Note));
+  static_cast<void>(std::signal(SIGTERM, &Note));
+}
+
+bool StopSignalCame() {
+  return g_came;
 }
 
 }  // namespace Simulator
