@@ -20,11 +20,23 @@ void MyConnectNotify::ChangeState(LinkState state) {
   }
 }
 
-// The timer and the state change together under the timer service's lock: a
-// tick that is just about to end the asking of an earlier connection sees
-// either both or none, and cannot end that of this one. Where there is no memory
-// for a timer, nothing has changed but the log.
+// Without memory for the timer nobody would ever ask for an update, so the
+// connection does not count: the exception ends it, and the link tries again.
 void MyConnectNotify::TakeUpConnection() {
+  m_agent.Variables().SetInt(VariableName("LinkStatus"), kConnected);
+  try {
+    StartAsking();
+  } catch (...) {
+    m_agent.Variables().SetInt(VariableName("LinkStatus"), kLost);
+    throw;
+  }
+  m_firstConnection = false;
+}
+
+// The timer and the state change together under the timer service's lock. A
+// tick that is about to stop the requests of an earlier connection sees either
+// both changes or none, so it cannot stop the requests of this connection.
+void MyConnectNotify::StartAsking() {
   LogPrinter::Instance().Info("Connection to Corvane process established..\n");
   m_timers.ReplaceTimerAnd(
       m_firstConnection ? kFirstRequestMs : kRequestAgainMs, this,
@@ -33,8 +45,6 @@ void MyConnectNotify::TakeUpConnection() {
                                                                std::memory_order_relaxed);
       },
       this);
-  m_agent.Variables().SetInt(VariableName("LinkStatus"), kConnected);
-  m_firstConnection = false;
 }
 
 void MyConnectNotify::TakeLoss() {

@@ -54,6 +54,7 @@ class MyConnectNotify final : public Vask::IJsonSocketEvents, public Vask::ITime
 
   void ChangeState(LinkState state);
   void TakeUpConnection();
+  void StartAsking();
   void TakeLoss();
   [[nodiscard]] bool AskingIsOver() const noexcept;
 

@@ -9,6 +9,7 @@
 #include "tests/support/AllocationFault.h"
 #include "tests/agent/LifecycleFixture.h"
 #include "tests/agent/TrapFloodFixture.h"
+#include "tests/agent/UpdatesFixture.h"
 
 namespace Agent::Tests {
 
@@ -92,6 +93,37 @@ TEST_F(TrapFloodTest, MemoryGoesBackOnceAFloodIsDelivered) {
   agent.Traps().Queue("TrapStreamsOK");
   EXPECT_EQ(agent.Traps().QueuedCount(), 1u);
   EXPECT_EQ(HeldBlocks(), before);
+}
+
+// A connection without a timer would never ask for an update. So it does not
+// count, and the next one is again the first.
+TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
+  const auto connectWithoutMemory = [this] {
+    // RecordingLog allocates: no line may reach it.
+    Vask::LogPrinter::Instance().SetTarget(nullptr);
+    Vask::LogPrinter::Instance().SetConsole(false);
+    {
+      const FailingAllocations failing;
+      EXPECT_THROW(connectNotify.OnConnected(), std::bad_alloc);
+    }
+    Vask::LogPrinter::Instance().SetConsole(true);
+    Vask::LogPrinter::Instance().SetTarget(&log);
+  };
+  connectWithoutMemory();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+  EXPECT_EQ(timers.Step(), Vask::Platform::kInfinite);
+
+  connectNotify.OnConnectFailed();
+  EXPECT_EQ(TakeTraps(), Traps{11}) << "the state was still unknown";
+  connectWithoutMemory();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+
+  connectNotify.OnConnected();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 0");
+  Pass(14'999);
+  EXPECT_TRUE(link.frames.empty());
+  Pass(1);
+  EXPECT_EQ(link.frames, std::vector<std::string>{UpdateRequestFrame()});
 }
 
 // Without memory something must give; no exception leaves an entry point.

@@ -64,6 +64,45 @@ TEST_F(MyConnectNotifyTest, ConnectionIsLoggedAndSetsLinkStatus) {
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 0");
 }
 
+// Notes the value of `LinkStatus` at the moment of each line.
+class StatusAtEachLine final : public Vask::IDailyLog {
+ public:
+  explicit StatusAtEachLine(MibTable& variables) : m_variables(variables) {
+    Vask::LogPrinter::Instance().SetTarget(this);
+  }
+  ~StatusAtEachLine() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
+
+  void Info(const char* text) override { Note(text); }
+  void Warning(const char* text) override { Note(text); }
+  void Error(const char*) override {}
+  void Trace(const char*) override {}
+  bool EnableSyslog(const char*, std::int32_t) override { return false; }
+  void DisableSyslog() override {}
+  void AddListener(IListener*) override {}
+  void RemoveListener(IListener*) override {}
+  void SetDaysToKeep(std::uint32_t) override {}
+  const char* GetFolder() override { return ""; }
+  bool EnumerateLogFiles(LogFileCallback, void*) override { return true; }
+
+  Lines notes;
+
+ private:
+  void Note(const std::string& text) {
+    notes.push_back(std::to_string(m_variables.Find("LinkStatus")->m_number->load()) + " " + text);
+  }
+
+  MibTable& m_variables;
+};
+
+TEST_F(MyConnectNotifyTest, LinkStatusIsWrittenBeforeTheChangeIsLogged) {
+  StatusAtEachLine status(agent.Variables());
+  connectNotify.OnConnected();
+  ASSERT_EQ(status.notes, Lines{"0 Connection to Corvane process established..\n"});
+  connectNotify.OnDisconnected();
+  ASSERT_GE(status.notes.size(), 2u);
+  EXPECT_EQ(status.notes[1], "1 Lost connection to Corvane process!\n");
+}
+
 TEST_F(MyConnectNotifyTest, ConnectionReportedTwiceDoesNothing) {
   connectNotify.OnConnected();
   Pass(10'000);
