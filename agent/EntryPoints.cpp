@@ -1,8 +1,7 @@
 #include "agent/EntryPoints.h"
 
 #include "Src/LogPrinter.h"
-#include "agent/Lifecycle.h"
-#include "agent/SNMPExtensionAgent.h"
+#include "agent/AgentProcess.h"
 
 namespace Agent {
 
@@ -28,7 +27,7 @@ BOOL Guarded(const char* line, Body body) noexcept {
 
 BOOL EntryPoints::Init(HANDLE* trapEvent, AsnObjectIdentifier* supportedView) noexcept {
   return Guarded(kInitRaised, [&] {
-    const bool started = m_lifecycle.Start();
+    const bool started = m_process.Start();
     *supportedView = m_agent.Prefix();
     *trapEvent = m_agent.Traps().EventHandle();
     m_agent.RecordStart();

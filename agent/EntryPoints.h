@@ -6,7 +6,7 @@
 
 namespace Agent {
 
-class Lifecycle;
+class AgentProcess;
 class SNMPExtensionAgent;
 
 // What the module's three exports do, apart from being exported.
@@ -16,8 +16,8 @@ class SNMPExtensionAgent;
 class EntryPoints {
  public:
   // Both outlive this object.
-  EntryPoints(SNMPExtensionAgent& agent, Lifecycle& lifecycle) noexcept
-      : m_agent(agent), m_lifecycle(lifecycle) {}
+  EntryPoints(SNMPExtensionAgent& agent, AgentProcess& process) noexcept
+      : m_agent(agent), m_process(process) {}
 
   // Starts the agent and hands out the event that announces traps and the name
   // that the agent serves, whether or not the start went well: the service may
@@ -39,7 +39,7 @@ class EntryPoints {
   [[nodiscard]] INT Answer(BYTE pduType, SnmpVarBind& binding) const;
 
   SNMPExtensionAgent& m_agent;
-  Lifecycle& m_lifecycle;
+  AgentProcess& m_process;
 };
 
 }  // namespace Agent

@@ -1,5 +1,5 @@
 // What the dynamic loader calls when the module goes: the agent is stopped
-// here. See Lifecycle for what may be waited for.
+// here. See AgentProcess.h for what may be waited for.
 //
 // A destructor function runs both when the module is unloaded and when the
 // process ends. Exit handlers tell the two apart: those that the module has

@@ -1,5 +1,5 @@
 // What Windows calls when the module comes and goes, under the loader's lock:
-// at the end of its stay the agent is stopped here. See Lifecycle for what may
+// at the end of its stay the agent is stopped here. See AgentProcess.h for what may
 // be waited for.
 
 #include <windows.h>

@@ -1,13 +1,13 @@
 #include "agent/EntryPoints.h"
 
 #include "agent/ObjectIdentifier.h"
-#include "tests/agent/LifecycleFixture.h"
+#include "tests/agent/AgentProcessFixture.h"
 
 namespace Agent::Tests {
 
 namespace {
 
-class EntryPointsTest : public LifecycleTest {
+class EntryPointsTest : public AgentProcessTest {
  protected:
   std::string Query(BYTE pduType, std::vector<SnmpVarBind> bindings) {
     SnmpVarBindList list{bindings.data(), static_cast<UINT>(bindings.size())};

@@ -6,10 +6,10 @@
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
 #include "agent/TrapQueue.h"
-#include "tests/support/AllocationFault.h"
-#include "tests/agent/LifecycleFixture.h"
+#include "tests/agent/AgentProcessFixture.h"
 #include "tests/agent/TrapFloodFixture.h"
 #include "tests/agent/UpdatesFixture.h"
+#include "tests/support/AllocationFault.h"
 
 namespace Agent::Tests {
 
@@ -127,7 +127,7 @@ TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
 }
 
 // Without memory something must give; no exception leaves an entry point.
-TEST_F(LifecycleTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
+TEST_F(AgentProcessTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
   const std::string line = "Error: Cannot initialize SNMP extension agent: exception!";
   for (int start = 0; start < 100; ++start) threading.refusedStarts.insert(start);
   HANDLE event = nullptr;
@@ -142,7 +142,7 @@ TEST_F(LifecycleTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
   EXPECT_TRUE(Has(line));
 }
 
-TEST_F(LifecycleTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
+TEST_F(AgentProcessTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
   ASSERT_EQ(entries.Init(&event, &view), TRUE);
@@ -168,7 +168,7 @@ TEST_F(LifecycleTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
   EXPECT_EQ(lines[lines.size() - 1], line);
 }
 
-TEST_F(LifecycleTest, WholeAgentGivesAllItsMemoryBack) {
+TEST_F(AgentProcessTest, WholeAgentGivesAllItsMemoryBack) {
   const auto cycle = [this] {
     SNMPExtensionAgent fresh(clock, threading);
     RegisterVariables(fresh.Variables());
@@ -180,8 +180,8 @@ TEST_F(LifecycleTest, WholeAgentGivesAllItsMemoryBack) {
       std::swap(answered.Get().value, binding.Get().value);
     }
   };
-  ASSERT_TRUE(log.Open("C:\\Data"));
-  Vask::LogPrinter::Instance().SetTarget(&log);
+  ASSERT_TRUE(whole.log.Open("C:\\Data"));
+  Vask::LogPrinter::Instance().SetTarget(&whole.log);
   for (int warmUp = 0; warmUp < 3; ++warmUp) cycle();
   const auto before = HeldBlocks();
   cycle();

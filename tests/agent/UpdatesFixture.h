@@ -1,17 +1,14 @@
 #pragma once
 
-#include <cstring>
 #include <string>
 #include <vector>
 
-#include "Src/TimerService.h"
-#include "agent/MyConnectNotify.h"
-#include "agent/VariableUpdates.h"
 #include "json/Json.h"
 #include "messages/Registrar.h"
 #include "net/IOnJsonMessage.h"
 #include "tests/agent/AgentFixture.h"
 #include "tests/agent/TakenTrap.h"
+#include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {
 
@@ -31,17 +28,22 @@ inline std::string UpdateRequestFrame() {
   return R"(70#{"data":{},"from":"SNMPd","id":0,"name":"SNMPupdate","op":"broadcast"})";
 }
 
-// An agent that has started but for its threads: the test plays the link and
-// turns the timer service by hand.
-class UpdatesTest : public AgentTest {
+// The agent after its start, with an empty log: the test plays the link and
+// drives the timer service.
+class UpdatesTest : public ::testing::Test {
  protected:
   UpdatesTest() {
     Messages::Registrar::Instance().SetSender(&link);
-    Messages::Registrar::Instance().SetFrom("SNMPd");
+    log.Clear();
   }
-  ~UpdatesTest() override { Messages::Registrar::Instance().SetSender(nullptr); }
 
-  // Moves the clock and calls everybody whose time has come.
+  std::string Get(const std::string& name) {
+    Binding binding(name);
+    const INT status = agent.GetRequest(binding.Get());
+    return Outcome(status, binding);
+  }
+
+  // Moves the clock and calls every client that is due.
   void Pass(std::uint32_t milliseconds) {
     clock.Advance(milliseconds);
     while (timers.Step() == 0) {
@@ -64,10 +66,14 @@ class UpdatesTest : public AgentTest {
     return lines;
   }
 
+  StartedAgent started;
   RecordingLink link;
-  Vask::TimerService timers{clock, Vask::Platform::SystemThreading()};
-  MyConnectNotify connectNotify{agent, timers, Messages::Registrar::Instance()};
-  VariableUpdates updates{agent, connectNotify, Messages::Registrar::Instance()};
+  Vask::Tests::FakeClock& clock = started.clock;
+  Vask::Tests::RecordingLog& log = started.log;
+  Vask::TimerService& timers = started.whole.timers;
+  SNMPExtensionAgent& agent = started.whole.process.Extension();
+  MyConnectNotify& connectNotify = started.whole.process.ConnectNotify();
+  VariableUpdates& updates = started.whole.process.Updates();
 };
 
 using Traps = std::vector<AsnInteger>;

@@ -32,7 +32,7 @@ std::string Greeting() {
   return greeting;
 }
 
-Machine WithPlan(FaultMachine& machine, int failingEvent) {
+TestMachine WithPlan(FaultMachine& machine, int failingEvent) {
   if (failingEvent == FaultStand::kAllEvents) {
     machine.threadingPlan.FailAlways();
   } else {
@@ -48,27 +48,27 @@ FaultMachine::FaultMachine() {
 }
 
 FaultStand::FaultStand(int failingEvent) : whole(WithPlan(*this, failingEvent)) {
-  peer.link = &whole.link;
+  peer.link = &whole.process.Link();
 }
 
 BOOL FaultStand::Init() {
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
-  return whole.entries.Init(&event, &view);
+  return whole.process.Entries().Init(&event, &view);
 }
 
 BOOL FaultStand::Query(BYTE type, Binding& binding) {
   SnmpVarBindList bindings{&binding.Get(), 1};
   AsnInteger status = 0;
   AsnInteger index = 0;
-  const BOOL answered = whole.entries.Query(type, &bindings, &status, &index);
+  const BOOL answered = whole.process.Entries().Query(type, &bindings, &status, &index);
   return answered == TRUE && status == SNMP_ERRORSTATUS_NOERROR ? TRUE : FALSE;
 }
 
 std::vector<AsnInteger> FaultStand::TakeTraps() {
   std::vector<AsnInteger> numbers;
   TakenTrap trap;
-  while (trap.TakeFrom(whole.entries)) numbers.push_back(trap.specific);
+  while (trap.TakeFrom(whole.process.Entries())) numbers.push_back(trap.specific);
   return numbers;
 }
 

@@ -23,7 +23,7 @@ class FaultMachine {
  public:
   FaultMachine();
 
-  [[nodiscard]] Machine Seams() {
+  [[nodiscard]] TestMachine Seams() {
     return {clock, files, sockets, threading, clock, timerThreading};
   }
 

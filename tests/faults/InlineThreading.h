@@ -20,14 +20,4 @@ class InlineThreading final : public Vask::Tests::ForwardingThreading {
   void CloseThread(Vask::Platform::NativeHandle) noexcept override {}
 };
 
-// Events of another machine, and no threads.
-class NoThreads final : public Vask::Tests::ForwardingThreading {
- public:
-  using ForwardingThreading::ForwardingThreading;
-
-  Vask::Platform::NativeHandle StartThread(const Vask::Platform::ThreadEntry&) noexcept override {
-    return nullptr;
-  }
-};
-
 }  // namespace Agent::Tests

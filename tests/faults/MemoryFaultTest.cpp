@@ -105,7 +105,7 @@ TEST_F(MemoryFaultTest, StartWorksOrSaysSoAndTheNextOneWorks) {
       EXPECT_EQ(stand.Walk(), kWholeWalk);
     }
     EXPECT_EQ(stand.GetAll().size(), kWholeWalk.size());
-    EXPECT_TRUE(stand.whole.agent.Traps().Queue("TrapStreamsOK"));
+    EXPECT_TRUE(stand.whole.process.Extension().Traps().Queue("TrapStreamsOK"));
     const Traps traps = stand.TakeTraps();
     EXPECT_FALSE(traps.empty());
     if (!traps.empty()) {
@@ -136,7 +136,7 @@ TEST_F(MemoryFaultTest, FrameThatFindsNoMemoryArrivesWithTheNextConnection) {
     EXPECT_EQ(stand.CountLines("Error: Vask::JsonSocket::Run: exception!"), lost);
     const int said = stand.CountLines("Warning: Lost connection to Corvane process!");
     EXPECT_EQ(said > 0, lost > 0);
-    stand.whole.link.StopThread();
+    stand.whole.process.Link().StopThread();
     EXPECT_EQ(stand.peer.opened, stand.peer.closed);
     return reached;
   });
@@ -172,7 +172,7 @@ TEST_F(MemoryFaultTest, RequestThatFindsNoMemoryIsRefusedAndAnsweredTheNextTime)
       bool reached = false;
       {
         const FailingAllocations failing(fault.allowed, fault.failures);
-        answered = stand.whole.entries.Query(row.type, &bindings, &status, &index);
+        answered = stand.whole.process.Entries().Query(row.type, &bindings, &status, &index);
         reached = FailingAllocations::Reached();
       }
       EXPECT_EQ(index, 0);
@@ -250,8 +250,8 @@ TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
     bool reached = false;
     {
       const FailingAllocations failing(fault.allowed, fault.failures);
-      stand.whole.agent.Traps().Queue(kLongName);
-      taken = trap.TakeFrom(stand.whole.entries);
+      stand.whole.process.Extension().Traps().Queue(kLongName);
+      taken = trap.TakeFrom(stand.whole.process.Entries());
       reached = FailingAllocations::Reached();
     }
     if (taken) {
@@ -259,7 +259,7 @@ TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
     }
     Traps rest = stand.TakeTraps();
     EXPECT_LE(rest.size(), taken ? 0u : 1u);
-    EXPECT_TRUE(stand.whole.agent.Traps().Queue("TrapStreamsOK"));
+    EXPECT_TRUE(stand.whole.process.Extension().Traps().Queue("TrapStreamsOK"));
     EXPECT_EQ(stand.TakeTraps(), Traps{12});
     return reached;
   });
@@ -403,9 +403,9 @@ TEST_F(MemoryFaultTest, ThreadThatFindsNoMemoryIsNotStarted) {
   FaultStand stand;
   {
     const FailingAllocations failing;
-    EXPECT_FALSE(stand.whole.link.OpenThread());
+    EXPECT_FALSE(stand.whole.process.Link().OpenThread());
   }
-  EXPECT_FALSE(stand.whole.link.IsRunning());
+  EXPECT_FALSE(stand.whole.process.Link().IsRunning());
   EXPECT_EQ(stand.peer.connections, 0);
   EXPECT_EQ(stand.Init(), TRUE);
   EXPECT_EQ(stand.GetAll(), UpdatedValues());

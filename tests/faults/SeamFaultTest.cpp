@@ -46,7 +46,7 @@ class SeamFaultTest : public ::testing::Test {
   }
 
   static void ExpectSocketsGivenBack(FaultStand& stand) {
-    stand.whole.link.StopThread();
+    stand.whole.process.Link().StopThread();
     EXPECT_EQ(stand.peer.opened, stand.peer.closed);
   }
 };
@@ -70,7 +70,7 @@ TEST_F(SeamFaultTest, StartFailsWholeOrNotAtAllWhicheverCallOfTheDiskFails) {
     const bool started = stand.Init() == TRUE;
     const bool reached = stand.filesPlan.Reached();
     stand.filesPlan.FailNever();
-    EXPECT_EQ(stand.whole.agent.Variables().Find("LinkStatus") != nullptr, started);
+    EXPECT_EQ(stand.whole.process.Extension().Variables().Find("LinkStatus") != nullptr, started);
     EXPECT_EQ(stand.peer.connections > 0, started);
     if (!started) {
       EXPECT_EQ(stand.LogLines(), Lines{});
@@ -105,7 +105,7 @@ TEST_F(SeamFaultTest, StartNamesWhatIsMissingWhicheverEventOrThreadFails) {
     FaultStand stand(n);
     HANDLE event = nullptr;
     AsnObjectIdentifier view{0, nullptr};
-    const BOOL started = stand.whole.entries.Init(&event, &view);
+    const BOOL started = stand.whole.process.Entries().Init(&event, &view);
     if (!stand.threadingPlan.Reached()) return false;
     EXPECT_EQ(started, row.starts);
     EXPECT_NE(event, nullptr);
@@ -125,10 +125,10 @@ TEST_F(SeamFaultTest, StartNamesWhatIsMissingWhicheverEventOrThreadFails) {
 TEST_F(SeamFaultTest, StartFailsWhileThereAreNoEventsAndWorksOnceThereAre) {
   FaultStand stand(FaultStand::kAllEvents);
   EXPECT_EQ(stand.Init(), FALSE);
-  EXPECT_EQ(stand.whole.agent.Traps().EventHandle(), nullptr);
+  EXPECT_EQ(stand.whole.process.Extension().Traps().EventHandle(), nullptr);
   stand.threadingPlan.FailNever();
   ExpectWhole(stand, false);
-  EXPECT_NE(stand.whole.agent.Traps().EventHandle(), nullptr);
+  EXPECT_NE(stand.whole.process.Extension().Traps().EventHandle(), nullptr);
   ExpectSocketsGivenBack(stand);
 }
 
@@ -200,7 +200,7 @@ TEST_F(SeamFaultTest, LogLosesNothingButThePieceThatTheDiskRefused) {
   const auto write = [](FaultPlan& plan, int n) {
     FaultStand stand;
     EXPECT_EQ(stand.Init(), TRUE);
-    stand.whole.link.StopThread();
+    stand.whole.process.Link().StopThread();
     const std::size_t before = stand.LogLines().size();
     plan.FailNever();
     stand.filesPlan.FailAt(n);

@@ -50,7 +50,8 @@ class StressRoads : public StressTest {
     SnmpVarBindList bindings{&binding.Again(), 1};
     AsnInteger status = -1;
     AsnInteger index = -1;
-    if (whole.entries.Query(type, &bindings, &status, &index) != TRUE) Complain("query failed");
+    if (whole.process.Entries().Query(type, &bindings, &status, &index) != TRUE)
+      Complain("query failed");
     if (index != 0) Complain("index " + std::to_string(index));
     return status;
   }
@@ -103,8 +104,8 @@ class StressRoads : public StressTest {
   // Traps as the service takes them: all that wait, after each signal.
   void DrainTraps() {
     TakenTrap trap;
-    (void)threading.WaitEvent(whole.agent.Traps().EventHandle(), 5);
-    while (trap.TakeFrom(whole.entries)) {
+    (void)threading.WaitEvent(whole.process.Extension().Traps().EventHandle(), 5);
+    while (trap.TakeFrom(whole.process.Entries())) {
       const auto known =
           std::find_if(std::begin(kTraps), std::end(kTraps), [&](const TrapRow& row) {
             return static_cast<AsnInteger>(row.specificTrap) == trap.specific;
@@ -193,7 +194,7 @@ class StressRoads : public StressTest {
 };
 
 TEST_F(StressRoads, EverythingAtOnceLosesNothingAndMixesNothingUp) {
-  ASSERT_TRUE(whole.lifecycle.Start());
+  ASSERT_TRUE(whole.process.Start());
   Meanwhile([this] { Walk(); });
   Meanwhile([this] { GetEverything(), Walk(); });
   Meanwhile([this] { DrainTraps(); });
@@ -213,7 +214,7 @@ TEST_F(StressRoads, EverythingAtOnceLosesNothingAndMixesNothingUp) {
   };
   EXPECT_TRUE(server.WaitFor(asked)) << "the timer ticks";
 
-  whole.lifecycle.Stop(Ending::kUnload);
+  whole.process.Stop(Ending::kUnload);
   EXPECT_TRUE(server.WaitForEnds(kConnections));
 }
 
