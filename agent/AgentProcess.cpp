@@ -5,8 +5,6 @@
 #include "Src/DailyLog.h"
 #include "Src/LogPrinter.h"
 #include "Src/TimerService.h"
-#include "agent/Traps.h"
-#include "agent/Variables.h"
 #include "messages/Registrar.h"
 #include "net/CFileName2.h"
 #include "platform/Clock.h"
@@ -86,8 +84,8 @@ bool AgentProcess::Start() {
   // A running link must not be touched, and must not meet a growing table.
   // OpenLink reports that it runs.
   if (!m_link.IsRunning()) {
-    RegisterVariables(m_agent.Variables());
-    RegisterTraps(m_agent.Traps());
+    m_agent.RegisterVariables();
+    m_agent.RegisterTraps();
     WireLink();
     LoadSocketLibraries();
   }

@@ -6,7 +6,6 @@
 #include "fuzz/FuzzInput.h"
 #include "json/Json.h"
 #include "messages/Registrar.h"
-#include "tests/agent/TakenTrap.h"
 #include "tests/support/WholeAgent.h"
 
 namespace {

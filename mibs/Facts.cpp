@@ -4,7 +4,6 @@
 
 #include "BuildSettings.h"
 #include "agent/AgentProcess.h"
-#include "agent/EnterprisePrefix.h"
 #include "agent/ObjectIdentifier.h"
 #include "mibs/Definitions.h"
 

@@ -5,8 +5,6 @@
 #include <string>
 
 #include "agent/SNMPExtensionAgent.h"
-#include "agent/Traps.h"
-#include "agent/Variables.h"
 #include "platform/Threading.h"
 #include "tests/support/Binding.h"
 #include "tests/support/FakeClock.h"
@@ -49,8 +47,8 @@ class EmptyAgentTest : public ::testing::Test {
 class AgentTest : public EmptyAgentTest {
  protected:
   AgentTest() {
-    RegisterVariables(agent.Variables());
-    RegisterTraps(agent.Traps());
+    agent.RegisterVariables();
+    agent.RegisterTraps();
     log.Clear();
   }
 };

@@ -5,7 +5,6 @@
 
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
-#include "agent/TrapQueue.h"
 #include "tests/agent/AgentProcessFixture.h"
 #include "tests/agent/TrapFloodFixture.h"
 #include "tests/agent/UpdatesFixture.h"
@@ -171,8 +170,8 @@ TEST_F(AgentProcessTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
 TEST_F(AgentProcessTest, WholeAgentGivesAllItsMemoryBack) {
   const auto cycle = [this] {
     SNMPExtensionAgent fresh(clock, threading);
-    RegisterVariables(fresh.Variables());
-    RegisterTraps(fresh.Traps());
+    fresh.RegisterVariables();
+    fresh.RegisterTraps();
     fresh.Traps().Queue("TrapStreamsOK");
     Binding binding("P");
     while (fresh.GetNextRequest(binding.Get()) == SNMP_ERRORSTATUS_NOERROR) {

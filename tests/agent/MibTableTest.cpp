@@ -24,7 +24,7 @@ std::string NamesInOrder(const MibTable& table) {
 }
 
 TEST_F(MibTableTest, DumpOfTheStartSetHasEightLinesFromTheLastVariableToTheFirst) {
-  RegisterVariables(agent.Variables());
+  agent.RegisterVariables();
   const std::vector<std::string> expected{
       "Info: MIB TABLE 'AudioSourcesSilence':INT = " + FullName("P.2.4") + "\n",
       "Info: MIB TABLE 'AudioSourcesErrors':INT = " + FullName("P.2.3") + "\n",

@@ -4,7 +4,6 @@
 #include <string>
 #include <thread>
 
-#include "agent/SharedText.h"
 #include "tests/agent/AgentFixture.h"
 
 namespace Agent::Tests {

@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <iterator>
 
+#include "agent/Traps.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/TakenTrap.h"
+#include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {
 
@@ -34,7 +35,7 @@ class SilentLog final : public Vask::IDailyLog {
 
 class TrapFloodTest : public ::testing::Test {
  protected:
-  TrapFloodTest() { RegisterTraps(agent.Traps()); }
+  TrapFloodTest() { agent.RegisterTraps(); }
 
   static const TrapRow& TrapOf(std::uint32_t i) { return kTraps[i % std::size(kTraps)]; }
 

@@ -1,7 +1,6 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/agent/TakenTrap.h"
 #include "tests/agent/TrapFloodFixture.h"
 
 namespace Agent::Tests {

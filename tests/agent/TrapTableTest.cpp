@@ -34,7 +34,7 @@ class TrapTableTest : public AgentTest {
 
 TEST_F(TrapTableTest, DumpOfTheTrapsHasElevenLinesInOrder) {
   SNMPExtensionAgent fresh(clock, Vask::Platform::SystemThreading());
-  RegisterTraps(fresh.Traps());
+  fresh.RegisterTraps();
   const std::vector<std::string> expected{
       "Info: TRAP TABLE 'TrapSoftwareLinkUp' = " + FullName("P.10") + "\n",
       "Info: TRAP TABLE 'TrapSoftwareLinkDown' = " + FullName("P.11") + "\n",

@@ -7,7 +7,6 @@
 #include "messages/Registrar.h"
 #include "net/IOnJsonMessage.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/TakenTrap.h"
 #include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {

@@ -1,7 +1,6 @@
 #include "agent/VariableUpdates.h"
 
 #include "Src/ErrReporter.h"
-#include "agent/ChangeTraps.h"
 #include "tests/agent/UpdatesFixture.h"
 
 namespace Agent::Tests {

@@ -1,5 +1,4 @@
 #include "tests/faults/FaultStand.h"
-#include "tests/agent/TakenTrap.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -21,7 +21,6 @@
 #include "messages/Codec.h"
 #include "messages/HandlerList.h"
 #include "messages/SNMPsequence.h"
-#include "tests/agent/TakenTrap.h"
 #include "tests/faults/FaultStand.h"
 #include "tests/support/AllocationFault.h"
 #include "tests/support/RecordingLog.h"

@@ -6,7 +6,6 @@
 
 #include "agent/Traps.h"
 #include "agent/Variables.h"
-#include "tests/agent/TakenTrap.h"
 #include "tests/stress/StressFixture.h"
 #include "tests/support/Binding.h"
 

@@ -50,4 +50,21 @@ struct StartedAgent {
   Vask::Tests::RecordingLog log;
 };
 
+// The outputs of one call that takes a trap.
+struct TakenTrap {
+  // Returns false if no trap waits.
+  [[nodiscard]] bool TakeFrom(SNMPExtensionAgent& agent) {
+    return agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings);
+  }
+  [[nodiscard]] bool TakeFrom(EntryPoints& entries) {
+    return entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings) == TRUE;
+  }
+
+  AsnObjectIdentifier enterprise{};
+  AsnInteger generic = 0;
+  AsnInteger specific = 0;
+  std::uint32_t timeStamp = 0;
+  SnmpVarBindList bindings{};
+};
+
 }  // namespace Agent::Tests
