@@ -1,5 +1,5 @@
-// Whole frames' texts into the registrar with the agent's own handlers behind
-// it. Whatever comes, the message after it must be applied and a Get answered.
+// Passes texts of whole frames to the registrar of a started agent. After any text
+// the agent must apply the next message.
 
 #include <string>
 
@@ -12,7 +12,7 @@ namespace {
 
 using Messages::Registrar;
 
-// Takes faults and sent messages, and looks at every byte of them.
+// Receives the reported faults and the sent messages, and reads every byte.
 class Ends final : public Vask::IOnError, public Vask::IOnJsonMessage {
  public:
   void OnError(Vask::Json* message, const char* text) override {
@@ -27,7 +27,7 @@ class Ends final : public Vask::IOnError, public Vask::IOnJsonMessage {
   }
 };
 
-// The started agent, with both ends of its registrar taken over.
+// A started agent. This program receives what its registrar reports and sends.
 struct Stand {
   Stand() {
     Registrar::Instance().SetErrorSink(&ends);

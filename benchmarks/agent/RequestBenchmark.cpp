@@ -1,5 +1,5 @@
-// Requests as the SNMP service makes them, with the log open, beside the log
-// lines that they write.
+// Requests of the SNMP service with the log open, and beside them the log lines
+// that they write.
 
 #include <benchmark/benchmark.h>
 
@@ -17,8 +17,8 @@ namespace {
 using Agent::SNMPExtensionAgent;
 using Vask::LogPrinter;
 
-// One started agent for all benchmarks, without threads, and with its log in a
-// temporary folder that goes with the program.
+// One started agent for all benchmarks. It has no threads; its log is in a
+// temporary folder, which the program deletes at its end.
 class World {
  public:
   // Start returns false, because there is no thread for the link.
@@ -26,7 +26,7 @@ class World {
 
   SNMPExtensionAgent& Agent() { return m_whole.process.Extension(); }
 
-  // A name under the prefix, in the service's own memory.
+  // A name under the prefix, in memory of the SNMP utility functions.
   AsnObjectIdentifier Name(UINT group, UINT variable) {
     UINT ids[10];
     const AsnObjectIdentifier prefix = Agent().Prefix();

@@ -15,12 +15,12 @@ namespace Agent::Tests {
 using Vask::Tests::Binding;
 using Vask::Tests::FullName;
 
-// What came of a request for one binding, as text: status, name, value.
+// The outcome of a request for one binding, as text: status, name, value.
 inline std::string Outcome(INT status, const Binding& binding) {
   return std::to_string(status) + " " + binding.Name() + " = " + binding.Value();
 }
 
-// An agent without variables and traps, a clock that stands still, and the log.
+// An agent without variables and traps, a clock that stands still, and a log.
 class EmptyAgentTest : public ::testing::Test {
  protected:
   std::string Get(const std::string& name) {
@@ -43,7 +43,7 @@ class EmptyAgentTest : public ::testing::Test {
   SNMPExtensionAgent agent{clock, Vask::Platform::SystemThreading()};
 };
 
-// An agent with the variables and traps that it starts with, and an empty log.
+// An agent with its variables and traps, and an empty log.
 class AgentTest : public EmptyAgentTest {
  protected:
   AgentTest() {

@@ -14,7 +14,7 @@
 
 namespace Agent::Tests {
 
-// The machine's threads, of which the n-th start (from 0) may be refused.
+// The machine's threads. A test may let the n-th start fail, counted from 0.
 class CountedThreading final : public Vask::Tests::ForwardingThreading {
  public:
   std::set<int> refusedStarts;
@@ -38,8 +38,8 @@ class CountedThreading final : public Vask::Tests::ForwardingThreading {
 inline constexpr int kTimerThread = 0;
 inline constexpr int kLinkThread = 1;
 
-// Time stands still as the test wants it, but sleeping takes its time: the link's
-// thread must not retry without a pause.
+// Another clock, but a sleep takes real time: the link's thread must not retry
+// without a pause.
 class StillClock final : public Vask::Tests::ForwardingClock {
  public:
   using ForwardingClock::ForwardingClock;

@@ -45,7 +45,7 @@ TEST_F(AgentProcessTest, StartWithoutALogFailsSilentlyAndDoesNothingElse) {
   }
 }
 
-// The log's own file then finds no room for its name, so both starts fail.
+// The path of the log's file is then too long, so both starts fail.
 TEST_F(AgentProcessTest, LogFolderOf260CharactersIsCreatedAndOneOf261IsNot) {
   const std::string below = "\\Veltrin Systems\\Corvane\\SNMP\\Logs";
   files.commonData = "C:\\" + std::string(261 - 3 - below.size(), 'x');
@@ -69,8 +69,8 @@ TEST_F(AgentProcessTest, StartRegistersEverythingBeforeTheLinkRuns) {
   EXPECT_EQ(threading.starts, 2);
 }
 
-// What the system loads for its first socket must not be loaded by a thread that
-// an unload waits for.
+// The system loads libraries for its first socket. A thread that an unload waits
+// for must not do that.
 TEST_F(AgentProcessTest, FirstSocketIsOpenedAndEndedBeforeTheLinksThreadStarts) {
   std::vector<int> atStart;
   threading.beforeStart = [&] { atStart = {sockets.opened, sockets.disconnected, sockets.closed}; };
@@ -78,7 +78,7 @@ TEST_F(AgentProcessTest, FirstSocketIsOpenedAndEndedBeforeTheLinksThreadStarts) 
   EXPECT_EQ(atStart, (std::vector<int>{1, 1, 1}));
 }
 
-TEST_F(AgentProcessTest, WithoutATimerThreadTheAgentStartsAllTheSame) {
+TEST_F(AgentProcessTest, StartSucceedsWithoutATimerThread) {
   threading.refusedStarts = {kTimerThread};
   EXPECT_TRUE(process.Start());
   EXPECT_TRUE(link.IsRunning());
@@ -86,7 +86,7 @@ TEST_F(AgentProcessTest, WithoutATimerThreadTheAgentStartsAllTheSame) {
   EXPECT_EQ(threading.joins, 1);
 }
 
-TEST_F(AgentProcessTest, WithoutALinkThreadTheStartFailsAndSaysSo) {
+TEST_F(AgentProcessTest, StartFailsWithoutALinkThreadAndLogsThat) {
   threading.refusedStarts = {kLinkThread};
   EXPECT_FALSE(process.Start());
   const Lines lines = StartLines();
@@ -120,7 +120,7 @@ TEST_F(AgentProcessTest, SecondStartIsRefusedAndLeavesThreadsAndTablesAlone) {
   EXPECT_EQ(threading.starts, 2);
 }
 
-// The link that runs goes on undisturbed.
+// The running link goes on.
 TEST_F(AgentProcessTest, SecondStartOpensNoSocketAndKeepsTheSender) {
   ASSERT_TRUE(process.Start());
   ASSERT_EQ(sockets.openedByOwner, 1);
@@ -132,7 +132,7 @@ TEST_F(AgentProcessTest, SecondStartOpensNoSocketAndKeepsTheSender) {
   EXPECT_EQ(sender.frames.size(), 1u);
 }
 
-TEST(AgentProcessWiringTest, MessagesReachTheAgentThatExists) {
+TEST(AgentProcessWiringTest, MessagesReachTheExistingAgent) {
   const auto receive = [](const std::string& data) {
     return Messages::Registrar::Instance().OnJsonMessageText(data.c_str());
   };
@@ -162,7 +162,7 @@ TEST_F(AgentProcessTest, UnloadStopsBothThreads) {
   EXPECT_TRUE(agent.Terminating());
   EXPECT_FALSE(link.IsRunning());
   EXPECT_EQ(threading.joins, 2);
-  // The reader may still log its first failed attempt behind it.
+  // The reader may log its first failed attempt after this line.
   EXPECT_TRUE(Has("Info: Terminating SNMP extension agent.."));
 }
 

@@ -12,8 +12,8 @@ namespace Agent::Tests {
 
 inline constexpr std::uint32_t kFlood = 100'000;
 
-// Forgets every line, so that a flood measures the queue and not the memory of
-// the log's stand-in.
+// Keeps no line, so that a flood measures the queue and not the memory of the
+// log.
 class SilentLog final : public Vask::IDailyLog {
  public:
   SilentLog() { Vask::LogPrinter::Instance().SetTarget(this); }
@@ -43,7 +43,7 @@ class TrapFloodTest : public ::testing::Test {
     for (std::uint32_t i = 0; i < kFlood; ++i) agent.Traps().Queue(TrapOf(i).name);
   }
 
-  // Takes what waits now, as the service does after each wake-up.
+  // Takes all waiting traps, like the service after each wake-up.
   void Drain() {
     TakenTrap trap;
     while (trap.TakeFrom(agent)) {

@@ -15,7 +15,7 @@ TEST_F(TrapFloodTest, EveryTrapIsDeliveredOnceAndInOrderWhileOthersAreQueued) {
   EXPECT_EQ(outOfOrder, 0u);
 }
 
-TEST_F(TrapFloodTest, QueueThatNobodyDrainsGrowsWithoutGrowingSlow) {
+TEST_F(TrapFloodTest, UndrainedQueueGrowsAndStaysFast) {
   QueueAll();
   EXPECT_EQ(agent.Traps().QueuedCount(), kFlood);
   Drain();
@@ -23,7 +23,7 @@ TEST_F(TrapFloodTest, QueueThatNobodyDrainsGrowsWithoutGrowingSlow) {
   EXPECT_EQ(outOfOrder, 0u);
 }
 
-TEST_F(TrapFloodTest, PurgeRunsBesideADrainWithoutTouchingWhatItHandsOut) {
+TEST_F(TrapFloodTest, PurgeDuringADrainKeepsTheTakenTraps) {
   std::atomic<bool> done{false};
   std::thread purger([this, &done] {
     while (!done) agent.Traps().Queue("TrapStreamsOK");

@@ -11,7 +11,7 @@
 
 namespace Agent::Tests {
 
-// Stands in for the link: keeps the bytes that each message would have.
+// Takes the place of the link and keeps the bytes of each message.
 class RecordingLink final : public Vask::IOnJsonMessage {
  public:
   bool OnJsonMessage(Vask::Json* message) override {
@@ -49,7 +49,7 @@ class UpdatesTest : public ::testing::Test {
     }
   }
 
-  // Specific numbers of all traps that wait, taken out of the queue.
+  // Takes all waiting traps and returns their specific numbers.
   std::vector<AsnInteger> TakeTraps() {
     std::vector<AsnInteger> numbers;
     TakenTrap trap;
@@ -57,7 +57,7 @@ class UpdatesTest : public ::testing::Test {
     return numbers;
   }
 
-  // The log without the lines of traps queued and taken.
+  // The log without the lines about queued and sent traps.
   std::vector<std::string> LinesBesideTraps() const {
     std::vector<std::string> lines;
     for (const std::string& line : log.Lines())

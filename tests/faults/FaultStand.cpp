@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kFinished[] =
     R"({"data":{},"from":"Corvane","id":0,"name":"SNMPupdateFinished","op":"broadcast"})";
-// Refused by the agent, with an error line.
+// The agent refuses this with an error line.
 constexpr char kFaulty[] =
     R"({"data":{"messageType":{"Streams":{}}},"from":"Corvane","id":0,"name":"SNMPmessage"})";
 
@@ -60,8 +60,8 @@ BOOL FaultStand::Query(BYTE type, Binding& binding) {
   SnmpVarBindList bindings{&binding.Get(), 1};
   AsnInteger status = 0;
   AsnInteger index = 0;
-  const BOOL answered = whole.process.Entries().Query(type, &bindings, &status, &index);
-  return answered == TRUE && status == SNMP_ERRORSTATUS_NOERROR ? TRUE : FALSE;
+  const BOOL served = whole.process.Entries().Query(type, &bindings, &status, &index);
+  return served == TRUE && status == SNMP_ERRORSTATUS_NOERROR ? TRUE : FALSE;
 }
 
 std::vector<AsnInteger> FaultStand::TakeTraps() {
@@ -77,9 +77,9 @@ std::string FaultStand::Get(const std::string& name) {
 }
 
 std::vector<std::string> FaultStand::GetAll() {
-  std::vector<std::string> answers;
-  for (const char* const name : kNames) answers.push_back(Get(name));
-  return answers;
+  std::vector<std::string> values;
+  for (const char* const name : kNames) values.push_back(Get(name));
+  return values;
 }
 
 std::vector<std::string> FaultStand::Walk() {

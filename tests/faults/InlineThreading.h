@@ -4,8 +4,8 @@
 
 namespace Agent::Tests {
 
-// Events of another machine, but a thread is run to its end by whoever starts
-// it. Allocates nothing. One thread.
+// Another machine's events, but the call that starts a thread runs it to its end.
+// Allocates nothing. One thread.
 class InlineThreading final : public Vask::Tests::ForwardingThreading {
  public:
   using ForwardingThreading::ForwardingThreading;

@@ -23,7 +23,7 @@ namespace Agent::Tests {
 // write; the buffer takes 32 KiB and refuses more.
 class LogDisk final : public Vask::Platform::Files {
  public:
-  std::string commonData = "C:\\Data";  // empty: there is none
+  std::string commonData = "C:\\Data";  // empty: the folder does not exist
   std::set<std::string> refused;
   bool opensFiles = true;
   std::vector<std::string> created;
