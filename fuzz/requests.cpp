@@ -126,6 +126,7 @@ void ExpectWalk(Table& table, const std::vector<Ids>& cells) {
     if (binding.Value() != "none") walked.push_back(name);
   }
   std::vector<std::string> expected;
+  expected.reserve(cells.size());
   for (const Ids& cell : cells) expected.push_back(NameOf(cell));
   FUZZ_EXPECT(walked == expected);
 }

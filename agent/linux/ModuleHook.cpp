@@ -14,8 +14,9 @@ namespace {
 
 constinit bool g_processEnds = false;
 
+// Without the exit handler, the end of the process is handled like an unload.
 [[gnu::constructor]] void OnLoad() {
-  std::atexit([] { g_processEnds = true; });
+  static_cast<void>(std::atexit([] { g_processEnds = true; }));
 }
 
 void Stop(Agent::Ending ending) noexcept {
