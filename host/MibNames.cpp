@@ -11,7 +11,7 @@
 #include <cstring>
 
 #include "BuildSettings.h"
-#include "agent/EnterprisePrefix.h"
+#include "agent/ObjectIdentifier.h"
 #include "agent/Traps.h"
 #include "agent/Variables.h"
 #include "host/ExtensionModule.h"

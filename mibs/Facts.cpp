@@ -3,8 +3,7 @@
 #include <iterator>
 
 #include "BuildSettings.h"
-#include "agent/EnterprisePrefix.h"
-#include "agent/Lifecycle.h"
+#include "agent/AgentProcess.h"
 #include "agent/ObjectIdentifier.h"
 #include "mibs/Definitions.h"
 
@@ -80,9 +79,9 @@ Facts AgentFacts() {
           {"prefix", Prefix()},
           {"tail", Tail(Prefix())},
           {"version", CORVANE_VERSION_TEXT},
-          {"port", std::to_string(Agent::Lifecycle::kLinkPort)},
+          {"port", std::to_string(Agent::AgentProcess::kLinkPort)},
           {"log-folder",
-           std::string(Agent::Lifecycle::kProductFolder) + Agent::Lifecycle::kLogsFolder}};
+           std::string(Agent::AgentProcess::kProductFolder) + Agent::AgentProcess::kLogsFolder}};
 }
 
 }  // namespace Mibs

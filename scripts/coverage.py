@@ -18,9 +18,8 @@ STRICT = {
     "JSON": r"json/",
     "codec": r"messages/(?!Registrar|HandlerList|ErrorReport|Catalogue)",
     "registrar": r"messages/",
-    "Get and GetNext": r"agent/(SNMPExtensionAgent|NextWalk|GetStoredVar|SequenceCell|SharedText"
-                       r"|OrderedEntries|ObjectIdentifier)\.",
-    "trap queue": r"agent/(TrapQueue|TrapTable)\.",
+    "Get and GetNext": r"agent/(SNMPExtensionAgent|MibTable|MibEntry|ObjectIdentifier)\.",
+    "trap queue": r"agent/TrapTable\.",
 }
 # Everything else is judged by its folder's lines.
 FOLDER = r"(platform/linux|\w+)/"

@@ -1,12 +1,45 @@
+#include "agent/SNMPExtensionAgent.h"
+
 #include "tests/agent/AgentFixture.h"
 
 namespace Agent::Tests {
 
 namespace {
 
+using GetRequestTest = AgentTest;
+
+TEST_F(GetRequestTest, RequestIsLoggedBeforeItsValue) {
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+  const std::vector<std::string> expected{"Info: GetRequest(" + FullName("P.0.0") + ")\n",
+                                          "Info: GetStoredVar(LinkStatus) = INT: 1\n"};
+  EXPECT_EQ(log.Lines(), expected);
+}
+
+TEST_F(GetRequestTest, EveryNameUnderAVariableReadsIt) {
+  for (const std::string name : {"P.0.0", "P.0.0.0", "P.0.0.7.4294967295"})
+    EXPECT_EQ(Get(name), "0 " + name + " = INT 1");
+  for (const std::string name : {"P.1.0", "P.1.0.0", "P.1.0.5"})
+    EXPECT_EQ(Get(name), "0 " + name + " = STRING 'Corvane'");
+}
+
+TEST_F(GetRequestTest, NameUnderNoVariableIsNoSuchNameWithoutFurtherLine) {
+  for (const std::string name :
+       {"P.3", "P", "P.0", "P.1", "P.2.5", "P.0.1", "1.3.6.1.4.1", "1", "2.0", ""}) {
+    log.Clear();
+    EXPECT_EQ(Get(name), "2 " + name + " = none");
+    EXPECT_EQ(log.Lines(), std::vector<std::string>{"Info: GetRequest(" + FullName(name) + ")\n"});
+  }
+}
+
+TEST_F(GetRequestTest, FirstOfSeveralMatchingVariablesIsRead) {
+  constexpr UINT kOuter[] = {2};
+  agent.Variables().RegisterInt(Lend(kOuter), "Outer", nullptr, 77);
+  EXPECT_EQ(Get("P.2.0"), "0 P.2.0 = INT 77");
+}
+
 using GetNextRequestTest = AgentTest;
 
-TEST_F(GetNextRequestTest, EachNameIsAnsweredByWhatFollowsIt) {
+TEST_F(GetNextRequestTest, EachNameLeadsToTheNextVariable) {
   struct Row {
     const char* what;
     const char* name;
@@ -44,7 +77,7 @@ TEST_F(GetNextRequestTest, WalkFromThePrefixVisitsAllVariablesAndEnds) {
   EXPECT_EQ(LastLine(), "Info: GetNextRequest(" + FullName("P.2.4") + ") END OF TABLE\n");
 }
 
-TEST_F(GetNextRequestTest, StepToTheFirstVariableBehindIsLogged) {
+TEST_F(GetNextRequestTest, StepToTheFirstLaterVariableIsLogged) {
   GetNext("P");
   const std::vector<std::string> expected{
       "Info: GetNextRequest(" + FullName("P") + ")\n",
@@ -53,7 +86,7 @@ TEST_F(GetNextRequestTest, StepToTheFirstVariableBehindIsLogged) {
   EXPECT_EQ(log.Lines(), expected);
 }
 
-TEST_F(GetNextRequestTest, StepToTheFollowingVariableIsLoggedWithItsType) {
+TEST_F(GetNextRequestTest, StepToTheNextVariableIsLoggedWithItsType) {
   GetNext("P.1.0");
   const std::vector<std::string> text{
       "Info: GetNextRequest(" + FullName("P.1.0") + ")\n",
@@ -82,13 +115,13 @@ TEST_F(GetNextRequestTest, NameBehindAllVariablesIsNotLoggedAsEndOfTheTable) {
   }
 }
 
-TEST_F(GetNextRequestTest, AgentWithoutVariablesAnswersNoSuchName) {
+TEST_F(GetNextRequestTest, AgentWithoutVariablesReturnsNoSuchName) {
   SNMPExtensionAgent empty(clock, Vask::Platform::SystemThreading());
   Binding binding("P");
   EXPECT_EQ(Outcome(empty.GetNextRequest(binding.Get()), binding), "2 P = none");
 }
 
-TEST_F(GetNextRequestTest, UnknownTypeOfTheFollowingVariableIsAGeneralErrorUnderItsName) {
+TEST_F(GetNextRequestTest, UnknownTypeOfTheNextVariableIsAGeneralErrorUnderItsName) {
   agent.Variables().Find("ProductName")->m_type = 6;
   EXPECT_EQ(GetNext("P.0.0"), "5 P.1.0 = none");
   agent.Variables().Find("ProductName")->m_type = kTypeString;  // so that its cell is freed
