@@ -53,10 +53,11 @@ stop_receivers() {
 # SNMPTT, whose lines carry the identifier.
 mib_traps() {
   local name
-  for name in SoftwareLinkDown SoftwareLinkUp StreamsFailed AudioSourcesFailed AudioSilenceDetectFailed \
-    StreamsFailedUpdated AudioSourcesFailedUpdated AudioSilenceDetectFailedUpdated \
-    StreamsOK AudioSourcesOK AudioSilenceDetectPassed; do
-    awk -v name="corvaneTrap$name" -v oid=".$prefix.0." -v format="$1\n" '
+  for name in TrapSoftwareLinkDown TrapSoftwareLinkUp \
+    TrapStreamsFailed TrapAudioSourcesFailed TrapAudioSilenceDetectFailed \
+    TrapStreamsFailedUpdated TrapAudioSourcesFailedUpdated TrapAudioSilenceDetectFailedUpdated \
+    TrapStreamsOK TrapAudioSourcesOK TrapAudioSilenceDetectPassed; do
+    awk -v name="corvane$name" -v oid=".$prefix.0." -v format="$1\n" '
       $1 == name {inside = 1}
       inside && /#SUMMARY/ {sentence = $0; gsub(/^[^"]*"|"$/, "", sentence)}
       inside && /#SEVERITY/ {severity = $2}
