@@ -1,5 +1,5 @@
-// Prints the management module that goes with this build of the agent, or fills
-// in a template of a monitoring file for it.
+// Prints the management module of this build of the agent, or fills in a template
+// of a file for a monitoring system.
 
 #include <cstdio>
 #include <cstring>
@@ -16,9 +16,10 @@ namespace {
 constexpr char kUsage[] =
     "usage: mib-module [--v1 | --fill TEMPLATE | --help | --version]\n"
     "\n"
-    "Prints VELTRIN-CORVANE-MIB (SMIv2), or with --v1 VELTRIN-CORVANE-V1-MIB\n"
-    "(SMIv1), for the enterprise number that this build was made with. With --fill\n"
-    "prints the file TEMPLATE with names and numbers of the agent filled in.\n";
+    "Prints the management module with the enterprise number of this build:\n"
+    "VELTRIN-CORVANE-MIB (SMIv2), or with --v1 VELTRIN-CORVANE-V1-MIB (SMIv1).\n"
+    "With --fill, fills in names and numbers of the agent in the file TEMPLATE and\n"
+    "prints the result.\n";
 
 int PrintFilled(const char* file) {
   std::ifstream input(file);
@@ -30,7 +31,7 @@ int PrintFilled(const char* file) {
   try {
     std::fputs(Mibs::FillTemplate(text).c_str(), stdout);
   } catch (const std::exception& unknown) {
-    std::fprintf(stderr, "mib-module: %s: not understood: %s\n", file, unknown.what());
+    std::fprintf(stderr, "mib-module: %s: invalid: %s\n", file, unknown.what());
     return 1;
   }
   return 0;
