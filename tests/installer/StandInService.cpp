@@ -1,9 +1,9 @@
-// Stands in for the Windows SNMP service where there is none: a service that
-// reads the registration of extension agents as the real one does, loads each,
-// starts it, and lets go of it when told to stop. What it did goes to the file
-// named on its command line, a line each.
+// A stand-in for the Windows SNMP service, for systems without it. It reads the
+// registration of extension agents in the same way as the real service, loads and
+// starts each agent, and unloads it when the service stops. It writes one line for
+// each step to LOG-FILE.
 //
-//   StandInService.exe LOG-FILE     run by the service control manager as "SNMP"
+//   StandInService.exe LOG-FILE     the service control manager runs it as "SNMP"
 
 #include <winsock2.h>
 
@@ -36,7 +36,8 @@ void Log(const std::string& line) {
   }
 }
 
-// The text of a REG_SZ or REG_EXPAND_SZ value, expanded; empty when it is neither.
+// Returns the text of a REG_SZ value, or the expanded text of a REG_EXPAND_SZ value;
+// otherwise "".
 std::string ReadText(HKEY key, const char* name) {
   char text[1024] = "";
   DWORD size = sizeof(text) - 1;
@@ -74,7 +75,7 @@ std::vector<std::string> AgentNames(HKEY key) {
   return names;
 }
 
-// The four numbers of a file's VERSIONINFO.
+// Returns the four numbers of a file's VERSIONINFO, or "none".
 std::string FileVersion(const std::string& path) {
   std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), nullptr));
   VS_FIXEDFILEINFO* info = nullptr;
@@ -104,7 +105,7 @@ Function Export(HMODULE module, const char* name) {
   return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-// Starts a loaded agent as the service does; the result is a text for the log.
+// Starts a loaded agent in the same way as the service. Returns a text for the log.
 std::string StartAgent(HMODULE module) {
   const auto init = Export<PFNSNMPEXTENSIONINIT>(module, "SnmpExtensionInit");
   if (init == nullptr || Export<PFNSNMPEXTENSIONQUERY>(module, "SnmpExtensionQuery") == nullptr ||
@@ -155,8 +156,8 @@ void Report(DWORD state) {
   SetServiceStatus(g_statusHandle, &status);
 }
 
-// Lets the agents go before it returns: Wine's installer does not wait for a
-// service to have stopped, only for its answer to the order.
+// Unloads the agents before it returns, because Wine's installer does not wait until a
+// service has stopped. It waits only for the return of this function.
 void WINAPI OnControl(DWORD control) {
   if (control != SERVICE_CONTROL_STOP) {
     Report(SERVICE_RUNNING);
@@ -178,7 +179,7 @@ void WINAPI ServiceMain(DWORD, char**) {
   Log("service ready");
   Report(SERVICE_RUNNING);
   WaitForSingleObject(g_stopEvent, INFINITE);
-  // The process ends with this function: the order to stop is answered first, by another thread.
+  // The process ends with this function. Another thread must first return from OnControl.
   Sleep(kAnswerTimeMs);
 }
 
