@@ -31,8 +31,8 @@ std::vector<HMODULE> g_agents;
 
 void Log(const std::string& line) {
   if (std::FILE* file = std::fopen(g_logFile, "a")) {
-    std::fprintf(file, "%s\n", line.c_str());
-    std::fclose(file);
+    static_cast<void>(std::fprintf(file, "%s\n", line.c_str()));
+    static_cast<void>(std::fclose(file));
   }
 }
 
@@ -55,9 +55,7 @@ std::string ReadText(HKEY key, const char* name) {
 
 std::string ReadText(const std::string& path, const char* name) {
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != 0) {
-    return "";
-  }
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != 0) return "";
   const std::string text = ReadText(key, name);
   RegCloseKey(key);
   return text;
@@ -86,17 +84,15 @@ std::string FileVersion(const std::string& path) {
     return "none";
   }
   char text[64];
-  std::snprintf(text, sizeof(text), "%u.%u.%u.%u", HIWORD(info->dwFileVersionMS),
-                LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
-                LOWORD(info->dwFileVersionLS));
+  static_cast<void>(std::snprintf(text, sizeof(text), "%u.%u.%u.%u", HIWORD(info->dwFileVersionMS),
+                                  LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
+                                  LOWORD(info->dwFileVersionLS)));
   return text;
 }
 
 std::string Dotted(const AsnObjectIdentifier& oid) {
   std::string text;
-  for (UINT i = 0; i < oid.idLength; ++i) {
-    text += (i == 0 ? "" : ".") + std::to_string(oid.ids[i]);
-  }
+  for (UINT i = 0; i < oid.idLength; ++i) text += (i == 0 ? "" : ".") + std::to_string(oid.ids[i]);
   return text;
 }
 
@@ -136,9 +132,7 @@ HMODULE LoadAgent(const std::string& name, const std::string& keyPath) {
 std::vector<HMODULE> LoadAgents() {
   std::vector<HMODULE> modules;
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kAgentsKey, 0, KEY_READ, &key) != 0) {
-    return modules;
-  }
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kAgentsKey, 0, KEY_READ, &key) != 0) return modules;
   for (const std::string& name : AgentNames(key)) {
     if (const HMODULE module = LoadAgent(name, ReadText(key, name.c_str()))) {
       modules.push_back(module);
@@ -164,9 +158,7 @@ void WINAPI OnControl(DWORD control) {
     return;
   }
   Report(SERVICE_STOP_PENDING);
-  for (const HMODULE module : g_agents) {
-    FreeLibrary(module);
-  }
+  for (const HMODULE module : g_agents) FreeLibrary(module);
   Log("service stopped");
   Report(SERVICE_STOPPED);
   SetEvent(g_stopEvent);
@@ -186,9 +178,7 @@ void WINAPI ServiceMain(DWORD, char**) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    return 2;
-  }
+  if (argc != 2) return 2;
   g_logFile = argv[1];
   g_stopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   char name[] = "SNMP";

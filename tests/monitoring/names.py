@@ -145,7 +145,8 @@ def unlisted(names, project):
 
 
 def documents(project):
-    for path in [project / "README.md", project / "monitoring/README.md", *sorted(project.glob("docs/*.md"))]:
+    paths = [*project.glob("*.md"), project / "monitoring/README.md", *project.glob("docs/*.md")]
+    for path in sorted(path for path in paths if path.name not in SKIPPED):
         yield str(path.relative_to(project)), read(path)
 
 
