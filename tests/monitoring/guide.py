@@ -1,12 +1,12 @@
-"""Holds what the operator's guide and Test-CorvaneAgent.ps1 say against the agent.
+"""Compares the operator's guide and Test-CorvaneAgent.ps1 with the agent.
 
-    guide.py log-lines PROJECT       lines of the log that no source can print
+    guide.py log-lines PROJECT       lines of the guide's log that no source can print
     guide.py script-lines PROJECT    the same for the lines that the script looks for
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
     guide.py alerts GUIDE            alert and waiting time of its table
-    guide.py files PROJECT           files that the guides name and that do not exist
-    guide.py commands SCRIPT         the commands that the script runs
+    guide.py files PROJECT           files that the guides name but that do not exist
+    guide.py commands SCRIPT         commands that the script runs
     guide.py brackets SCRIPT         brackets and quotes of the script that do not match
 """
 
@@ -23,7 +23,7 @@ def read(*path):
 
 
 def printable(project):
-    """One regular expression for each text in the sources, its conversions left open."""
+    """Returns a regular expression for each text in the sources; a conversion matches anything."""
     for folder in SOURCES:
         for source in sorted(pathlib.Path(project, folder).rglob("*.cpp")):
             code = re.sub(r'"\s*\n\s*"', "", read(source))
@@ -43,7 +43,7 @@ def unknown(lines, project):
 def log_lines(project):
     quoted = re.findall(rf"^    [\d:]{{8}}\.\d{{3}}: {LEVELS}: (.*)$", read(project, "docs/operating.md"),
                         re.MULTILINE)
-    assert len(quoted) > 30, "the guide quotes no log"
+    assert len(quoted) > 30, "the guide does not quote the log"
     return unknown([line for _, line in quoted], project)
 
 
@@ -54,7 +54,7 @@ def script_lines(project):
 
 
 def rows(guide, first):
-    """The cells of the table whose first heading is `first`, without backquotes."""
+    """Returns the cells of the table whose first heading is `first`, without backquotes."""
     table = re.search(rf"^\| {first} \|.*\n\|[-|]+\n((?:\|.*\n)+)", read(guide), re.MULTILINE)[1]
     for line in table.splitlines():
         yield [cell.strip().replace("`", "") for cell in line.strip("|").split("|")]
@@ -85,7 +85,7 @@ def files(project):
 
 
 def without_texts(script):
-    """The script's code: no comments, and nothing between quotes."""
+    """Returns the code of the script without comments and without the text between quotes."""
     code = re.sub(r"<#.*?#>", "", script, flags=re.DOTALL)
     code = re.sub(r"^\s*#.*$", "", code, flags=re.MULTILINE)
     code = re.sub(r"'(?:[^'\n]|'')*'", "''", code)
@@ -101,7 +101,7 @@ def commands(path):
 def brackets(path):
     code = without_texts(read(path))
     if "'" in code.replace("''", "") or '"' in code:
-        yield "a quote is left open"
+        yield "a quote is not closed"
     pairs, stack = {")": "(", "]": "[", "}": "{"}, []
     for number, line in enumerate(code.splitlines(), 1):
         for char in line:
