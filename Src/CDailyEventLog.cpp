@@ -59,7 +59,6 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   m_folder = opened;
   m_isStandardOutput = false;
   m_daysToKeep = kDefaultDaysToKeep;
-  m_stoppedForToday = false;
   std::memcpy(m_path, opened.Path().data(), opened.Path().size());
   std::memcpy(m_path + opened.Path().size(), kLogFilePrefix, std::strlen(kLogFilePrefix));
   m_date = m_path + prefixEnd;
@@ -67,27 +66,24 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   return OpenToday();
 }
 
+// The count goes on where logging was stopped today: the warning leaves the file
+// shorter than the limit, so its length would let short pieces in again.
 bool CDailyEventLog::OpenToday() {
   Close();
   const std::int64_t now = m_clock.EpochSeconds();
-  StartDay(m_clock.ToLocal(now));
+  FormatLogDate(m_clock.ToLocal(now), m_date);
   m_file = m_files.OpenForAppend(m_path);
   if (m_file == Platform::kNoFile) return false;
   m_nextRotation = NextLogRotation(m_clock, now);
   if (m_daysToKeep != kKeepAll) {
     m_folder.DeleteOlderThan(m_files, m_nextRotation - std::int64_t{m_daysToKeep} * 86'400);
   }
-  m_bytesToday = m_files.Length(m_file);
+  if (!StoppedToday()) m_bytesToday = m_files.Length(m_file);
   return true;
 }
 
-// Opening the file of the same day again does not lift a stop.
-void CDailyEventLog::StartDay(const Platform::LocalTime& day) noexcept {
-  char date[kLogDateLength];
-  FormatLogDate(day, date);
-  if (std::memcmp(date, m_date, sizeof date) == 0) return;
-  std::memcpy(m_date, date, sizeof date);
-  m_stoppedForToday = false;
+bool CDailyEventLog::StoppedToday() const noexcept {
+  return std::memcmp(m_stoppedDate, m_date, sizeof m_stoppedDate) == 0;
 }
 
 void CDailyEventLog::Close() noexcept {
@@ -97,9 +93,9 @@ void CDailyEventLog::Close() noexcept {
 
 // Kept out of every line's way.
 [[gnu::cold]] void CDailyEventLog::StopForToday() {
-  if (m_stoppedForToday) return;
+  if (StoppedToday()) return;
   m_bytesToday = m_sizeLimit;
-  m_stoppedForToday = true;
+  std::memcpy(m_stoppedDate, m_date, sizeof m_stoppedDate);
   char warning[128];
   const int length = std::snprintf(
       warning, sizeof warning,

@@ -44,9 +44,9 @@ class CDailyEventLog {
   // today's file again, which also deletes files that are now too old.
   void SetDaysToKeep(std::uint32_t days);
 
-  // Bytes that may be written in one day, 0 for no limit. The piece that would
-  // reach the limit and all later ones of that day are dropped; a warning in
-  // the file says so once.
+  // Bytes that may be written in one day, 0 for no limit. The log drops the piece
+  // that would reach the limit and all later pieces of that day, and writes one
+  // warning to the file. Opening the log again on that day changes none of that.
   void SetSizeLimit(std::uint32_t bytes) noexcept;
 
   [[nodiscard]] bool IsOpen() const noexcept { return m_file != Platform::kNoFile; }
@@ -63,7 +63,7 @@ class CDailyEventLog {
   bool OpenFolder(const char* folder);
   bool OpenToday();
   void Close() noexcept;
-  void StartDay(const Platform::LocalTime& day) noexcept;
+  [[nodiscard]] bool StoppedToday() const noexcept;
   void WritePiece(std::string_view piece);
   void StopForToday();
   void Append(std::string_view bytes) noexcept;
@@ -77,7 +77,7 @@ class CDailyEventLog {
   std::uint64_t m_bytesToday = 0;
   std::uint64_t m_sizeLimit = kNoSizeLimit;
 
-  bool m_stoppedForToday = false;
+  char m_stoppedDate[kLogDateLength] = {};  // of the day on which the size limit was reached
   std::uint32_t m_daysToKeep = 0;
   LogFolder m_folder;
   char* m_date = nullptr;           // into m_path; null until the first Open

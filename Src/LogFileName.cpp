@@ -4,7 +4,7 @@
 
 namespace Vask {
 
-void FormatLogDate(const Platform::LocalTime& day, char (&date)[kLogDateLength]) noexcept {
+void FormatLogDate(const Platform::LocalTime& day, char* date) noexcept {
   WriteTwoDigits(date, day.year / 100);
   WriteTwoDigits(date + 2, day.year % 100);
   date[4] = '-';

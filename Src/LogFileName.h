@@ -15,9 +15,9 @@ inline constexpr char kLogFileExtension[] = ".log";
 inline constexpr char kLogFilePattern[] = "Log*.log";
 inline constexpr std::size_t kLogDateLength = 10;
 
-// Writes year, month and day, such as "2018-05-14", without a terminating zero.
-// Years have four digits.
-void FormatLogDate(const Platform::LocalTime& day, char (&date)[kLogDateLength]) noexcept;
+// Writes the kLogDateLength characters of year, month and day, such as
+// "2018-05-14", without a terminating zero. Years have four digits.
+void FormatLogDate(const Platform::LocalTime& day, char* date) noexcept;
 
 // The local midnight that ends the day of `now`; both in seconds since the
 // epoch. Computed as the start of the local day that 24 hours from now lie in:

@@ -25,15 +25,24 @@ std::uint32_t TakeNumber(std::string_view& text, std::uint32_t highest) {
   return value;
 }
 
+// Reads as atoi does: white space, a sign, digits, and then anything. 0 for a
+// negative number and for one over kHighestPort.
+std::uint16_t ParsePort(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+  if (text.starts_with('-')) return 0;
+  if (text.starts_with('+')) text.remove_prefix(1);
+  const std::uint32_t port = TakeNumber(text, kHighestPort);
+  return port <= kHighestPort ? static_cast<std::uint16_t>(port) : std::uint16_t{0};
+}
+
 // 0 when the host is no dotted quad.
 std::uint32_t ParseQuad(std::string_view host) {
   std::uint8_t parts[kParts] = {};
   for (int i = 0; i < kParts; ++i) {
     if (i > 0) {
-      if (host.empty() || host.front() != '.') return 0;
+      if (!host.starts_with('.')) return 0;
       host.remove_prefix(1);
     }
-    if (host.empty() || !IsDigit(host.front())) return 0;
     const std::uint32_t part = TakeNumber(host, kHighestPart);
     if (part > kHighestPart) return 0;
     parts[i] = static_cast<std::uint8_t>(part);
@@ -48,8 +57,7 @@ std::optional<AddressText> ParseAddressText(std::string_view text, std::uint32_t
   const std::size_t colon = text.find(':');
   const std::string_view host = text.substr(0, colon);
   if (colon != std::string_view::npos) {
-    std::string_view digits = text.substr(colon + 1);
-    port = TakeNumber(digits, kHighestPort);
+    port = ParsePort(text.substr(colon + 1));
   }
   if (port == 0 || port > kHighestPort) return std::nullopt;
   AddressText parsed;

@@ -17,11 +17,12 @@ struct AddressText {
   char host[kLongestHostName + 1] = {};  // NUL-terminated; empty with a quad
 };
 
-// Splits an address text at its first colon. The decimal number behind the
-// colon is the port, else `defaultPort` is; a port of 0 or over 65,535 fails.
-// A host of exactly four decimal numbers up to 255, with dots between, is a
-// dotted quad, unless all four are 0. Any other host is a name and fails when
-// it is empty or longer than kLongestHostName. No value on failure.
+// Splits an address text at its first colon. The decimal number behind the colon,
+// read as atoi reads it, is the port; without a colon `defaultPort` is. A port of
+// 0, below 0 or over 65,535 fails. A host of exactly three dots and, around them,
+// decimal numbers of at most 255 is a dotted quad, unless all four are 0; an empty
+// number counts as 0. Any other host is a name and fails if it is empty or longer
+// than kLongestHostName. No value on failure.
 [[nodiscard]] std::optional<AddressText> ParseAddressText(std::string_view text,
                                                           std::uint32_t defaultPort);
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -239,13 +240,35 @@ TEST_F(CDailyEventLogTest, TheNextDayStartsAgainAfterAStop) {
   EXPECT_EQ(Bytes(kTomorrow), std::string("T P x\nT P ") + kStopped50);
 }
 
+// A warning leaves the file shorter than the limit, so its length alone would let
+// short lines in again.
 TEST_F(CDailyEventLogTest, OpeningTheSameDayAgainDoesNotLiftAStop) {
-  log.SetSizeLimit(50);
-  ASSERT_TRUE(log.Open("C:\\logs"));
-  Write(std::string(60, 'l').c_str());
-  log.SetDaysToKeep(10);
-  Write("x\n");
-  EXPECT_EQ(Bytes(kToday), std::string("T P ") + kStopped50);
+  constexpr char kStopped1000[] =
+      "\nWARNING: File size limit of 1000 bytes reached! Logging stopped until next day.\n\n";
+  const struct {
+    const char* name;
+    std::function<void()> openAgain;
+  } rows[] = {
+      {"SetDaysToKeep", [this] { log.SetDaysToKeep(10); }},
+      {"Open of the same folder", [this] { ASSERT_TRUE(log.Open("C:\\logs")); }},
+      {"Open of the same folder after stdout",
+       [this] {
+         ASSERT_TRUE(log.Open("stdout"));
+         ASSERT_TRUE(log.Open("C:\\logs\\"));
+       }},
+  };
+  log.SetSizeLimit(1000);
+  for (const auto& row : rows) {
+    clock.Advance(kDayMs);
+    const std::string path =
+        "C:\\logs\\Log2018-05-" + std::to_string(clock.LocalNow().day) + ".log";
+    ASSERT_TRUE(log.Open("C:\\logs"));
+    Write(std::string(1000, 'l').c_str());
+    row.openAgain();
+    Write("x\n");
+    Write(std::string(1000, 'l').c_str());
+    EXPECT_EQ(Bytes(path), std::string("T P ") + kStopped1000) << row.name;
+  }
 }
 
 TEST_F(CDailyEventLogTest, WithoutALimitNothingStops) {

@@ -38,6 +38,7 @@ inline void FillNames(FaultySockets& sockets) {
   sockets.names["machine"] = NetworkOrder(192, 0, 2, 2);
   sockets.names["0.0.0.0"] = NetworkOrder(192, 0, 2, 3);
   sockets.names["10.0.0.256"] = NetworkOrder(192, 0, 2, 4);
+  sockets.names["..."] = NetworkOrder(192, 0, 2, 9);
   sockets.names["10.0.0"] = NetworkOrder(192, 0, 2, 5);
   sockets.names["10.0.0.5.6"] = NetworkOrder(192, 0, 2, 6);
   sockets.names[std::string(79, 'h')] = NetworkOrder(192, 0, 2, 7);

@@ -25,6 +25,8 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, InetAddress2Texts,
     testing::Values(AddressRow{"QuadHasTheSyslogPort", "10.0.0.5", "10.0.0.5:514", ""},
                     AddressRow{"QuadWithPort", "10.0.0.5:5514", "10.0.0.5:5514", ""},
+                    AddressRow{"EmptyPartReadsZero", "10..0.5", "10.0.0.5:514", ""},
+                    AddressRow{"PortAfterBlankAndPlus", "10.0.0.5: +600", "10.0.0.5:600", ""},
                     AddressRow{"PortZero", "10.0.0.5:0", "", ""},
                     AddressRow{"PortMissingAfterColon", "10.0.0.5:", "", ""},
                     AddressRow{"PortHighest", "10.0.0.5:65535", "10.0.0.5:65535", ""},
