@@ -105,8 +105,9 @@ bool JsonSocket::RunOneRound() {
   }
 }
 
-// True with a connection, false when it is time to stop.
-// An attempt that throws has failed, and the next one waits as after any other.
+// True with a connection, false if the reader must stop. An exception of
+// OnConnecting or OnConnected leaves m_waitedMs at 0, so the next attempt waits as
+// after any failure.
 bool JsonSocket::ConnectUntilStopped() {
   while (IsRunning()) {
     if (m_waitedMs >= kRetryMs) {

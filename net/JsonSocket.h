@@ -25,12 +25,12 @@ class IOnJsonMessageText;
 // connected and carries framed JSON texts both ways (FrameReader, FrameWriter).
 // It is no parser: what it receives it hands on as text.
 //
-// Its reader thread connects at once and, after a failure, every kRetryMs;
-// reads the stream byte by byte; and calls the listener, the events and, for
-// faults of the stream, the error sink. A fault of the stream or the end of the
-// connection is followed by a new attempt at once; so is an exception of the
-// listener or of OnConnected, which is reported as
-// "Vask::JsonSocket::Run: exception!".
+// The reader thread connects at once and, after a failed attempt, every kRetryMs.
+// It reads the stream byte by byte and calls the listener, the events and, for
+// faults of the stream, the error sink. After the end of a connection, a fault of
+// the stream or an exception of the listener it connects again at once; after an
+// exception of OnConnecting or OnConnected it waits kRetryMs. It reports an
+// exception as "Vask::JsonSocket::Run: exception!".
 //
 // The owner's thread sets it up, opens, stops and destroys it. OnJsonMessage,
 // RequestStop, GetState and IsRunning may be called from any thread.

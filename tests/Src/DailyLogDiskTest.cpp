@@ -147,13 +147,13 @@ TEST_F(DailyLogDiskTest, AFileThatIsRemovedWhileOpenTakesItsDayAlongAndNoOther) 
   EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("next day"));
 }
 
-// Runs the program beside this one that writes lines to the log in a folder, and
-// answers its exit status.
-int RunLogWriter(const TempFolder& folder, const char* word) {
+// Runs the program beside this one that writes lines to the log of this name.
+// `rest` is what the command says besides. Returns the program's exit status.
+int RunLogWriter(const std::string& log, const std::string& rest) {
   const fs::path self = testing::internal::GetInjectableArgvs().at(0);
   const fs::path writer =
       self.parent_path() / fs::path("log_writer").replace_extension(self.extension());
-  std::string command = '"' + writer.string() + "\" \"" + folder.Path() + "\" " + word + " 300";
+  std::string command = '"' + writer.string() + "\" \"" + log + "\" " + rest;
 #if defined(_WIN32)
   command = '"' + command + '"';  // cmd takes the outermost quotes away
 #endif
@@ -184,7 +184,7 @@ TEST_F(DailyLogDiskTest, TwoProcessesHaveTheFileOpenAndEachAppendsBehindTheOther
   DailyLog mine;
   ASSERT_TRUE(mine.Open(folder.Path().c_str()));
   mine.Info("before\n");
-  EXPECT_EQ(RunLogWriter(folder, "other"), 0);
+  EXPECT_EQ(RunLogWriter(folder.Path(), "other 300"), 0);
   mine.Info("after\n");
   const std::string bytes = AllBytes(folder);
   const std::string end = TempFolder::kLineEnd;
@@ -194,14 +194,25 @@ TEST_F(DailyLogDiskTest, TwoProcessesHaveTheFileOpenAndEachAppendsBehindTheOther
   EXPECT_EQ(bytes.size(), 302 * (kTimeStampLength + 6 + end.size()) + 300 * 5 + 6 + 5);
 }
 
+TEST_F(DailyLogDiskTest, ALogNamedStdoutWritesToTheStandardOutputOfTheProcess) {
+  const std::string output = (folder.NativePath() / "output.txt").string();
+  EXPECT_EQ(RunLogWriter("stdout", "word 2 > \"" + output + '"'), 0);
+  const std::string bytes = folder.Bytes("output.txt");
+  const std::string line = std::string("Info: word") + TempFolder::kLineEnd;
+  EXPECT_EQ(bytes.find(line), kTimeStampLength);
+  EXPECT_EQ(CountOf(bytes, line), 2u);
+  EXPECT_EQ(bytes.size(), 2 * (kTimeStampLength + line.size()));
+  EXPECT_FALSE(fs::exists("stdout")) << "it is no folder";
+}
+
 #if !defined(_WIN32)
 // Not under Wine, whose appending looks for the end and then writes there, with
 // time between for another process (seen: one piece in 30 runs written over).
 // NTFS appends in one step, as POSIX systems do.
 TEST_F(DailyLogDiskTest, TwoProcessesAppendAtTheSameTimeAndLoseNothing) {
   int firstStatus = -1;
-  std::thread first([&] { firstStatus = RunLogWriter(folder, "first"); });
-  const int secondStatus = RunLogWriter(folder, "second");
+  std::thread first([&] { firstStatus = RunLogWriter(folder.Path(), "first 300"); });
+  const int secondStatus = RunLogWriter(folder.Path(), "second 300");
   first.join();
   EXPECT_EQ(firstStatus, 0);
   EXPECT_EQ(secondStatus, 0);

@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/ForwardingThreading.h"
 #include "tests/support/ScriptedThreading.h"
@@ -254,6 +255,25 @@ TEST_F(TimerServiceTest, DecisionsAndReplacementsExcludeEachOther) {
   replacing.join();
   EXPECT_EQ(generation, kRounds);
   EXPECT_EQ(service.Step(), 1'000u) << "the last replacement's timer is never killed";
+}
+
+TEST_F(TimerServiceTest, TimersThatAreKilledOrReplacedLeaveTheirMemoryToTheNext) {
+  const auto nothing = [](void*) {};
+  const auto always = [](void*) { return true; };
+  const auto round = [&] {
+    for (int i = 0; i < 32; ++i) {  // as many as a block holds
+      service.SetTimer(10, &a);
+      service.KillTimer(&a);
+      service.SetTimer(10, &a);
+      service.KillTimerIf(&a, always, nullptr);
+      service.ReplaceTimerAnd(10, &a, nothing, nullptr);
+    }
+    service.KillTimer(&a);
+  };
+  round();
+  const std::uint64_t before = Allocations();
+  for (int i = 0; i < 10; ++i) round();
+  EXPECT_EQ(Allocations() - before, 0u);
 }
 
 TEST_F(TimerServiceTest, MoreTimersThanABlockHoldsAllCome) {
