@@ -90,7 +90,7 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   IListener* ListenerAt(std::size_t index) VASK_EXCLUDES(m_lock);
 
   // What every line looks at stands together.
-  Platform::CriticalSection m_lock;
+  Platform::CriticalSection m_lock{Platform::LockRank::DailyLog};
   const std::uint32_t m_levelMask;
   bool m_consoleEcho VASK_GUARDED_BY(m_lock) = false;
   Platform::Clock& m_clock;

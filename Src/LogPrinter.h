@@ -92,7 +92,7 @@ class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogP
   void RememberError(const char* text) noexcept;
 
   std::atomic<IDailyLog*> m_target{nullptr};
-  mutable Platform::CriticalSection m_lastErrorLock;
+  mutable Platform::CriticalSection m_lastErrorLock{Platform::LockRank::LastError};
   char m_lastError[kLastErrorCapacity] VASK_GUARDED_BY(m_lastErrorLock) = "No error";
   std::atomic<bool> m_console{true};
   std::atomic<bool> m_compact{false};

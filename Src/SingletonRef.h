@@ -31,7 +31,7 @@ void RegisterSingleton(SingletonLink& link) noexcept;
 // that nothing of it runs while the module is loaded or after its hook.
 template <class T>
 struct SingletonSlot {
-  Platform::CriticalSection lock;
+  Platform::CriticalSection lock{Platform::LockRank::Singleton};
   std::atomic<T*> instance{nullptr};
   SingletonLink link;
   alignas(T) unsigned char storage[sizeof(T)] = {};

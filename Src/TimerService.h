@@ -80,7 +80,7 @@ class TimerService final : private ThreadClass, public Thread::SingletonRef<Time
   void RemoveAll(ITimerServiceClient* client) VASK_REQUIRES(m_lock);
   std::uint32_t WaitFrom(std::uint64_t nowMs) const VASK_REQUIRES(m_lock);
 
-  Platform::CriticalSection m_lock;
+  Platform::CriticalSection m_lock{Platform::LockRank::TimerService};
   Platform::Event m_wake;
   TimerNodeStore m_nodes VASK_GUARDED_BY(m_lock);
   TimerNode* m_first VASK_GUARDED_BY(m_lock) = nullptr;  // by due time, earliest first

@@ -49,7 +49,7 @@ struct MIB_ENTRY {
   std::uint32_t m_capacity = 0;  // STRING only, the terminating zero included
   MIB_ENTRY* m_next = nullptr;   // who follows in the walk, as given at registration
   std::string m_name;
-  Vask::Platform::CriticalSection m_lock;
+  Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::SequenceRows};
   std::vector<Row> m_rows VASK_GUARDED_BY(m_lock);  // SEQUENCE only
 };
 

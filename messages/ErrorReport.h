@@ -52,7 +52,8 @@ class ErrorReport {
   // for the lock, so that the reference is taken before it gives up its own.
   std::atomic<Vask::Json*> m_current{nullptr};
   std::atomic<bool> m_reporting{false};
-  Vask::Platform::CriticalSection m_reportingLock;  // never held during a call
+  // Never held during a call.
+  Vask::Platform::CriticalSection m_reportingLock{Vask::Platform::LockRank::ErrorReport};
 };
 
 }  // namespace Messages

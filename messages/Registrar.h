@@ -123,7 +123,7 @@ class Registrar final : public Vask::IOnJsonMessageText,
   std::atomic<Vask::IOnJsonMessage*> m_sender{nullptr};
   std::atomic<FromText*> m_from{nullptr};  // newest first
   Vask::ValueMemory m_memory;              // of the values of the text; for its thread alone
-  Vask::Platform::CriticalSection m_lock;
+  Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::Registrar};
   HandlerList m_lists[kCatalogueSize] VASK_GUARDED_BY(m_lock);
 };
 

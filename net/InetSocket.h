@@ -58,7 +58,7 @@ class InetSocket {
  private:
   // Keeps Shutdown from reaching a handle that was closed and that the system
   // may have given to somebody else. Held over nothing that blocks.
-  Platform::CriticalSection m_handleLock;
+  Platform::CriticalSection m_handleLock{Platform::LockRank::LinkHandle};
   std::atomic<Platform::SocketHandle> m_handle{Platform::kInvalidSocket};
   bool m_connected VASK_GUARDED_BY(m_handleLock) = false;
 };

@@ -12,7 +12,6 @@
 #include "platform/CriticalSection.h"
 #include "platform/Event.h"
 #include "platform/Sockets.h"
-#include "platform/ThreadAnnotations.h"
 #include "platform/Threading.h"
 
 namespace Vask {
@@ -115,7 +114,7 @@ class JsonSocket : private ThreadClass, public IOnJsonMessage {
   // Keeps whole frames whole, and the socket's handle in place while one is
   // being sent. Nothing is called back under it. Whoever wants it from a sender
   // that a peer keeps waiting shuts the socket down first, which needs no lock.
-  Platform::CriticalSection m_sendLock;
+  Platform::CriticalSection m_sendLock{Platform::LockRank::LinkSending};
   bool m_sendable VASK_GUARDED_BY(m_sendLock) = false;
 };
 
