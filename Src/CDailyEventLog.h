@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "Src/LogFileName.h"
 #include "Src/LogFolder.h"
 #include "platform/Clock.h"
 #include "platform/Files.h"

@@ -7,7 +7,6 @@
 #include "Src/CDailyEventLog.h"
 #include "Src/IDailyLog.h"
 #include "Src/LogHead.h"
-#include "Src/LogLevel.h"
 #include "Src/MessageHistory.h"
 #include "Src/SingletonRef.h"
 #include "Src/SyslogSender.h"

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Src/TimeStamp.h"
+#include "Src/LogHead.h"
 
 namespace Vask {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "Src/TimerService.h"
 #include "agent/MyConnectNotify.h"
 #include "agent/SNMPExtensionAgent.h"
@@ -14,7 +14,7 @@
 #include "fuzz/FuzzInput.h"
 #include "json/Json.h"
 #include "messages/Registrar.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/RecordingLog.h"
 

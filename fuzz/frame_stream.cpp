@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fuzz/FuzzInput.h"
-#include "net/FrameReader.h"
+#include "net/Framing.h"
 #include "tests/support/LinkRecorders.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Src/DailyLog.h"
-#include "Src/SyslogDatagram.h"
+#include "Src/SyslogSender.h"
 #include "fuzz/FuzzInput.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"

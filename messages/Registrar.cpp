@@ -24,7 +24,7 @@
 #include "messages/SNMPtrap.h"
 #include "messages/UpdateGlobalOptions.h"
 #include "messages/UpdateGlobalOptions2.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 
 namespace Messages {
 

@@ -10,7 +10,7 @@
 #include "json/ValueMemory.h"
 #include "messages/Catalogue.h"
 #include "messages/HandlerList.h"
-#include "net/IOnJsonMessageText.h"
+#include "net/LinkInterfaces.h"
 #include "platform/CriticalSection.h"
 
 namespace Vask {

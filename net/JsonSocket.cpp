@@ -2,10 +2,10 @@
 
 #include <limits>
 
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
-#include "net/FaultReport.h"
-#include "net/FrameWriter.h"
-#include "net/IJsonSocketEvents.h"
+#include "net/Framing.h"
+#include "net/LinkInterfaces.h"
 
 namespace Vask {
 
@@ -48,7 +48,7 @@ void JsonSocket::SetErrorSink(IOnError* sink) {
 
 bool JsonSocket::OpenThread() {
   if (Start()) return true;
-  ReportFault(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
+  IOnError::Report(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
   if (!HasThread()) {
     m_running.store(false, std::memory_order_relaxed);
     CloseSocket();
@@ -100,7 +100,7 @@ bool JsonSocket::RunOneRound() {
     if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) return true;
     return ReadOneByte();
   } catch (...) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::Run: exception!");
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::Run: exception!");
     return false;
   }
 }
@@ -168,7 +168,7 @@ void JsonSocket::SetSendable() {
 
 bool JsonSocket::OnJsonMessage(Json* message) {
   if (message == nullptr) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::OnJsonMessageNull message");
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::OnJsonMessageNull message");
     return false;
   }
   std::string body;

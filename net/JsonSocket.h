@@ -5,9 +5,9 @@
 #include <string>
 
 #include "Src/ThreadClass.h"
-#include "net/FrameReader.h"
-#include "net/IOnJsonMessage.h"
-#include "net/InetSocketConnector.h"
+#include "net/Framing.h"
+#include "net/InetSocket.h"
+#include "net/LinkInterfaces.h"
 #include "platform/Clock.h"
 #include "platform/CriticalSection.h"
 #include "platform/Event.h"

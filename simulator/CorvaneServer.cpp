@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/Text.h"
 
 namespace Simulator {

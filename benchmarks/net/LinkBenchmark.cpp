@@ -17,10 +17,10 @@
 #include <string>
 #include <thread>
 
-#include "net/FrameWriter.h"
-#include "net/IOnJsonMessageText.h"
-#include "net/InetSocketConnector.h"
+#include "net/Framing.h"
+#include "net/InetSocket.h"
 #include "net/JsonSocket.h"
+#include "net/LinkInterfaces.h"
 #include "platform/ListeningSocket.h"
 #include "platform/Sockets.h"
 

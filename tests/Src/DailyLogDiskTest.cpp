@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "Src/DailyLog.h"
+#include "Src/LogHead.h"
 #include "Src/LogPrinter.h"
-#include "Src/TimeStamp.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"

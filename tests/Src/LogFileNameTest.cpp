@@ -1,4 +1,4 @@
-#include "Src/LogFileName.h"
+#include "Src/LogFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Src/TimeStamp.h"
+#include "Src/LogHead.h"
 
 #include <gtest/gtest.h>
 

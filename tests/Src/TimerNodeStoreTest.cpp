@@ -1,4 +1,4 @@
-#include "Src/TimerNodeStore.h"
+#include "Src/TimerService.h"
 
 #include <gtest/gtest.h>
 

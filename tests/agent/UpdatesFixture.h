@@ -9,7 +9,7 @@
 #include "agent/VariableUpdates.h"
 #include "json/Json.h"
 #include "messages/Registrar.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/agent/AgentFixture.h"
 #include "tests/agent/TakenTrap.h"
 

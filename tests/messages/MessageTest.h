@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"

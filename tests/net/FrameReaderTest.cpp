@@ -1,4 +1,4 @@
-#include "net/FrameReader.h"
+#include "net/Framing.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "net/FrameWriter.h"
-#include "net/IOnJsonMessageText.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/LinkRecorders.h"
 

@@ -1,4 +1,4 @@
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "net/InetAddress2.h"
+#include "net/InetAddress.h"
 
 #include <gtest/gtest.h>
 

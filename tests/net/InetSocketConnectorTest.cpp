@@ -1,4 +1,4 @@
-#include "net/InetSocketConnector.h"
+#include "net/InetSocket.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "net/InetSocketConnector.h"
 #include "tests/support/FaultySockets.h"
 #include "tests/support/RecordingLog.h"
 

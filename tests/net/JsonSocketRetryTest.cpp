@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "net/IJsonSocketEvents.h"
 #include "net/JsonSocket.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
 #include "tests/support/ForwardingClock.h"

@@ -8,7 +8,7 @@
 
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "net/JsonSocket.h"
 #include "simulator/CorvaneServer.h"
 #include "tests/support/LinkRecorders.h"

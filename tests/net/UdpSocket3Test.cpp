@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "net/InetAddress2.h"
+#include "net/InetAddress.h"
 #include "tests/support/FaultySockets.h"
 
 namespace Vask::Tests {
