@@ -36,7 +36,7 @@ bool CDailyEventLog::Open(const char* folder) {
 void CDailyEventLog::SetDaysToKeep(std::uint32_t days) {
   m_daysToKeep = days;
   if (m_isStandardOutput || m_date == nullptr) return;
-  (void)OpenToday();
+  static_cast<void>(OpenToday());
 }
 
 void CDailyEventLog::SetSizeLimit(std::uint32_t bytes) noexcept {
@@ -55,7 +55,7 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   const LogFolder opened(folder);
   const std::size_t prefixEnd = opened.Path().size() + std::strlen(kLogFilePrefix);
   if (prefixEnd + kLogDateLength + sizeof kLogFileExtension > kPathCapacity) return false;
-  (void)CFileName2::CreateFolders(folder, m_files);  // opening the file tells
+  static_cast<void>(CFileName2::CreateFolders(folder, m_files));  // OpenToday fails if this did
   m_folder = opened;
   m_isStandardOutput = false;
   m_daysToKeep = kDefaultDaysToKeep;
@@ -91,7 +91,7 @@ void CDailyEventLog::Close() noexcept {
   m_file = Platform::kNoFile;
 }
 
-// Kept out of every line's way.
+// Cold path: keep it out of the inlined code.
 [[gnu::cold]] void CDailyEventLog::StopForToday() {
   if (StoppedToday()) return;
   m_bytesToday = m_sizeLimit;

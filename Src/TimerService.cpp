@@ -33,7 +33,7 @@ TimerNode* TimerNodeStore::Take() {
   return node;
 }
 
-void TimerNodeStore::GiveBack(TimerNode* node) noexcept {
+void TimerNodeStore::PutBack(TimerNode* node) noexcept {
   node->next = m_free;
   m_free = node;
 }
@@ -43,7 +43,7 @@ void TimerNodeStore::AddBlock() {
   block->next = m_blocks;
   m_blocks = block;
   ++m_blockCount;
-  for (std::uint32_t i = kNodesPerBlock; i > 0; --i) GiveBack(&block->nodes[i - 1]);
+  for (std::uint32_t i = kNodesPerBlock; i > 0; --i) PutBack(&block->nodes[i - 1]);
 }
 
 TimerService::TimerService(Platform::Clock& clock, Platform::Threading& threading)
@@ -175,7 +175,7 @@ void TimerService::RemoveUnnamed(ITimerServiceClient* client) {
   TimerNode* const node = *link;
   if (node == nullptr) return;
   *link = node->next;
-  m_nodes.GiveBack(node);
+  m_nodes.PutBack(node);
 }
 
 void TimerService::RemoveAll(ITimerServiceClient* client) {
@@ -183,7 +183,7 @@ void TimerService::RemoveAll(ITimerServiceClient* client) {
   while (TimerNode* const node = *link) {
     if (node->client == client) {
       *link = node->next;
-      m_nodes.GiveBack(node);
+      m_nodes.PutBack(node);
     } else {
       link = &node->next;
     }

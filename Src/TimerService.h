@@ -46,9 +46,9 @@ class TimerNodeStore {
   TimerNodeStore& operator=(const TimerNodeStore&) = delete;
 
   // Returns a node with any contents. The store owns it; the caller may use it until
-  // it calls GiveBack. Throws std::bad_alloc if there is no memory for a block.
+  // it calls PutBack. Throws std::bad_alloc if there is no memory for a block.
   [[nodiscard]] TimerNode* Take();
-  void GiveBack(TimerNode* node) noexcept;
+  void PutBack(TimerNode* node) noexcept;
 
   [[nodiscard]] std::uint32_t BlockCount() const noexcept { return m_blockCount; }
 

@@ -4,8 +4,7 @@
 
 namespace Vask {
 
-// A thread that was started and its handle, which is closed with this object;
-// the thread itself goes on.
+// A thread and its handle. The destructor closes the handle; the thread goes on.
 class Win32Task {
  public:
   // Starts the thread. Check Valid().
@@ -14,10 +13,10 @@ class Win32Task {
   Win32Task(const Win32Task&) = delete;
   Win32Task& operator=(const Win32Task&) = delete;
 
-  // False when no thread could be created.
+  // False if no thread could be created.
   [[nodiscard]] bool Valid() const noexcept;
 
-  // Stays owned by this object.
+  // This object keeps the ownership.
   [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle; }
 
  private:

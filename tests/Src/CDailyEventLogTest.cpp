@@ -108,7 +108,7 @@ TEST_F(CDailyEventLogTest, AFailedRotationLeavesTheLogWithoutAFileUntilItIsOpene
   EXPECT_EQ(Bytes(kTomorrow), "T P x\n");
 }
 
-TEST_F(CDailyEventLogTest, AFolderThatVanishesFailsTheRotationAndComesBackWithOpen) {
+TEST_F(CDailyEventLogTest, AFolderThatVanishesFailsTheRotationAndIsCreatedByOpen) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   files.folders.erase("C:\\logs");
   files.files.clear();
@@ -204,7 +204,7 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepBeforeOpenOpensNothingAndOpenKeeps30Days
 constexpr char kStopped50[] =
     "\nWARNING: File size limit of 50 bytes reached! Logging stopped until next day.\n\n";
 
-TEST_F(CDailyEventLogTest, ThePieceThatReachesTheLimitAndAllLaterOnesAreDropped) {
+TEST_F(CDailyEventLogTest, ThePieceThatExceedsTheLimitAndAllLaterOnesAreDropped) {
   log.SetSizeLimit(50);
   ASSERT_TRUE(log.Open("C:\\logs"));
   const std::string fits(49 - 4, 'f');
@@ -221,7 +221,7 @@ TEST_F(CDailyEventLogTest, APieceThatJustReachesTheLimitIsDropped) {
   EXPECT_EQ(Bytes(kToday), std::string("T P ") + kStopped50);
 }
 
-TEST_F(CDailyEventLogTest, WhatTheFileHeldBeforeCounts) {
+TEST_F(CDailyEventLogTest, TheBytesAlreadyInTheFileCount) {
   files.files[kToday].bytes = std::string(49, 'b');
   log.SetSizeLimit(50);
   ASSERT_TRUE(log.Open("C:\\logs"));
@@ -333,7 +333,7 @@ TEST_F(CDailyEventLogTest, AFolderIsTooLongWhenTheFilesPathDoesNotFit) {
   EXPECT_TRUE(files.files.contains(longest + "\\Log2018-05-14.log"));
   EXPECT_FALSE(log.Open((longest + "d").c_str()));
   EXPECT_FALSE(log.Open(std::string(100'000, 'd').c_str()));
-  EXPECT_FALSE(files.folders.contains(longest + "d")) << "nothing is made for it";
+  EXPECT_FALSE(files.folders.contains(longest + "d")) << "no folder is created";
   EXPECT_FALSE(log.IsOpen());
 }
 

@@ -49,7 +49,7 @@ TEST(LogFileNameTest, TheNextRotationIsTheNextLocalMidnight) {
   }
 }
 
-// Twenty-four hours on is not always tomorrow: the rule is followed all the same.
+// In 24 hours it is not always tomorrow. The log follows the rule all the same.
 TEST(LogFileNameTest, OnDaysOf23And25HoursTheRotationFollowsTheRule) {
   const struct {
     const char* name;
@@ -109,7 +109,7 @@ TEST_F(LogFolderTest, EnumeratesLogFilesWithNameAndPath) {
                                 "Log2018-05-14.log|C:\\logs\\Log2018-05-14.log"}));
 }
 
-TEST_F(LogFolderTest, EnumerationStopsWhenItIsToldTo) {
+TEST_F(LogFolderTest, EnumerationStopsWhenTheCallbackReturnsFalse) {
   visit.stopAfter = 1;
   EXPECT_FALSE(folder.Enumerate(files, &Visit::Note, &visit));
   EXPECT_EQ(visit.lines.size(), 1u);

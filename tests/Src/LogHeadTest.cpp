@@ -56,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, LogHeads,
                                          LevelRow{"Trace", LogLevel::Trace, "TRACE: "}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// The rows follow one another on one maker.
+// All rows use the same maker, one after the other.
 TEST(LogHeadMakerTest, MakesAHeadAnewForEveryOtherTimeAndLevel) {
   const struct {
     const char* name;
@@ -84,7 +84,7 @@ TEST(LogHeadMakerTest, MakesAHeadAnewForEveryOtherTimeAndLevel) {
     EXPECT_EQ(heads.Make(row.time, row.level).Both(), row.head) << row.name;
 }
 
-// A clock that fails says so.
+// A clock that fails returns a time of zeros.
 TEST(LogHeadMakerTest, ATimeOfZerosHasItsHeadFromTheStart) {
   LogHeadMaker heads;
   EXPECT_EQ(heads.Make({}, LogLevel::Info).Both(), "00:00:00.000: Info: ");

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
                     WriterRow{"ZeroByte", std::string("\0", 1), std::string("1#\0", 3)}),
     [](const auto& row) { return std::string(row.param.name); });
 
-// A reader with a connection, and what came out of it.
+// A reader with a connection, and what it delivered.
 class FrameReaderTest : public testing::Test {
  protected:
   FrameReaderTest() {
@@ -50,7 +50,7 @@ class FrameReaderTest : public testing::Test {
     m_reader.Begin();
   }
 
-  // Feeds until the reader refuses a byte; true when it took them all.
+  // Feeds until the reader refuses a byte. Returns true if it took all.
   bool Feed(std::string_view bytes) {
     for (const char byte : bytes) {
       if (!m_reader.ProcessByte(byte)) return false;
@@ -98,7 +98,7 @@ TEST_F(FrameReaderTest, LeadingZerosOfALengthDoNotMatter) {
   EXPECT_EQ(Bodies(), Texts{"abc"});
 }
 
-TEST_F(FrameReaderTest, BodyIsHandedOverUpToItsFirstZeroByte) {
+TEST_F(FrameReaderTest, BodyIsPassedOnUpToItsFirstZeroByte) {
   EXPECT_TRUE(Feed(std::string_view("3#a\0b", 5)));
   EXPECT_EQ(Bodies(), Texts{"a"});
 }
@@ -130,7 +130,7 @@ void PrintTo(const FaultRow& row, std::ostream* out) {
 
 class FrameFaultTest : public FrameReaderTest, public testing::WithParamInterface<FaultRow> {};
 
-TEST_P(FrameFaultTest, LastByteIsRefusedWithItsText) {
+TEST_P(FrameFaultTest, LastByteIsRefusedAndReported) {
   const FaultRow& row = GetParam();
   EXPECT_TRUE(Feed(std::string_view(row.bytes).substr(0, row.bytes.size() - 1)));
   EXPECT_FALSE(m_reader.ProcessByte(row.bytes.back()));
@@ -185,7 +185,7 @@ TEST_F(FrameReaderTest, UnexpectedZeroByteEndsTheReportedText) {
   EXPECT_EQ(Faults(), Texts{"Vask::JsonSocket::ProcessByteUnexpected char '"});
 }
 
-TEST_F(FrameReaderTest, UnexpectedCharForgetsTheLengthSoFar) {
+TEST_F(FrameReaderTest, UnexpectedCharDropsTheLengthSoFar) {
   EXPECT_FALSE(Feed("12a"));
   EXPECT_TRUE(Feed("1#b"));
   EXPECT_EQ(Bodies(), Texts{"b"});
@@ -203,13 +203,13 @@ TEST_F(FrameReaderTest, SizeWrapsAtThirtyTwoBits) {
   EXPECT_EQ(Bodies(), Texts{"abc"});
 }
 
-TEST_F(FrameReaderTest, LargestSizeIsTaken) {
+TEST_F(FrameReaderTest, LargestSizeIsAccepted) {
   EXPECT_TRUE(Feed("2147483647#abc"));
   EXPECT_EQ(Faults(), Texts{});
   EXPECT_EQ(m_reader.GetState(), FrameReader::kReadingBody);
 }
 
-TEST_F(FrameReaderTest, MessageThatNeverCompletesIsForgottenWithItsConnection) {
+TEST_F(FrameReaderTest, IncompleteMessageIsDroppedWithItsConnection) {
   EXPECT_TRUE(Feed("100#only this much"));
   m_reader.End();
   m_reader.Begin();
@@ -218,7 +218,7 @@ TEST_F(FrameReaderTest, MessageThatNeverCompletesIsForgottenWithItsConnection) {
   EXPECT_EQ(Faults(), Texts{});
 }
 
-TEST_F(FrameReaderTest, LengthThatNeverCompletesIsForgottenWithItsConnection) {
+TEST_F(FrameReaderTest, IncompleteLengthIsDroppedWithItsConnection) {
   EXPECT_TRUE(Feed("99"));
   m_reader.End();
   m_reader.Begin();
@@ -226,13 +226,13 @@ TEST_F(FrameReaderTest, LengthThatNeverCompletesIsForgottenWithItsConnection) {
   EXPECT_EQ(Bodies(), Texts{"a"});
 }
 
-TEST_F(FrameReaderTest, MemoryFollowsWhatCameNotWhatWasAnnounced) {
+TEST_F(FrameReaderTest, MemoryGrowsWithReceivedBytesNotWithTheAnnouncedLength) {
   EXPECT_TRUE(Feed("2147483647#"));
   EXPECT_TRUE(Feed(std::string(1000, 'x')));
   EXPECT_LE(m_reader.BodyCapacity(), 4096u);
 }
 
-TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsGivenBack) {
+TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsFreed) {
   std::string frame;
   AppendFrame(frame, std::string(4 * FrameReader::kKeptBodyBytes, 'x'));
   EXPECT_TRUE(Feed(frame));
@@ -240,7 +240,7 @@ TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsGivenBack) {
   EXPECT_LE(m_reader.BodyCapacity(), FrameReader::kKeptBodyBytes);
 }
 
-TEST_F(FrameReaderTest, MemoryOfAHugeUnfinishedMessageIsGivenBack) {
+TEST_F(FrameReaderTest, MemoryOfAHugeIncompleteMessageIsFreed) {
   EXPECT_TRUE(Feed("2147483647#" + std::string(4 * FrameReader::kKeptBodyBytes, 'x')));
   m_reader.End();
   EXPECT_LE(m_reader.BodyCapacity(), FrameReader::kKeptBodyBytes);
@@ -251,7 +251,7 @@ TEST_F(FrameReaderTest, MemoryOfAnOrdinaryMessageIsKept) {
   EXPECT_GE(m_reader.BodyCapacity(), 1000u);
 }
 
-TEST_F(FrameReaderTest, FramesOfAUsualSizeCostNoMemoryOnceOneHasCome) {
+TEST_F(FrameReaderTest, FramesOfTheUsualSizeAllocateNothingAfterTheFirst) {
   class Counting final : public IOnJsonMessageText {
    public:
     bool OnJsonMessageText(const char*) override { return ++count > 0; }

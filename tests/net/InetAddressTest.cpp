@@ -12,7 +12,7 @@
 namespace Vask::Tests {
 namespace {
 
-// One text for an address class: what it means, and what had to be looked up.
+// One text for an address class, its meaning, and the look-ups that it needs.
 struct AddressRow {
   const char* name;
   std::string text;
@@ -35,7 +35,7 @@ std::uint32_t NetworkOrder(std::uint8_t a, std::uint8_t b, std::uint8_t c, std::
   return address;
 }
 
-// Where the rows' names lead.
+// The addresses of the rows' names.
 void FillNames(FaultySockets& sockets) {
   sockets.names["corvane"] = NetworkOrder(192, 0, 2, 1);
   sockets.names["machine"] = NetworkOrder(192, 0, 2, 2);
@@ -48,7 +48,7 @@ void FillNames(FaultySockets& sockets) {
   sockets.names[std::string(80, 'h')] = NetworkOrder(192, 0, 2, 8);
 }
 
-// What was looked up, one name after the other.
+// The names that were looked up, in order.
 std::string LookedUp(const FaultySockets& sockets) {
   std::string names;
   for (const std::string& call : sockets.calls) {

@@ -31,7 +31,7 @@ class InetSocketTest : public testing::Test {
 
 struct SendRow {
   const char* name;
-  std::vector<int> results;  // what the system's send answers, call by call
+  std::vector<int> results;  // what the system's send returns, call by call
   bool wouldBlock;
   std::int32_t sent;
   std::vector<std::string> calls;
@@ -43,7 +43,7 @@ void PrintTo(const SendRow& row, std::ostream* out) {
 
 class InetSocketSends : public InetSocketTest, public testing::WithParamInterface<SendRow> {};
 
-TEST_P(InetSocketSends, AnswersWhatWentOut) {
+TEST_P(InetSocketSends, ReturnTheNumberOfBytesSent) {
   Connect();
   sockets.sendResults.assign(GetParam().results.begin(), GetParam().results.end());
   sockets.wouldBlock = GetParam().wouldBlock;
@@ -89,7 +89,7 @@ TEST_F(InetSocketTest, CloseOfASocketThatWasNeverConnectedDoesNothing) {
   EXPECT_THAT(sockets.calls, IsEmpty());
 }
 
-TEST_F(InetSocketTest, CloseDisconnectsBeforeTheHandleGoes) {
+TEST_F(InetSocketTest, CloseDisconnectsBeforeItClosesTheHandle) {
   Connect();
   socket.Close();
   EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
@@ -132,7 +132,7 @@ TEST_F(InetSocketTest, DestructorCloses) {
   EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
 }
 
-TEST_F(InetSocketTest, ShutdownLeavesTheHandleInPlace) {
+TEST_F(InetSocketTest, ShutdownKeepsTheHandle) {
   Connect();
   socket.Shutdown();
   EXPECT_THAT(sockets.calls, ElementsAre("Shutdown 7"));
@@ -165,7 +165,7 @@ TEST_F(InetSocketConnectorTest, ClosesTheOldConnectionFirst) {
                                          "Connect 8 127.0.0.1:16969", "SetBlocking 8"));
 }
 
-TEST_F(InetSocketConnectorTest, AddressThatCannotBeFoundLeavesTheSocketAlone) {
+TEST_F(InetSocketConnectorTest, AddressThatCannotBeFoundChangesNothing) {
   ASSERT_TRUE(socket.Connect("127.0.0.1", 16969));
   sockets.calls.clear();
   EXPECT_FALSE(socket.Connect("127.0.0.1", 0));
@@ -173,13 +173,13 @@ TEST_F(InetSocketConnectorTest, AddressThatCannotBeFoundLeavesTheSocketAlone) {
   EXPECT_EQ(socket.Handle(), 7u);
 }
 
-TEST_F(InetSocketConnectorTest, NoSocketToBeHadFails) {
+TEST_F(InetSocketConnectorTest, ConnectFailsIfNoSocketCanBeCreated) {
   sockets.nextHandle = Platform::kInvalidSocket;
   EXPECT_FALSE(socket.Connect("127.0.0.1", 16969));
   EXPECT_THAT(sockets.calls, ElementsAre("OpenTcp"));
 }
 
-TEST_F(InetSocketConnectorTest, FailedConnectGivesTheHandleBack) {
+TEST_F(InetSocketConnectorTest, FailedConnectClosesTheHandle) {
   sockets.connects = false;
   EXPECT_FALSE(socket.Connect("127.0.0.1", 16969));
   EXPECT_THAT(sockets.calls, ElementsAre("OpenTcp", "Connect 7 127.0.0.1:16969", "Close 7"));

@@ -1,5 +1,5 @@
-// The link without a network and without a second thread: its body runs inside
-// OpenThread, on a clock that only its own sleeping moves.
+// The link without a network and without a second thread. Its body runs inside
+// OpenThread, with a clock that moves only while the body sleeps.
 
 #include <gtest/gtest.h>
 
@@ -71,8 +71,8 @@ TEST_F(JsonSocketRetryTest, AbsentPeerIsTriedAtOnceAndThenEveryFiveSeconds) {
   EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
 }
 
-// Whatever is missing, the reader does not keep a processor busy over it.
-TEST_F(JsonSocketRetryTest, AttemptThatThrowsIsFollowedByAnotherAfterFiveSeconds) {
+// An attempt that throws must not keep a processor busy.
+TEST_F(JsonSocketRetryTest, ExceptionOfOnConnectingIsFollowedByAnAttemptAfterFiveSeconds) {
   m_connectingThrows = true;
   m_stopAfterEvents = 4;
   EXPECT_TRUE(m_link.OpenThread());
@@ -80,7 +80,7 @@ TEST_F(JsonSocketRetryTest, AttemptThatThrowsIsFollowedByAnotherAfterFiveSeconds
                              "disconnected at 5000"}));
 }
 
-TEST_F(JsonSocketRetryTest, ConnectionThatOnConnectedThrowsAtIsTriedAgainAfterFiveSeconds) {
+TEST_F(JsonSocketRetryTest, ExceptionOfOnConnectedIsFollowedByAnAttemptAfterFiveSeconds) {
   m_sockets.connects = true;
   m_connectedThrows = true;
   m_stopAfterEvents = 6;
@@ -91,7 +91,7 @@ TEST_F(JsonSocketRetryTest, ConnectionThatOnConnectedThrowsAtIsTriedAgainAfterFi
             (Texts{"Vask::JsonSocket::Run: exception!", "Vask::JsonSocket::Run: exception!"}));
 }
 
-TEST_F(JsonSocketRetryTest, OpeningAfterAStopInTheMiddleOfTheWaitTriesAtOnce) {
+TEST_F(JsonSocketRetryTest, OpenAfterAStopDuringTheWaitConnectsAtOnce) {
   m_stopAfterEvents = 2;
   EXPECT_TRUE(m_link.OpenThread());
   m_link.StopThread();
@@ -180,7 +180,7 @@ TEST_F(JsonSocketRetryTest, CanBeOpenedAfterAFailure) {
   EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0"}));
 }
 
-// Passes no time, and stops a link at its n-th sleep.
+// Lets no time pass, and stops a link at its n-th sleep.
 class StoppingClock final : public ForwardingClock {
  public:
   explicit StoppingClock(int sleeps) : m_sleeps(sleeps) {}
@@ -194,7 +194,7 @@ class StoppingClock final : public ForwardingClock {
   int m_sleeps;
 };
 
-TEST_F(JsonSocketRetryTest, AttemptsAreRepeatedAlsoWhenNobodyIsToHearOfThem) {
+TEST_F(JsonSocketRetryTest, AttemptsAreRepeatedAlsoWithoutEvents) {
   StoppingClock clock(51);  // 5,000 ms and one poll more
   JsonSocket link(nullptr, clock, m_sockets, m_threading);
   clock.link = &link;
@@ -216,8 +216,8 @@ TEST_F(JsonSocketRetryTest, StopJoinsTheThreadOnce) {
   EXPECT_EQ(m_threading.joined, 1u);
 }
 
-// Says that a thread has started, but there is none, so nothing else is ever
-// signalled. Keeps the time-outs of the waits.
+// Reports that a thread has started although there is none, so no other event is ever
+// signalled. Keeps the timeouts of the waits.
 class SilentThreading final : public ForwardingThreading {
  public:
   std::vector<std::uint32_t> waits;
