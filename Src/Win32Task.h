@@ -5,17 +5,16 @@
 
 namespace Vask {
 
-// A thread that was started and its handle, which is closed with this object;
-// the thread itself goes on.
+// A thread and its handle. The destructor closes the handle; the thread goes on.
 class Win32Task {
  public:
   // Starts the thread. Check Valid().
   Win32Task(Platform::Threading& threading, const Platform::ThreadEntry& entry) noexcept;
 
-  // False when no thread could be created.
+  // False if no thread could be created.
   [[nodiscard]] bool Valid() const noexcept { return m_handle.Valid(); }
 
-  // Stays owned by this object.
+  // This object keeps the ownership.
   [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle.Get(); }
 
  private:

@@ -48,7 +48,7 @@ struct MIB_ENTRY {
   std::uint32_t m_capacity = 0;  // STRING only, with the terminating zero
   MIB_ENTRY* m_next = nullptr;   // the next variable of a walk, as given at registration
   std::string m_name;
-  Vask::Platform::CriticalSection m_lock;
+  Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::SequenceRows};
   std::vector<Row> m_rows VASK_GUARDED_BY(m_lock);  // SEQUENCE only
 };
 

@@ -3,8 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
-#include "Src/ITimerServiceClient.h"
-#include "net/IJsonSocketEvents.h"
+#include "Src/TimerService.h"
+#include "net/LinkInterfaces.h"
 
 namespace Vask {
 class TimerService;

@@ -62,7 +62,7 @@ class TrapQueue {
   static Record* MakeRecord(std::uint32_t specificTrap, const std::string& name) noexcept;
   static void Free(Record* first, const Record* end) noexcept;
 
-  mutable Vask::Platform::CriticalSection m_lock;
+  mutable Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::TrapQueue};
   Record* m_first VASK_GUARDED_BY(m_lock) = nullptr;
   Record* m_last VASK_GUARDED_BY(m_lock) = nullptr;
   Record* m_waiting VASK_GUARDED_BY(m_lock) = nullptr;  // the first that was not sent

@@ -55,6 +55,13 @@ if(CORVANE_SANITIZE)
   target_link_options(corvane_options INTERFACE -fsanitize=${CORVANE_SANITIZE})
 endif()
 
+# Locks are checked against the order in platform/LockRank.h. Native builds only:
+# the check needs a thread_local, which the DLL must not have.
+option(CORVANE_CHECK_LOCK_ORDER "End the process when a thread takes locks out of order" OFF)
+if(CORVANE_CHECK_LOCK_ORDER AND NOT WIN32)
+  target_compile_definitions(corvane_options INTERFACE CORVANE_CHECK_LOCK_ORDER)
+endif()
+
 # What was executed is counted, for gcov; atomically, since threads share code.
 option(CORVANE_COVERAGE "Count what is executed (g++)" OFF)
 if(CORVANE_COVERAGE)

@@ -4,9 +4,7 @@
 #include <string>
 
 #include "fuzz/FuzzInput.h"
-#include "net/AddressText.h"
 #include "net/InetAddress.h"
-#include "net/InetAddress2.h"
 #include "tests/support/FaultySockets.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
 #include "json/JsonRef.h"
 

@@ -52,7 +52,8 @@ class ErrorReport {
   // that the reference is taken before the reader releases the message.
   std::atomic<Vask::Json*> m_current{nullptr};
   std::atomic<bool> m_reporting{false};
-  Vask::Platform::CriticalSection m_reportingLock;  // not held while the sink is called
+  // Never held while the sink is called.
+  Vask::Platform::CriticalSection m_reportingLock{Vask::Platform::LockRank::ErrorReport};
 };
 
 }  // namespace Messages

@@ -16,7 +16,7 @@
 #include "messages/Properties.h"
 #include "messages/SNMPmessage.h"
 #include "messages/SNMPtrap.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 
 namespace Messages {
 

@@ -10,7 +10,7 @@
 #include "json/ValueMemory.h"
 #include "messages/Catalogue.h"
 #include "messages/HandlerList.h"
-#include "net/IOnJsonMessageText.h"
+#include "net/LinkInterfaces.h"
 #include "platform/CriticalSection.h"
 
 namespace Vask {
@@ -122,7 +122,7 @@ class Registrar final : public Vask::IOnJsonMessageText,
   std::atomic<Vask::IOnJsonMessage*> m_sender{nullptr};
   std::atomic<FromText*> m_from{nullptr};  // newest first
   Vask::ValueMemory m_memory;              // of the text's values; the reader thread's
-  Vask::Platform::CriticalSection m_lock;
+  Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::Registrar};
   HandlerList m_lists[kCatalogueSize] VASK_GUARDED_BY(m_lock);
 };
 

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/Session.h"
 #include "simulator/Text.h"
 

@@ -7,7 +7,7 @@
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
 #include "json/JsonString.h"
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/Text.h"
 
 namespace Simulator {

@@ -13,9 +13,9 @@
 #include <thread>
 #include <vector>
 
-#include "Src/IOnError.h"
-#include "net/FrameReader.h"
-#include "net/IOnJsonMessageText.h"
+#include "Src/ErrReporter.h"
+#include "net/Framing.h"
+#include "net/LinkInterfaces.h"
 #include "platform/ListeningSocket.h"
 #include "simulator/Connection.h"
 #include "simulator/Values.h"

@@ -30,7 +30,7 @@ constexpr std::size_t kMostDrainedBytes = 1024 * 1024;
 constexpr WORD kWinsockVersion = MAKEWORD(2, 2);
 
 // std::call_once would leave handles behind in every load cycle.
-constinit CriticalSection g_startUpLock;
+constinit CriticalSection g_startUpLock(LockRank::SocketStartUp);
 constinit bool g_startUpTried VASK_GUARDED_BY(g_startUpLock) = false;
 constinit bool g_started VASK_GUARDED_BY(g_startUpLock) = false;
 

@@ -5,7 +5,7 @@
 
 #include "json/Json.h"
 #include "messages/Registrar.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/agent/AgentFixture.h"
 #include "tests/support/WholeAgent.h"
 

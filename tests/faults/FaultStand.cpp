@@ -5,7 +5,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "tests/support/UpdateFrames.h"
 
 namespace Agent::Tests {

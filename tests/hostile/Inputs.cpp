@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/CorvaneServer.h"
 #include "tests/hostile/Sanitized.h"
 

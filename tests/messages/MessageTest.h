@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"

@@ -1,6 +1,6 @@
 #include "messages/Registrar.h"
 #include "messages/SNMPtrap.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {

@@ -1,7 +1,7 @@
 #include "messages/Registrar.h"
 
 #include "messages/SNMPmessage.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {

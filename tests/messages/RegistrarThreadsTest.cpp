@@ -3,7 +3,7 @@
 
 #include "messages/Registrar.h"
 #include "messages/SNMPtrap.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
 // Tests what several threads may do at once. The thread sanitizer finds the faults;

@@ -2,9 +2,8 @@
 
 #include <string>
 
-#include "Src/IOnError.h"
-#include "net/IJsonSocketEvents.h"
-#include "net/IOnJsonMessageText.h"
+#include "Src/ErrReporter.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/TextRecorder.h"
 
 namespace Vask::Tests {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "net/AddressText.h"
+#include "net/InetAddress.h"
 #include "tests/support/ForwardingSockets.h"
 
 namespace Vask::Tests {

@@ -1,9 +1,19 @@
-#include "net/FrameReader.h"
+#include "net/Framing.h"
 
-#include "net/FaultReport.h"
-#include "net/IOnJsonMessageText.h"
+#include <cstdio>
+
+#include "Src/ErrReporter.h"
+#include "net/LinkInterfaces.h"
 
 namespace Vask {
+
+void AppendFrame(std::string& out, std::string_view body) {
+  char prefix[16];  // ten digits, '#' and the terminating zero
+  static_cast<void>(
+      std::snprintf(prefix, sizeof prefix, "%u#", static_cast<unsigned>(body.size())));
+  out += prefix;
+  out += body;
+}
 
 void FrameReader::Begin() {
   m_remaining = 0;
@@ -24,7 +34,8 @@ bool FrameReader::ProcessByte(char byte) {
     case kReadingBody:
       return ProcessBodyByte(byte);
     default:
-      ReportFault(m_errorSink, "Vask::JsonSocket::ProcessByteState %d not recognized!", GetState());
+      IOnError::Report(m_errorSink, "Vask::JsonSocket::ProcessByteState %d not recognized!",
+                       GetState());
       return false;
   }
 }
@@ -35,12 +46,13 @@ bool FrameReader::ProcessSizeByte(char byte) {
     return true;
   }
   if (byte != '#') {
-    ReportFault(m_errorSink, "Vask::JsonSocket::ProcessByteUnexpected char '%c'", byte);
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::ProcessByteUnexpected char '%c'", byte);
     m_remaining = 0;
     return false;
   }
   if (m_remaining == 0) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::ProcessByteProtocol error. Message size is zero!");
+    IOnError::Report(m_errorSink,
+                     "Vask::JsonSocket::ProcessByteProtocol error. Message size is zero!");
     return false;
   }
   EmptyBody();
@@ -49,9 +61,9 @@ bool FrameReader::ProcessSizeByte(char byte) {
 }
 
 bool FrameReader::ProcessBodyByte(char byte) {
-  // Read as signed: a length of 2^31 and more is none.
+  // Taken as signed: a length of 2^31 or more is invalid.
   if (static_cast<std::int32_t>(m_remaining) <= 0) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::ProcessByteUnexpected state!");
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::ProcessByteUnexpected state!");
     EmptyBody();
     SetState(kReadingSize);
     return false;

@@ -1,10 +1,10 @@
-#include "Src/SyslogDatagram.h"
+#include "Src/SyslogSender.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "Src/LogLevel.h"
+#include "Src/LogHead.h"
 
 namespace Vask::Tests {
 namespace {

@@ -1,20 +1,47 @@
-#include "net/FrameReader.h"
+#include "net/Framing.h"
 
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "net/FrameWriter.h"
-#include "net/IOnJsonMessageText.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/LinkRecorders.h"
 
 namespace Vask::Tests {
 namespace {
 
-// A reader with a connection, and what came out of it.
+struct WriterRow {
+  const char* name;
+  std::string body;
+  std::string frame;
+};
+
+void PrintTo(const WriterRow& row, std::ostream* out) {
+  *out << row.name << ": " << row.body;
+}
+
+class FrameWriterTest : public testing::TestWithParam<WriterRow> {};
+
+TEST_P(FrameWriterTest, WritesLengthHashAndBody) {
+  std::string out = "before ";
+  AppendFrame(out, GetParam().body);
+  EXPECT_EQ(out, "before " + GetParam().frame);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bodies, FrameWriterTest,
+    testing::Values(WriterRow{"Example", R"({"a":1})", R"(7#{"a":1})"},
+                    WriterRow{"Empty", "", "0#"},
+                    WriterRow{"TwoDigits", "0123456789", "10#0123456789"},
+                    WriterRow{"BytesCountNotCharacters", "\xC3\xA9", "2#\xC3\xA9"},
+                    WriterRow{"ZeroByte", std::string("\0", 1), std::string("1#\0", 3)}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+// A reader with a connection, and what it delivered.
 class FrameReaderTest : public testing::Test {
  protected:
   FrameReaderTest() {
@@ -23,7 +50,7 @@ class FrameReaderTest : public testing::Test {
     m_reader.Begin();
   }
 
-  // Feeds until the reader refuses a byte; true when it took them all.
+  // Feeds until the reader refuses a byte. Returns true if it took all.
   bool Feed(std::string_view bytes) {
     for (const char byte : bytes) {
       if (!m_reader.ProcessByte(byte)) return false;
@@ -71,7 +98,7 @@ TEST_F(FrameReaderTest, LeadingZerosOfALengthDoNotMatter) {
   EXPECT_EQ(Bodies(), Texts{"abc"});
 }
 
-TEST_F(FrameReaderTest, BodyIsHandedOverUpToItsFirstZeroByte) {
+TEST_F(FrameReaderTest, BodyIsPassedOnUpToItsFirstZeroByte) {
   EXPECT_TRUE(Feed(std::string_view("3#a\0b", 5)));
   EXPECT_EQ(Bodies(), Texts{"a"});
 }
@@ -103,7 +130,7 @@ void PrintTo(const FaultRow& row, std::ostream* out) {
 
 class FrameFaultTest : public FrameReaderTest, public testing::WithParamInterface<FaultRow> {};
 
-TEST_P(FrameFaultTest, LastByteIsRefusedWithItsText) {
+TEST_P(FrameFaultTest, LastByteIsRefusedAndReported) {
   const FaultRow& row = GetParam();
   EXPECT_TRUE(Feed(std::string_view(row.bytes).substr(0, row.bytes.size() - 1)));
   EXPECT_FALSE(m_reader.ProcessByte(row.bytes.back()));
@@ -158,7 +185,7 @@ TEST_F(FrameReaderTest, UnexpectedZeroByteEndsTheReportedText) {
   EXPECT_EQ(Faults(), Texts{"Vask::JsonSocket::ProcessByteUnexpected char '"});
 }
 
-TEST_F(FrameReaderTest, UnexpectedCharForgetsTheLengthSoFar) {
+TEST_F(FrameReaderTest, UnexpectedCharDropsTheLengthSoFar) {
   EXPECT_FALSE(Feed("12a"));
   EXPECT_TRUE(Feed("1#b"));
   EXPECT_EQ(Bodies(), Texts{"b"});
@@ -176,13 +203,13 @@ TEST_F(FrameReaderTest, SizeWrapsAtThirtyTwoBits) {
   EXPECT_EQ(Bodies(), Texts{"abc"});
 }
 
-TEST_F(FrameReaderTest, LargestSizeIsTaken) {
+TEST_F(FrameReaderTest, LargestSizeIsAccepted) {
   EXPECT_TRUE(Feed("2147483647#abc"));
   EXPECT_EQ(Faults(), Texts{});
   EXPECT_EQ(m_reader.GetState(), FrameReader::kReadingBody);
 }
 
-TEST_F(FrameReaderTest, MessageThatNeverCompletesIsForgottenWithItsConnection) {
+TEST_F(FrameReaderTest, IncompleteMessageIsDroppedWithItsConnection) {
   EXPECT_TRUE(Feed("100#only this much"));
   m_reader.End();
   m_reader.Begin();
@@ -191,7 +218,7 @@ TEST_F(FrameReaderTest, MessageThatNeverCompletesIsForgottenWithItsConnection) {
   EXPECT_EQ(Faults(), Texts{});
 }
 
-TEST_F(FrameReaderTest, LengthThatNeverCompletesIsForgottenWithItsConnection) {
+TEST_F(FrameReaderTest, IncompleteLengthIsDroppedWithItsConnection) {
   EXPECT_TRUE(Feed("99"));
   m_reader.End();
   m_reader.Begin();
@@ -199,13 +226,13 @@ TEST_F(FrameReaderTest, LengthThatNeverCompletesIsForgottenWithItsConnection) {
   EXPECT_EQ(Bodies(), Texts{"a"});
 }
 
-TEST_F(FrameReaderTest, MemoryFollowsWhatCameNotWhatWasAnnounced) {
+TEST_F(FrameReaderTest, MemoryGrowsWithReceivedBytesNotWithTheAnnouncedLength) {
   EXPECT_TRUE(Feed("2147483647#"));
   EXPECT_TRUE(Feed(std::string(1000, 'x')));
   EXPECT_LE(m_reader.BodyCapacity(), 4096u);
 }
 
-TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsGivenBack) {
+TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsFreed) {
   std::string frame;
   AppendFrame(frame, std::string(4 * FrameReader::kKeptBodyBytes, 'x'));
   EXPECT_TRUE(Feed(frame));
@@ -213,7 +240,7 @@ TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsGivenBack) {
   EXPECT_LE(m_reader.BodyCapacity(), FrameReader::kKeptBodyBytes);
 }
 
-TEST_F(FrameReaderTest, MemoryOfAHugeUnfinishedMessageIsGivenBack) {
+TEST_F(FrameReaderTest, MemoryOfAHugeIncompleteMessageIsFreed) {
   EXPECT_TRUE(Feed("2147483647#" + std::string(4 * FrameReader::kKeptBodyBytes, 'x')));
   m_reader.End();
   EXPECT_LE(m_reader.BodyCapacity(), FrameReader::kKeptBodyBytes);
@@ -224,7 +251,7 @@ TEST_F(FrameReaderTest, MemoryOfAnOrdinaryMessageIsKept) {
   EXPECT_GE(m_reader.BodyCapacity(), 1000u);
 }
 
-TEST_F(FrameReaderTest, FramesOfAUsualSizeCostNoMemoryOnceOneHasCome) {
+TEST_F(FrameReaderTest, FramesOfTheUsualSizeAllocateNothingAfterTheFirst) {
   class Counting final : public IOnJsonMessageText {
    public:
     bool OnJsonMessageText(const char*) override { return ++count > 0; }
