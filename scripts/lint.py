@@ -1,0 +1,230 @@
+"""Checks sources without running them, and closes with "N passed, N failed".
+
+    python3 scripts/lint.py [--all] [--seconds N]
+
+Every file of the tree goes through the quick tools: clang-format (nothing is
+rewritten), shellcheck, and Python's compiler. clang-tidy and cppcheck take
+longer, so they read what a change touches:
+
+- files that differ from the commit where this branch left the upstream branch, or
+  origin's default branch, or the local main: whichever exists first;
+- files that the last commit touched, if there is no such branch or HEAD is part of
+  it, as in a fresh clone;
+- in both cases, files that are not committed yet.
+
+clang-tidy reads a header through one source file that includes it. It starts no
+more files after N seconds (75) and says how many it left out. With --all it reads
+every source file of the tree, however long that takes.
+"""
+
+import argparse
+import concurrent.futures
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+TOP = Path(__file__).resolve().parent.parent
+PRODUCT = ("agent", "host", "json", "messages", "mibs", "net", "platform", "simulator", "Src")
+
+# Files that are no sources by themselves: placeholders stand in them.
+TEMPLATES = "mibs/templates/"
+
+# clang-tidy reads these as Windows sources, with the headers of mingw.
+WINDOWS = re.compile(r"(^|/)(win32|winelib)/|^tests/installer/")
+
+
+def run(*command):
+    """Returns the exit status and the whole output of a command."""
+    done = subprocess.run(command, cwd=TOP, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, text=True, errors="replace", check=False)
+    return done.returncode, done.stdout.strip()
+
+
+def git(*arguments):
+    """Returns the lines that git prints, or None if it fails."""
+    done = subprocess.run(("git", *arguments), cwd=TOP, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL, text=True, check=False)
+    return done.stdout.splitlines() if done.returncode == 0 else None
+
+
+def all_files():
+    names = git("ls-files", "--cached", "--others", "--exclude-standard")
+    if names is None:
+        sys.exit("lint: this is not a git checkout")
+    return sorted(name for name in set(names)
+                  if (TOP / name).is_file() and not name.startswith(TEMPLATES))
+
+
+def base_of_change():
+    """Returns the commit that the change is compared with, or None if HEAD is the first one."""
+    head = git("rev-parse", "HEAD")
+    for branch in ("@{upstream}", "origin/HEAD", "origin/main", "main"):
+        base = git("merge-base", branch, "HEAD")
+        if base:
+            if base != head:
+                return base[0]
+            break
+    parent = git("rev-parse", "--verify", "HEAD~1")
+    return parent[0] if parent else None
+
+
+def touched_files(files):
+    base = base_of_change()
+    if base is None:
+        return files
+    touched = set(git("diff", "--name-only", base))
+    touched.update(git("ls-files", "--others", "--exclude-standard"))
+    return [name for name in files if name in touched]
+
+
+def included_names(name, known):
+    """Returns the project's files that a source includes directly."""
+    names = re.findall(r'^\s*#\s*include\s*"([^"]+)"', (TOP / name).read_text(errors="replace"),
+                       re.MULTILINE)
+    for included in names:
+        beside = os.path.normpath(os.path.join(os.path.dirname(name), included))
+        if included in known:
+            yield included
+        elif beside in known:
+            yield beside
+
+
+def sources_to_read(touched, files):
+    """Returns the .cpp files among the touched ones, and one .cpp file for each touched header:
+    the one of its name, or else the first of those that include it on the shortest way."""
+    known = {name for name in files if name.endswith((".h", ".cpp"))}
+    includers = {name: [] for name in known}
+    for name in sorted(known):
+        for included in included_names(name, known):
+            includers[included].append(name)
+    sources = {name for name in touched if name.endswith(".cpp")}
+    for header in (name for name in touched if name.endswith(".h")):
+        own = header[:-2] + ".cpp"
+        seen, level = {header}, [header]
+        while level and not any(name.endswith(".cpp") for name in level):
+            level = sorted({name for one in level for name in includers[one]} - seen)
+            seen.update(level)
+        found = [name for name in level if name.endswith(".cpp")]
+        # Where one of several is read anyway, it serves this header as well.
+        sources.update([own] if own in known else [n for n in found if n in sources][:1] or found[:1])
+    return sorted(sources, key=lambda name: (name.split("/")[0] not in PRODUCT, name))
+
+
+def is_shell_script(name):
+    if name.endswith(".sh"):
+        return True
+    with open(TOP / name, "rb") as file:
+        return re.match(rb"#!.*\b(ba)?sh\b", file.readline(80)) is not None
+
+
+class Verdicts:
+    """Counts cases: one for each tool and file."""
+
+    def __init__(self):
+        self.passed = 0
+        self.failed = 0
+
+    def add(self, tool, name, status, output):
+        if status == 0:
+            self.passed += 1
+            return
+        self.failed += 1
+        print(f"FAILED  {tool} {name}", *output.splitlines(), sep="\n  ", flush=True)
+
+
+def tidy_commands():
+    """Configures one build folder for each system, and returns clang-tidy's command for each."""
+    commands = {}
+    for system in ("linux", "windows"):
+        preset = f"lint-{system}"
+        status, output = run("cmake", "--preset", preset)
+        if status != 0:
+            sys.exit(f"lint: preset {preset} cannot be configured:\n{output}")
+        folder = TOP / "build" / preset
+        database = folder / "compile_commands.json"
+        entries = json.loads(database.read_text())
+        for entry in entries:
+            # g++ alone knows this option, which CMake adds for it.
+            entry["command"] = entry["command"].replace(" -fno-keep-inline-dllexport", "")
+        database.write_text(json.dumps(entries))
+        commands[system] = ["clang-tidy", "-p", str(folder), "--quiet",
+                            "--extra-arg=-Wno-unknown-warning-option"]
+    # clang looks for mingw's own headers, but does not find those of its C++ library.
+    _, library = run("x86_64-w64-mingw32-g++-posix", "-print-libgcc-file-name")
+    headers = Path(library).parent / "include" / "c++"
+    commands["windows"] += [f"--extra-arg=-isystem{folder}"
+                            for folder in (headers, headers / "x86_64-w64-mingw32")]
+    return commands
+
+
+def tidy(commands, name):
+    status, output = run(*commands["windows" if WINDOWS.search(name) else "linux"], name)
+    lines = [line for line in output.splitlines()
+             if not re.match(r"\d+ warnings?( and \d+ errors?)? generated|Suppressed |Use -header", line)]
+    return status, "\n".join(lines)
+
+
+def check_each(verdicts, tool, names, command, seconds=None):
+    """Runs the command for each name, on all processors. Starts none after the given seconds."""
+    began = time.monotonic()
+    left_out = []
+
+    def check(name):
+        if seconds is not None and time.monotonic() - began > seconds:
+            left_out.append(name)
+            return None
+        return command(name)
+
+    before = verdicts.passed
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for name, result in zip(names, pool.map(check, names)):
+            if result is not None:
+                verdicts.add(tool, name, *result)
+    print(f"{tool}: {verdicts.passed - before} of {len(names)} files without a finding, "
+          f"{time.monotonic() - began:.0f} s", flush=True)
+    if left_out:
+        print(f"{tool}: {len(left_out)} files left out after {seconds} s; "
+              "'./run-tests lint-all' reads them too", flush=True)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--all", action="store_true")
+    parser.add_argument("--seconds", type=float, default=75)
+    options = parser.parse_args()
+
+    files = all_files()
+    touched = files if options.all else touched_files(files)
+    sources = sources_to_read(touched, files)
+    if options.all:
+        sources = [name for name in sources if name.endswith(".cpp")]
+    print(f"{len(files)} files, {len(touched)} of them touched by the change; "
+          f"{len(sources)} sources for clang-tidy", flush=True)
+
+    verdicts = Verdicts()
+    check_each(verdicts, "clang-format", [name for name in files if name.endswith((".h", ".cpp"))],
+               lambda name: run("clang-format", "--dry-run", "--Werror", name))
+    check_each(verdicts, "shellcheck", [name for name in files if is_shell_script(name)],
+               lambda name: run("shellcheck", name))
+    compile_only = "import sys; compile(open(sys.argv[1]).read(), sys.argv[1], 'exec')"
+    check_each(verdicts, "python", [name for name in files if name.endswith(".py")],
+               lambda name: run(sys.executable, "-W", "error", "-c", compile_only, name))
+    check_each(verdicts, "cppcheck", [name for name in sources if name.split("/")[0] in PRODUCT],
+               lambda name: run("cppcheck", "--enable=warning,performance,portability",
+                                "--inline-suppr", "--std=c++20", "--quiet", "-I.",
+                                "--error-exitcode=1", name))
+    if sources:
+        commands = tidy_commands()
+        check_each(verdicts, "clang-tidy", sources, lambda name: tidy(commands, name),
+                   None if options.all else options.seconds)
+    print(f"{verdicts.passed} passed, {verdicts.failed} failed")
+    return 0 if verdicts.failed == 0 else 1
+
+
+sys.exit(main())
