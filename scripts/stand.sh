@@ -13,7 +13,7 @@ source "$top/scripts/snmp.sh"
 release=$top/build/release
 link_port=16969  # the agent's own, fixed
 address=127.0.0.1:$snmp_port
-simulator= host= trap_receiver=
+simulator='' host='' trap_receiver=''
 simulator_said=$work/simulator.out
 traps=$work/traps
 host_said=$work/host.out
@@ -107,7 +107,7 @@ stop_stand() {
   for process in "$host" "$simulator" "$trap_receiver"; do
     [[ -z "$process" ]] || stop_process "$process" || true
   done
-  host= simulator= trap_receiver=
+  host='' simulator='' trap_receiver=''
 }
 
 # What the build knows: the prefix, and the names of variables and traps from
@@ -116,6 +116,7 @@ declare -A variable_oid variable_name trap_name
 variables=()
 load_names() {
   local kind number name
+  # shellcheck source=/dev/null
   source "$release/generated/build-settings.sh"
   prefix=$CORVANE_PREFIX
   while read -r kind number name; do

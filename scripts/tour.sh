@@ -65,7 +65,7 @@ expect_next_trap() {
   expect_eventually "trap $2" "$2" trap_names "$1"
   printed=$(print_traps "$(($1 + 1))")
   expect "trap $2 has a name in the MIB" "${printed%%,*}" "$mib_name::corvane$2"
-  sed 's/^/  trap: /' <<<"$printed"
+  echo "  trap: $printed"
 }
 
 tour() {
