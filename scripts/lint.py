@@ -21,7 +21,6 @@ import concurrent.futures
 import json
 import os
 import re
-import shutil
 import subprocess
 import sys
 import time
@@ -33,8 +32,9 @@ PRODUCT = ("agent", "host", "json", "messages", "mibs", "net", "platform", "simu
 # Files with placeholders. The tools read the files that are made from them.
 TEMPLATES = "mibs/templates/"
 
-# clang-tidy reads these as Windows sources, with the headers of mingw.
-WINDOWS = re.compile(r"(^|/)(win32|winelib)/|^tests/installer/")
+# The system that clang-tidy reads a source for, by its path; Linux for all others.
+SYSTEMS = (("winelib", re.compile(r"^host/winelib/")),
+           ("windows", re.compile(r"(^|/)win32/|^tests/installer/")))
 
 CPPCHECK = ("cppcheck", "--enable=warning,performance,portability", "--inline-suppr", "--std=c++20",
             "--quiet", "-I.", "--error-exitcode=1",
@@ -143,33 +143,43 @@ class Verdicts:
         print(f"FAILED  {tool} {name}", *output.splitlines(), sep="\n  ", flush=True)
 
 
+def compile_database(preset):
+    """Configures a preset and returns clang-tidy's command for its sources."""
+    status, output = run("cmake", "--preset", preset)
+    if status != 0:
+        sys.exit(f"lint: cmake --preset {preset} fails:\n{output}")
+    folder = TOP / "build" / preset
+    database = folder / "compile_commands.json"
+    entries = json.loads(database.read_text())
+    for entry in entries:
+        # CMake adds this option, which only g++ knows.
+        entry["command"] = entry["command"].replace(" -fno-keep-inline-dllexport", "")
+    database.write_text(json.dumps(entries))
+    return ["clang-tidy", "-p", str(folder), "--quiet", "--extra-arg=-Wno-unknown-warning-option"]
+
+
 def tidy_commands():
-    """Configures one build folder for each system, and returns clang-tidy's command for each."""
-    commands = {}
-    for system in ("linux", "windows"):
-        preset = f"lint-{system}"
-        status, output = run("cmake", "--preset", preset)
-        if status != 0:
-            sys.exit(f"lint: preset {preset} cannot be configured:\n{output}")
-        folder = TOP / "build" / preset
-        database = folder / "compile_commands.json"
-        entries = json.loads(database.read_text())
-        for entry in entries:
-            # g++ alone knows this option, which CMake adds for it.
-            entry["command"] = entry["command"].replace(" -fno-keep-inline-dllexport", "")
-        database.write_text(json.dumps(entries))
-        commands[system] = ["clang-tidy", "-p", str(folder), "--quiet",
-                            "--extra-arg=-Wno-unknown-warning-option"]
-    # clang looks for mingw's own headers, but does not find those of its C++ library.
+    """Returns clang-tidy's command for each system."""
+    linux = compile_database("lint-linux")
+    windows = compile_database("lint-windows")
+    # clang finds the headers of mingw's C library, but not those of its C++ library.
     _, library = run("x86_64-w64-mingw32-g++-posix", "-print-libgcc-file-name")
     headers = Path(library).parent / "include" / "c++"
-    commands["windows"] += [f"--extra-arg=-isystem{folder}"
-                            for folder in (headers, headers / "x86_64-w64-mingw32")]
-    return commands
+    windows += [f"--extra-arg=-isystem{folder}"
+                for folder in (headers, headers / "x86_64-w64-mingw32")]
+    # The installer's tests compile their own small programs.
+    windows.append("--extra-arg=-DCORVANE_ENTERPRISE=32473")
+    # wineg++ is g++ with definitions and folders of its own, which it prints.
+    _, output = run("wineg++", "-fno-short-wchar", "-v", "-E", "-x", "c++", "/dev/null")
+    words = next(line for line in output.splitlines() if "cc1plus" in line).split()
+    winelib = linux + [f"--extra-arg={word}{value}" for word, value in zip(words, words[1:])
+                       if word in ("-D", "-isystem") and not value.startswith("_GNU_SOURCE")]
+    return {"linux": linux, "windows": windows, "winelib": winelib}
 
 
 def tidy(commands, name):
-    status, output = run(*commands["windows" if WINDOWS.search(name) else "linux"], name)
+    system = next((system for system, paths in SYSTEMS if paths.search(name)), "linux")
+    status, output = run(*commands[system], name)
     lines = [line for line in output.splitlines()
              if not re.match(r"\d+ warnings?( and \d+ errors?)? generated|Suppressed |Use -header", line)]
     return status, "\n".join(lines)
