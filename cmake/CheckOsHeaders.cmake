@@ -1,19 +1,18 @@
-# Fails when a header of an operating system is included where none belongs.
+# Fails if a source includes a header of an operating system and may not do so.
 #   cmake -D TOP=<top folder> -P CheckOsHeaders.cmake
 
-# What is the same on every system lies in these folders; platform/ is the one
-# place for the rest, with its own tests.
+# The sources in these folders are the same on every system. platform/ holds the rest.
 set(folders json Src net messages agent simulator host tests benchmarks fuzz)
 
-# At the border itself:
+# The exceptions:
 set(allowed
-    "^tests/platform/(linux|win32)/"     # one system's side of the seam
-    "^tests/(contract|host|installer)/"  # load the module, or stand in for its host
-    "^benchmarks/Src/LogBenchmark\\.cpp$" # its peer is the bare system call
-    "^tests/hostile/(linux|win32)/"      # stands between the loaded module and the system
-    "^tests/support/SmallStack\\.h$"      # the seam has one size of stack, on purpose
-    "^agent/(linux|win32)/"              # what the loader calls
-    "^host/winelib/")                    # the side of the host that faces Windows
+    "^tests/platform/(linux|win32)/"     # tests of one system's implementation
+    "^tests/(contract|host|installer)/"  # load the module, or take the place of its host
+    "^benchmarks/Src/LogBenchmark\\.cpp$" # compares the log with the bare system call
+    "^tests/hostile/(linux|win32)/"      # replaces system functions for the loaded module
+    "^tests/support/SmallStack\\.h$"      # platform/ has one size of stack, on purpose
+    "^agent/(linux|win32)/"              # the functions that the loader calls
+    "^host/winelib/")                    # the part of the host that uses Windows
 
 set(os_headers
     # Windows
