@@ -19,7 +19,7 @@ class Request {
   std::string Ask(Module& module, BYTE pduType) {
     std::vector<SnmpVarBind> list;
     for (const auto& binding : m_bindings) list.push_back(binding->Get());
-    const std::string answer = module.Query(pduType, list);
+    std::string answer = module.Query(pduType, list);
     for (std::size_t i = 0; i < list.size(); ++i) m_bindings[i]->Get() = list[i];
     return answer;
   }

@@ -135,7 +135,7 @@ class Soak {
     Target target;
     PutFaultyImports(target.Module().Library());
     SetClocks();
-    const std::string began = target.Begin(StartsDespiteFaults(target));
+    std::string began = target.Begin(StartsDespiteFaults(target));
     if (!began.empty()) return began;
     const Pollers pollers(target.Module());
     for (int i = 0; i < kRoundsOfALife && PassedMs() < m_lengthMs; ++i) {
