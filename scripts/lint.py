@@ -43,6 +43,8 @@ CPPCHECK = ("cppcheck", "--enable=warning,performance,portability", "--inline-su
             # and "+ 1" after a placement new for a sum of integers.
             "--suppress=CastIntegerToAddressAtReturn")
 
+COMPILE_ONLY = "import pathlib, sys; compile(pathlib.Path(sys.argv[1]).read_text(), sys.argv[1], 'exec')"
+
 
 def run(*command):
     """Returns the exit status and the whole output of a command."""
@@ -185,6 +187,27 @@ def tidy(commands, name):
     return status, "\n".join(lines)
 
 
+def check_together(verdicts, tool, names, command):
+    """Runs the command once for all names. Each line of its output starts with a name, or
+    belongs to the line before."""
+    began = time.monotonic()
+    status, output = run(*command, *names)
+    faults = {name: [] for name in names}
+    name = None
+    for line in output.splitlines():
+        name = line.split(":")[0] if line.split(":")[0] in faults else name
+        if name is None:
+            sys.exit(f"lint: {tool} fails:\n{output}")
+        faults[name].append(line)
+    for name, lines in faults.items():
+        verdicts.add(tool, name, 1 if lines else 0, "\n".join(lines))
+    good = sum(not lines for lines in faults.values())
+    if status != 0 and good == len(names):
+        sys.exit(f"lint: {tool} fails with status {status} and says nothing")
+    print(f"{tool}: {good} of {len(names)} files without a finding, "
+          f"{time.monotonic() - began:.0f} s", flush=True)
+
+
 def check_each(verdicts, tool, names, command, deadline=None):
     """Runs the command for each name, on all processors. Starts none after the deadline."""
     began = time.monotonic()
@@ -225,13 +248,13 @@ def main():
           f"{len(sources)} sources for clang-tidy", flush=True)
 
     verdicts = Verdicts()
-    check_each(verdicts, "clang-format", [name for name in files if name.endswith((".h", ".cpp"))],
-               lambda name: run("clang-format", "--dry-run", "--Werror", name))
-    check_each(verdicts, "shellcheck", [name for name in files if is_shell_script(name)],
-               lambda name: run("shellcheck", name))
-    compile_only = "import sys; compile(open(sys.argv[1]).read(), sys.argv[1], 'exec')"
+    check_together(verdicts, "clang-format",
+                   [name for name in files if name.endswith((".h", ".cpp"))],
+                   ("clang-format", "--dry-run", "--Werror"))
+    check_together(verdicts, "shellcheck", [name for name in files if is_shell_script(name)],
+                   ("shellcheck", "--format=gcc"))
     check_each(verdicts, "python", [name for name in files if name.endswith(".py")],
-               lambda name: run(sys.executable, "-W", "error", "-c", compile_only, name))
+               lambda name: run(sys.executable, "-W", "error", "-c", COMPILE_ONLY, name))
     check_each(verdicts, "cppcheck", [name for name in sources if name.split("/")[0] in PRODUCT],
                lambda name: run(*CPPCHECK, name), deadline)
     if sources:
