@@ -1,4 +1,5 @@
-"""Compares the includes of the tree with the table "The rooms" of docs/architecture.md.
+"""Compares the includes of the tree with the table "The rooms" of docs/architecture.md, and
+finds CMake files that name the sources of another room.
 
 The table's first column names folders, its last column what their files may include.
 The last column is a list of clauses, separated by semicolons:
@@ -205,3 +206,16 @@ def circles(includes):
         if len({folder_of(other) for other in circle}) > 1 and not circle & reported:
             reported |= circle
             yield "a circle of includes: " + ", ".join(sorted(circle))
+
+
+def foreign_sources(top):
+    """Yields a text for each line of a CMake file that names a source folder of another room.
+    A room offers its sources as a target; no other room compiles them by their path."""
+    rooms = [folder for folder in SOURCES if folder not in ("tests", "benchmarks", "fuzz")]
+    pattern = re.compile(r"(?:\.\./|_SOURCE_DIR}/)(" + "|".join(rooms) + r")/(?!\S*CMakeLists)")
+    for path in sorted([*top.glob("*/CMakeLists.txt"), *top.glob("cmake/*.cmake")]):
+        name = path.relative_to(top).as_posix()
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            found = pattern.search(line)
+            if found and not line.lstrip().startswith("#") and found.group(1) + "/" != folder_of(name):
+                yield f"{name}:{number}: names a path in {found.group(1)}/; use a target of that room"

@@ -122,6 +122,28 @@ class Circles(unittest.TestCase):
         self.assertEqual(list(rooms.circles(includes)), [])
 
 
+class ForeignSources(unittest.TestCase):
+    def faults(self, name, text):
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder) / name
+            path.parent.mkdir()
+            path.write_text(text, encoding="utf-8")
+            return list(rooms.foreign_sources(Path(folder)))
+
+    def test_a_source_of_another_room_is_found(self):
+        for text in ('add_library(x "${CMAKE_SOURCE_DIR}/platform/linux/Clock.cpp")',
+                     "add_library(x ../platform/linux/Clock.cpp)"):
+            for name in ("simulator/CMakeLists.txt", "cmake/Winelib.cmake"):
+                with self.subTest(name + " " + text):
+                    self.assertEqual(self.faults(name, "# A comment.\n" + text + "\n"), [
+                        f"{name}:2: names a path in platform/; use a target of that room"])
+
+    def test_own_sources_and_other_folders_are_none(self):
+        text = ('add_library(x "${CMAKE_SOURCE_DIR}/platform/linux/Clock.cpp" linux/Files.cpp\n'
+                '            "${CMAKE_SOURCE_DIR}/cmake/x.cmake")\n')
+        self.assertEqual(self.faults("platform/CMakeLists.txt", text), [])
+
+
 class TheTree(unittest.TestCase):
     """The repository itself."""
 
@@ -145,6 +167,9 @@ class TheTree(unittest.TestCase):
 
     def test_the_table_names_nothing_that_is_gone(self):
         self.assert_none(rooms.stale_names(self.includes, self.table))
+
+    def test_no_room_compiles_the_sources_of_another_one(self):
+        self.assert_none(rooms.foreign_sources(TOP))
 
     def test_no_circle_leads_through_two_rooms(self):
         self.assert_none(rooms.circles(self.includes))
