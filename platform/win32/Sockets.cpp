@@ -82,7 +82,7 @@ class WindowsSockets final : public Sockets {
       WSADATA data{};
       g_started = WSAStartup(kWinsockVersion, &data) == 0;
       // Runs at the unload of the module or, in a program, at its end.
-      if (g_started) std::atexit(CleanUp);
+      if (g_started) static_cast<void>(std::atexit(CleanUp));
     }
     return g_started;
   }
