@@ -44,6 +44,10 @@ int SizeForInt(std::size_t length) noexcept {
   return static_cast<int>(std::min<std::size_t>(length, INT_MAX));
 }
 
+HANDLE AsHandle(SocketHandle socket) noexcept {
+  return reinterpret_cast<HANDLE>(socket);  // NOLINT(performance-no-int-to-ptr): is a number
+}
+
 const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
   return reinterpret_cast<const sockaddr*>(&address);
 }
@@ -139,7 +143,7 @@ class WindowsSockets final : public Sockets {
     shutdown(socket, SD_SEND);
     Drain(socket);
     shutdown(socket, SD_BOTH);
-    CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr);
+    CancelIoEx(AsHandle(socket), nullptr);
   }
 
   void Close(SocketHandle socket) noexcept override { closesocket(socket); }
