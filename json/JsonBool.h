@@ -7,11 +7,10 @@ namespace Vask {
 // A truth value: `true` or `false`.
 class JsonBool final : public Json {
  public:
-  explicit JsonBool(bool value = false) noexcept : m_value(value) {}
+  explicit JsonBool(bool value = false) noexcept : Json(JsonType::Bool), m_value(value) {}
 
   [[nodiscard]] bool Value() const noexcept { return m_value; }
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Bool; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 

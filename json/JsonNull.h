@@ -7,9 +7,8 @@ namespace Vask {
 // The value `null`.
 class JsonNull final : public Json {
  public:
-  JsonNull() noexcept = default;
+  JsonNull() noexcept : Json(JsonType::Null) {}
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Null; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 

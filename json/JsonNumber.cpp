@@ -20,7 +20,7 @@ JsonNumber* JsonNumber::FromInt(std::int32_t value) {
 }
 
 JsonNumber::JsonNumber(std::string_view text, bool isInteger) noexcept
-    : m_isInteger(isInteger), m_size(text.size()) {
+    : Json(JsonType::Number), m_isInteger(isInteger), m_size(text.size()) {
   if (isInteger) {
     m_intValue = ReadInteger(text);
     m_doubleValue = static_cast<double>(m_intValue);

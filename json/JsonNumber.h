@@ -33,7 +33,6 @@ class JsonNumber final : public Json {
     return {reinterpret_cast<const char*>(this) + sizeof(JsonNumber), m_size};
   }
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Number; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 

@@ -26,7 +26,7 @@ struct ParseResult {
 // strings, unknown escapes (the backslash is dropped), and vertical tab and form
 // feed as white space. \u0000 gives nothing, and surrogates are not combined.
 // A key that comes again in an object, in any letter case, replaces the earlier
-// member; a value under an empty key is lost and never released.
+// member; a value under an empty key is read and released at once.
 //
 // One message is left empty: that of anything but ',' or ']' after an element
 // of an array.

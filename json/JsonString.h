@@ -37,7 +37,6 @@ class JsonString final : public Json {
     return reinterpret_cast<const char*>(this) + sizeof(JsonString);
   }
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::String; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 
@@ -45,7 +44,7 @@ class JsonString final : public Json {
   ~JsonString() override = default;
 
  private:
-  JsonString() noexcept = default;
+  JsonString() noexcept : Json(JsonType::String) {}
 
   std::size_t m_size;  // the text lies behind the object
 };

@@ -57,7 +57,7 @@ void JsonWriter::BeginObject(const JsonObject& object) {
   m_out += m_pretty ? "{\n" : "{";
   m_open.push_back({true, m_members.size(), m_members.size(), m_keys.size()});
   ++m_indentLevel;
-  const auto collect = [](const char* key, Json** value, void* context) {
+  const auto collect = [](const char* key, Json* const* value, void* context) {
     auto& writer = *static_cast<JsonWriter*>(context);
     writer.m_members.push_back({*value, writer.m_keys.size()});
     writer.m_keys += key;

@@ -38,29 +38,23 @@ class RefCount3 {
   // that was made with `deleteWhenUnreferenced` false. Does nothing here.
   virtual void OnLastRelease() noexcept;
 
-  // Whether there is one reference alone.
-  bool IsHeldOnce() const noexcept { return m_refCount.load(std::memory_order_acquire) == 1; }
-
   // The counting half of Release: true when the caller must delete the object.
+  //
+  // A caller that reads a count of one holds the only reference, so no other thread
+  // can change the count. This case needs no locked instruction, and nearly every
+  // value of a message is released in it.
   bool DropReference() noexcept {
-    if (!WasLast()) return false;
+    if (m_refCount.load(std::memory_order_acquire) != 1 &&
+        m_refCount.fetch_sub(1, std::memory_order_acq_rel) > 1) {
+      return false;
+    }
     if (m_deleteWhenUnreferenced) return true;
+    m_refCount.store(0, std::memory_order_relaxed);
     OnLastRelease();
     return false;
   }
 
  private:
-  // Whoever sees a count of one holds the only reference, so nobody else can
-  // change it meanwhile: that road needs no locked instruction, and nearly
-  // every value of a message takes it.
-  bool WasLast() noexcept {
-    if (m_refCount.load(std::memory_order_acquire) != 1) {
-      return m_refCount.fetch_sub(1, std::memory_order_acq_rel) <= 1;
-    }
-    m_refCount.store(0, std::memory_order_relaxed);
-    return true;
-  }
-
   bool m_deleteWhenUnreferenced;
   std::atomic<std::int32_t> m_refCount;
 };

@@ -72,6 +72,7 @@ class StrDict3 {
   // the key's text is gone afterwards. False stops the walk. It must not insert
   // into the dictionary.
   using Callback = bool (*)(const char* key, T* value, void* context);
+  using ConstCallback = bool (*)(const char* key, T const* value, void* context);
 
   class Path;
 
@@ -81,14 +82,9 @@ class StrDict3 {
     m_ownsAllocator = true;
   }
 
-  // With an allocator that belongs to somebody else.
+  // With an allocator that belongs to the caller.
   explicit StrDict3(IAllocator* allocator, bool caseSensitive = false, bool foldToUpper = false)
       : m_allocator(allocator), m_folding(KeyFolding::For(caseSensitive, foldToUpper)) {}
-  explicit StrDict3(StandardAllocator* allocator, bool caseSensitive = false,
-                    bool foldToUpper = false)
-      : StrDict3(static_cast<IAllocator*>(allocator), caseSensitive, foldToUpper) {
-    m_standardAllocator = allocator;
-  }
 
   // Gives every node back and deletes the allocator if it is the dictionary's
   // own (nodes of that one simply go with it). Values are not touched.
@@ -123,18 +119,28 @@ class StrDict3 {
   // before those that extend it, with `prefix` set before each key. False when
   // a callback stopped the walk. Ends the process when prefix and key together
   // exceed kMaxVisitedKeyLength.
-  bool ForEach(const char* prefix, Callback callback, void* context) const;
+  bool ForEach(const char* prefix, Callback callback, void* context) {
+    return Walk(prefix, callback, context);
+  }
+  bool ForEach(const char* prefix, ConstCallback callback, void* context) const {
+    return Walk(prefix, callback, context);
+  }
 
-  // Takes the first pair, in the order of ForEach, out of the dictionary and
-  // gives its value; false when none is left. Assembles no key, so keys may
-  // have any length, and never allocates. For a dictionary that is about to go
-  // together with its allocator: nodes are dropped, not given back, and after
-  // the first call it is good for nothing but further ones and destruction.
-  bool TakeFirst(T& value) noexcept;
-
-  // Drops all nodes without giving them back, for a dictionary that is about to go
-  // together with its allocator.
-  void Forget() noexcept { m_root = nullptr; }
+  // Takes pairs out of the dictionary, in the order of ForEach, until take(value)
+  // returns false or none is left. True if none is left. Assembles no key, so keys may
+  // have any length, and never allocates. Passes each node that is no longer needed to
+  // free(node). After the first call the dictionary is good for further ones and
+  // destruction only.
+  template <class Take, class Free>
+  bool TakeEach(Take take, Free free) noexcept;
+  // Takes the first pair like this and stores its value; false if none is left.
+  bool TakeFirst(T& value) noexcept {
+    const auto take = [&value](const T& taken) noexcept {
+      value = taken;
+      return false;
+    };
+    return !TakeEach(take, [this](Node* node) noexcept { m_allocator->FreeNode(node); });
+  }
 
   // Gives every node back; the values are not touched.
   void Clear() noexcept {
@@ -148,11 +154,6 @@ class StrDict3 {
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  Node* AllocNode() {
-    return m_standardAllocator != nullptr ? m_standardAllocator->AllocNode()
-                                          : m_allocator->AllocNode();
-  }
-
   static KeyPiece Run(const Node& node) noexcept { return {node.low, node.high, node.length}; }
   // Gives a node its characters and no value.
   static void SetRun(Node* node, const KeyPiece& piece) noexcept {
@@ -178,12 +179,10 @@ class StrDict3 {
   // the order of ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
 
-  static bool Visit(char* key, std::size_t length, Node* node, Callback callback, void* context);
+  template <class AnyCallback>
+  bool Walk(const char* prefix, AnyCallback callback, void* context) const;
 
   IAllocator* m_allocator;
-  // The same allocator when it is the standard one, whose calls the compiler
-  // can then see through: nearly every key of a message gets a node.
-  StandardAllocator* m_standardAllocator = nullptr;
   const KeyFolding& m_folding;
   Node* m_root = nullptr;
   bool m_ownsAllocator = false;
@@ -193,10 +192,7 @@ template <class T>
 template <std::uint32_t NodesPerBlock>
 class StrDict3<T>::Allocator final : public IAllocator {
  public:
-  // With `count` nodes of memory at `firstNodes`, which must outlive the allocator;
-  // all others come from the heap.
-  explicit Allocator(Node* firstNodes = nullptr, std::uint32_t count = 0) noexcept
-      : m_next(firstNodes), m_end(firstNodes + count), m_provided(count) {}
+  Allocator() = default;
   ~Allocator() override {
     while (m_blocks != nullptr) {
       Block* block = m_blocks;
@@ -245,13 +241,13 @@ class StrDict3<T>::Allocator final : public IAllocator {
     ++m_blockCount;
   }
 
-  Node* m_next;  // never handed out, up to the end
-  Node* m_end;
+  Node* m_next = nullptr;  // never handed out, up to the end
+  Node* m_end = nullptr;
   Node* m_freeNodes = nullptr;
   std::uint32_t m_freeCount = 0;
-  std::uint32_t m_provided;
+  std::uint32_t m_provided = 0;
   std::uint32_t m_blockCount = 0;
-  Block* m_blocks = nullptr;  // those from the heap
+  Block* m_blocks = nullptr;
 };
 
 // Lays a key's path piece by piece, so that a key that is still being read needs
@@ -270,6 +266,12 @@ class StrDict3<T>::Path {
   // one where the key ends. Foldings are readers.
   template <class Reader>
   const char* Append(const char* at, const Reader& reader);
+
+  // The same for the only piece of a key, which is shorter than kMaxLength. False if it
+  // takes more than one node; then the path is good for nothing more.
+  [[nodiscard]] bool AppendOnly(const KeyPiece& piece) {
+    return piece.length == 0 || Lay(piece) == piece.length;
+  }
 
   // The same for a whole key, and for one character that is not NUL.
   void Append(const char* key) { Append(key, m_dictionary.m_folding); }
@@ -328,7 +330,7 @@ inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
 // Hangs a new node in at `link`.
 template <class T>
 inline void StrDict3<T>::Path::Extend(Node** link, const KeyPiece& piece) {
-  Node* node = m_dictionary.AllocNode();
+  Node* node = m_dictionary.m_allocator->AllocNode();
   SetRun(node, piece);
   node->nextSibling = *link;
   node->firstChild = nullptr;
@@ -394,7 +396,8 @@ inline const T* StrDict3<T>::FindValue(const FoldedKey& key) const noexcept {
 }
 
 template <class T>
-bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) const {
+template <class AnyCallback>
+bool StrDict3<T>::Walk(const char* prefix, AnyCallback callback, void* context) const {
   struct Later {
     Node* node;
     std::size_t length;
@@ -406,12 +409,14 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
   if (length > kMaxVisitedKeyLength) EndProcessOnLongKey();
   std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
-    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
+    // Every node on the way down has a character, so this also limits `later`.
     if (length + node->length > kMaxVisitedKeyLength) EndProcessOnLongKey();
+    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
     const std::uint64_t run[] = {node->low, node->high};
     std::memcpy(key + length, run, sizeof run);
     length += node->length;
-    if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
+    key[length] = '\0';
+    if (node->hasValue && !callback(key, &node->value, context)) return false;
     node = node->firstChild;
     if (node == nullptr && lastLater != later) {
       node = (--lastLater)->node;
@@ -422,15 +427,8 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
 }
 
 template <class T>
-bool StrDict3<T>::Visit(char* key, std::size_t length, Node* node, Callback callback,
-                        void* context) {
-  key[length] = '\0';
-  return callback(key, &node->value, context);
-}
-
-template <class T>
 [[gnu::noinline]] void StrDict3<T>::Divide(Node* node, std::size_t kept) {
-  Node* rest = AllocNode();
+  Node* rest = m_allocator->AllocNode();
   const KeyPiece whole = Run(*node);
   SetRun(rest, whole.Behind(kept));
   rest->nextSibling = nullptr;
@@ -441,7 +439,7 @@ template <class T>
 }
 
 template <class T>
-typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
+inline typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
   Node* next = first->firstChild;
   if (next == nullptr) return first->nextSibling;
   if (first->nextSibling != nullptr) {
@@ -455,15 +453,21 @@ typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
 }
 
 template <class T>
-bool StrDict3<T>::TakeFirst(T& value) noexcept {
+template <class Take, class Free>
+inline bool StrDict3<T>::TakeEach(Take take, Free free) noexcept {
   Node* node = m_root;
-  while (node != nullptr && !node->hasValue) node = Successor(node);
-  if (node == nullptr) {
-    m_root = nullptr;
-    return false;
+  while (node != nullptr) {
+    Node* const next = Successor(node);
+    const bool hasValue = node->hasValue != 0;
+    const T value = hasValue ? node->value : T{};
+    free(node);
+    node = next;
+    if (hasValue && !take(value)) {
+      m_root = node;
+      return false;
+    }
   }
-  value = node->value;
-  m_root = Successor(node);
+  m_root = nullptr;
   return true;
 }
 

@@ -49,7 +49,6 @@ class ValueMemory {
   void* Take(std::size_t bytes) {
     const std::size_t whole = sizeof(Head) + RoundUp(bytes);
     if (whole > m_left) {
-      if (m_slab != nullptr || bytes > kLargestPiece) m_isOneText = false;
       if (bytes > kLargestPiece) return TakeAlone(bytes);
       OpenSlab();
     }
@@ -57,22 +56,18 @@ class ValueMemory {
     m_left -= whole;
     ++m_pieces;
     ASAN_UNPOISON_MEMORY_REGION(head, sizeof(Head) + bytes);
-    const auto offset = static_cast<std::uint16_t>(kSlabBytes - m_left - whole);
-    return new (head) Head{offset, 0, static_cast<std::uint32_t>(bytes)} + 1;
+    const auto offset = static_cast<std::uint32_t>(kSlabBytes - m_left - whole);
+    return new (head) Head{offset, static_cast<std::uint32_t>(bytes)} + 1;
   }
 
   // A piece of the heap that Free knows, for a value that stands alone.
   static void* TakeAlone(std::size_t bytes);
 
-  // To be said when a text was read whole and its first piece holds all others: if
-  // they lie in one slab they can then go all at once (see Text).
-  void EndText() noexcept;
+  // From `memory` if there is one, else a piece of the heap.
+  static void* Take(ValueMemory* memory, std::size_t bytes) {
+    return memory != nullptr ? memory->Take(bytes) : TakeAlone(bytes);
+  }
 
-  // To be said, of any piece, before its value is made to hold another one: from
-  // then on the pieces of its text go each for itself.
-  static void BreakText(void* piece) noexcept;
-
-  class Text;
   class Returns;
 
   // Gives a piece back, from either source and on any thread.
@@ -80,18 +75,13 @@ class ValueMemory {
 
  private:
   struct Head {
-    std::uint16_t slabOffset;  // from the slab's begin to here; 0: of the heap
-    std::uint16_t others;      // pieces that are given back together with this one
+    std::uint32_t slabOffset;  // from the slab's begin to here; 0: of the heap
     std::uint32_t bytes;       // of the piece
   };
   struct Slab {
     // Pieces in use, once all that will ever be cut from the slab are counted
     // in; before that, the number given back, negative.
     std::atomic<std::int32_t> inUse{0};
-    // Of the one text that fills the slab from its begin on, 0 if there is none:
-    // the offset of its end, in kAlignment.
-    std::atomic<std::uint16_t> textEnd{0};
-    std::uint16_t textPieces = 0;
   };
 
   static constexpr std::size_t kAlignment = 8;
@@ -110,57 +100,6 @@ class ValueMemory {
   Slab* m_slab = nullptr;
   std::size_t m_left = 0;     // bytes of the slab
   std::int32_t m_pieces = 0;  // cut from it
-  bool m_isOneText = true;    // all of the text so far lies here, and nothing else
-};
-
-// The pieces that were taken for a text behind its first one, if they are still as
-// they were at its end: all there, and nobody said BreakText. Empty otherwise.
-class ValueMemory::Text {
- public:
-  explicit Text(void* first) noexcept {
-    Head& head = HeadOf(first);
-    if (head.slabOffset != kAlignment) return;
-    Slab* slab = SlabOf(head);
-    const std::size_t end = slab->textEnd.load(std::memory_order_relaxed) * kAlignment;
-    const std::int32_t inUse = slab->inUse.load(std::memory_order_acquire);
-    if (end == 0 || (inUse != 0 && inUse != slab->textPieces)) return;
-    m_slab = slab;
-    m_head = &head;
-    m_second = After(first);
-    m_end = reinterpret_cast<char*>(slab) + end;
-  }
-
-  [[nodiscard]] bool Empty() const noexcept { return m_slab == nullptr; }
-
-  // Whether `holds` is true of every piece.
-  template <class Predicate>
-  [[nodiscard]] bool All(Predicate holds) const noexcept {
-    // Pieces begin behind their heads, so where the last one ends there is none.
-    for (char* piece = m_second; piece < m_end; piece = After(piece)) {
-      if (!holds(piece)) return false;
-    }
-    return true;
-  }
-
-  // They go when the first piece goes. Answers how many they are.
-  std::uint16_t GiveBack() noexcept {
-    static_cast<void>(All([](void* piece) {
-      ASAN_POISON_MEMORY_REGION(piece, HeadOf(piece).bytes);
-      return piece != nullptr;
-    }));
-    m_head->others = static_cast<std::uint16_t>(m_slab->textPieces - 1);
-    return m_head->others;
-  }
-
- private:
-  static char* After(void* piece) noexcept {
-    return static_cast<char*>(piece) + RoundUp(HeadOf(piece).bytes) + sizeof(Head);
-  }
-
-  Slab* m_slab = nullptr;
-  Head* m_head = nullptr;
-  char* m_second = nullptr;
-  const char* m_end = nullptr;
 };
 
 // Pieces that one thread gives back one after the other, counted in one step
@@ -173,19 +112,24 @@ class ValueMemory::Returns {
   Returns& operator=(const Returns&) = delete;
 
   void Add(void* piece) noexcept {
-    Head& head = HeadOf(piece);
-    if (head.slabOffset == 0) return ::operator delete(&head);
-    Slab* slab = SlabOf(head);
-    ASAN_POISON_MEMORY_REGION(piece, head.bytes);
-    if (slab != m_slab) {
+    if (!IsInSlab(piece)) [[unlikely]] {
+      Head& head = HeadOf(piece);
+      if (head.slabOffset == 0) return ::operator delete(&head);
       Settle();
-      m_slab = slab;
+      m_slab = SlabOf(head);
       m_pieces = 0;
     }
-    m_pieces += 1 + head.others;
+    ASAN_POISON_MEMORY_REGION(piece, HeadOf(piece).bytes);
+    ++m_pieces;
   }
 
  private:
+  // Without a look at the piece: a message's pieces lie in one slab, as a rule.
+  bool IsInSlab(const void* piece) const noexcept {
+    const auto distance =
+        reinterpret_cast<std::uintptr_t>(piece) - reinterpret_cast<std::uintptr_t>(m_slab);
+    return distance < kSlabBytes;
+  }
   void Settle() noexcept {
     if (m_pieces != 0) Retire(m_slab, m_pieces);
   }

@@ -74,7 +74,7 @@ bool DecodeElement(const JsonObject& elements, const char* key, const Field& fie
   return true;
 }
 
-bool CollectKey(const char* key, Json**, void* keys) {
+bool CollectKey(const char* key, Json* const*, void* keys) {
   static_cast<std::vector<std::string>*>(keys)->emplace_back(key);
   return true;
 }

@@ -16,7 +16,7 @@ std::string OnlyKey(const std::string& text) {
   const JsonRef<JsonObject> root(static_cast<JsonObject*>(Parse(result, text.c_str())));
   EXPECT_TRUE(root) << text << ": " << result.errorMessage;
   std::string keys;
-  const auto collect = [](const char* key, Json**, void* context) {
+  const auto collect = [](const char* key, Json* const*, void* context) {
     *static_cast<std::string*>(context) += key;
     return true;
   };

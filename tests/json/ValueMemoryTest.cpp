@@ -115,16 +115,6 @@ TEST_F(ValueMemoryTest, TextAfterTextTakesNothingMoreFromTheHeap) {
   EXPECT_EQ(Tests::Allocations(), before);
 }
 
-TEST_F(ValueMemoryTest, EndOfATextOfWhichNothingWasKeptIsNothing) {
-  ValueMemory memory;
-  memory.EndText();
-  memory.Rewind();
-  memory.EndText();
-  void* piece = memory.Take(8);
-  EXPECT_TRUE(ValueMemory::Text(piece).Empty());
-  ValueMemory::Free(piece);
-}
-
 TEST_F(ValueMemoryTest, RewindingLeavesWhatIsStillInUse) {
   ValueMemory memory;
   auto* kept = static_cast<char*>(memory.Take(8));

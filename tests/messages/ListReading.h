@@ -14,7 +14,7 @@ std::vector<std::pair<std::string, const E*>> Elements(const KeyedList<E>& list)
   std::vector<std::pair<std::string, const E*>> found;
   list.ForEach(
       "",
-      [](const char* key, E** element, void* context) {
+      [](const char* key, E* const* element, void* context) {
         static_cast<decltype(found)*>(context)->emplace_back(key, *element);
         return true;
       },
