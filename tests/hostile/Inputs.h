@@ -32,6 +32,7 @@ struct Scale {
   std::size_t unreadFrames;   // reported ones, of which a peer reads nothing
   bool fillsTheLink;          // whether they are more than the system has room for
   std::size_t longest;        // characters of a key, levels of a nesting
+  std::size_t emptyKeys;      // frames with values under empty keys
 };
 
 // That of this build and machine: hundreds under Wine and with a sanitizer,
@@ -40,6 +41,10 @@ Scale UsualScale();
 
 // A good frame: so many streams, so many of them in error.
 std::string StreamsFrame(int count, int errors);
+
+// Frames with values under empty keys: alone and beside other members, nested and as
+// containers, with the key written as nothing and as \u0000.
+std::vector<std::string> EmptyKeyFrames();
 
 // A short good frame that raises two traps, and so two reports to the peer, when
 // `errors` is not what it was.
