@@ -4,13 +4,9 @@
 #include <string_view>
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNull.h"
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
-#include "json/NumberReading.h"
+#include "json/JsonScalars.h"
 #include "json/StringScan.h"
 
 namespace Vask {

@@ -36,7 +36,7 @@ class RefCount3 {
 
   // Called in place of the deletion when the last reference goes from an object
   // that was made with `deleteWhenUnreferenced` false. Does nothing here.
-  virtual void OnLastRelease() noexcept;
+  virtual void OnLastRelease() noexcept {}
 
   // The counting half of Release: true when the caller must delete the object.
   //

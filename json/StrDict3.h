@@ -11,8 +11,6 @@
 #include <utility>
 
 #include "json/FoldedKey.h"
-#include "json/KeyFolding.h"
-#include "json/KeyPiece.h"
 
 namespace Vask {
 
@@ -412,8 +410,7 @@ bool StrDict3<T>::Walk(const char* prefix, AnyCallback callback, void* context) 
     // Every node on the way down has a character, so this also limits `later`.
     if (length + node->length > kMaxVisitedKeyLength) EndProcessOnLongKey();
     if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
-    const std::uint64_t run[] = {node->low, node->high};
-    std::memcpy(key + length, run, sizeof run);
+    Run(*node).CopyTo(key + length);
     length += node->length;
     key[length] = '\0';
     if (node->hasValue && !callback(key, &node->value, context)) return false;

@@ -3,8 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "json/KeyFolding.h"
-#include "json/KeyPiece.h"
+#include "json/FoldedKey.h"
 #include "json/SixteenCharacters.h"
 
 namespace Vask {

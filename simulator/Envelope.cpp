@@ -4,7 +4,7 @@
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "simulator/Text.h"
 
 namespace Simulator {

@@ -1,12 +1,9 @@
 #include "json/JsonObject.h"
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNull.h"
-#include "json/JsonNumber.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 #include "tests/json/RecordingValue.h"
 

@@ -5,11 +5,9 @@
 #include <vector>
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 
 namespace Vask {

@@ -2,11 +2,10 @@
 #include <string>
 #include <thread>
 
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 
 // The values of a text lie together and may go together. Whatever was done with
