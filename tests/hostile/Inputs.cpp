@@ -18,7 +18,7 @@ constexpr char kProduct[] = R"({"messageType":{"Product":{"Name":"N","Version":"
 
 // A number or an array takes two bytes, an empty text or object three, and each is
 // a value of its own on the heap, an object that holds something with a dictionary.
-constexpr std::size_t kMemoryPerByteOfTinyValues = 150;
+constexpr std::size_t kMemoryPerByteOfTinyValues = 64;
 
 std::string Frame(std::string_view body) {
   std::string frame;
