@@ -11,7 +11,7 @@
 
 namespace Vask {
 
-// What a value is; readers ask Type() first and cast afterwards.
+// What a value is. A reader asks Type() first and casts afterwards.
 enum class JsonType : std::uint8_t {
   Object = 1,
   Array = 2,
@@ -25,8 +25,8 @@ enum class JsonType : std::uint8_t {
 // JsonNumber, JsonBool and JsonNull. A message is a tree of them, and each
 // container holds one reference to every value in it.
 //
-// References may be given back from any thread. Everything else (filling,
-// reading, writing) is unsynchronised: one thread at a time works on a tree.
+// Any thread may release a reference. Everything else (filling, reading, writing) is
+// unsynchronised: one thread at a time works on a tree.
 // Stack use never follows the depth of a tree: neither writing nor releasing
 // recurses. Making a value or writing may throw std::bad_alloc, which leaves
 // the tree as it was; releasing allocates nothing.
@@ -50,9 +50,8 @@ class Json : public RefCount3 {
   static std::uint32_t Constructed() noexcept { return Read(s_constructed); }
   static std::uint32_t Destroyed() noexcept { return Read(s_destroyed); }
 
-  // The container around this one while a text is read, so that the parser needs no
-  // stack of its own, and whether that container does not hold this one. Undefined
-  // before SetAround, and after a release.
+  // For the parser, which therefore needs no stack of its own: the container around this
+  // one, and whether that container holds this one. Undefined after a release.
   Json* Around() const noexcept { return m_around; }
   bool IsHeldByAround() const noexcept { return m_isHeldByAround; }
   void SetAround(Json* container, bool isHeld) noexcept {

@@ -50,7 +50,7 @@ class JsonArray final : public Json {
   JsonArray() noexcept : Json(JsonType::Array) {}
 
   // Puts `value`, which must not be null, at the end. The array takes a
-  // reference of its own; the caller keeps his.
+  // reference of its own; the caller keeps its reference.
   void Append(Json* value) {
     AppendAdopted(value);
     value->AddRef();

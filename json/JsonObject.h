@@ -26,7 +26,7 @@ class JsonObject final : public Json {
   void CloseText() noexcept { m_nodes.CloseText(); }
 
   // Stores `value` under the key, in place of any earlier value, which is
-  // released. The object takes a reference of its own; the caller keeps his and
+  // released. The object takes a reference of its own; the caller keeps its reference and
   // releases it when done. False, with nothing changed, for a null value.
   //
   // An empty key stores nothing; yet the object takes its reference, which nothing

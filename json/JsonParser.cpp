@@ -36,13 +36,13 @@ int HexDigit(char c) {
   return -1;
 }
 
-// Where the characters of a string go: either into a buffer of sufficient size
-// or into a dictionary.
+// A sink receives the characters of a string: a buffer of sufficient size, or a
+// dictionary.
 class BufferSink {
  public:
   explicit BufferSink(char* begin) : m_end(begin) {}
   void Append(char c) { *m_end++ = c; }
-  // Takes what is plain from `at` on; answers where that ends.
+  // Takes the plain characters from `at` on, and returns the place behind them.
   const char* AppendPlain(const char* at) {
     while (kPlainCharacters.Fold(*at) != 0) *m_end++ = *at++;
     return at;
@@ -64,19 +64,18 @@ class KeySink {
   JsonObject::Dictionary::Path m_path;
 };
 
-// One pointer runs over the text once. At each place where a value may stand,
-// BeginValue reads a scalar, a string or an empty container whole, or opens a
-// container: that is given to the one around it at once and becomes the
-// innermost, and what follows is read into it. AfterValue reads on from a value's
-// end to the next value, over the ends of as many containers as end there. No
-// call goes deeper for a nested value.
+// One pointer runs over the text once. BeginValue reads a scalar, a string or an empty
+// container whole, or opens a container: the container around it takes that at once, it
+// becomes the innermost, and the parser reads on into it. AfterValue reads from a value's
+// end to the next value, over the ends of all containers that end there. No call goes
+// deeper for a nested value.
 //
-// Each step takes the place where it begins and answers the place where it ended,
-// or null when there is nothing more to read: after a fault, or when the root is
-// complete. So the pointer stays in a register from the first character on.
+// Each step takes the place where it begins and returns the place where it ended, or null
+// if there is nothing more to read: after a fault, or when the root is complete. So the
+// pointer stays in a register from the first character on.
 //
-// The line's beginning is kept instead of a column: the column is the distance
-// to it. A character that does not count moves it along.
+// The parser keeps the beginning of the line instead of a column: the column is the
+// distance to it. A character that does not count moves the beginning along.
 class JsonParser {
  public:
   JsonParser(const char* text, ValueMemory& memory)
@@ -89,8 +88,8 @@ class JsonParser {
   void Report(ParseResult& result) const;
 
  private:
-  // Where reading goes on, and the value that was read whole there: null when a
-  // container was opened, or after a fault.
+  // The place to read on, and the value that was read whole: null after a container was
+  // opened, or after a fault.
   struct Begun {
     const char* at;
     Json* value;
@@ -138,8 +137,8 @@ class JsonParser {
   JsonObject::Dictionary::Node* m_key = nullptr;  // under which its next value goes
 };
 
-// A parse that failed leaves containers open, of which those under an empty key are held
-// by no other one.
+// A parse that failed leaves containers open. No other container holds those under an
+// empty key.
 JsonParser::~JsonParser() {
   while (m_innermost != nullptr) {
     Json* around = m_innermost->Around();
@@ -205,7 +204,7 @@ JsonParser::Begun JsonParser::BeginArray(const char* at) {
   return {at, nullptr};
 }
 
-// Takes over the reference to a container that has something in it.
+// Takes over the reference to a container that is not empty.
 inline void JsonParser::Open(Json* container, JsonObject* object) {
   const bool isUnderEmptyKey = m_object != nullptr && m_key == nullptr;
   if (m_innermost == nullptr) {
@@ -227,7 +226,7 @@ inline void JsonParser::Close() {
   m_object = isObject ? static_cast<JsonObject*>(m_innermost) : nullptr;
 }
 
-// Gives the reference to the innermost container. An object takes nothing under an
+// Passes the reference to the innermost container. An object stores nothing under an
 // empty key.
 inline void JsonParser::Give(Json* value) {
   if (m_object == nullptr) {
@@ -260,7 +259,7 @@ inline const char* JsonParser::AfterValue(const char* at) {
   return nullptr;
 }
 
-// Inline wherever it is called: a call for every key is a tenth of its cost.
+// Always inline: a call for every key is a tenth of its cost.
 [[gnu::always_inline]] inline const char* JsonParser::ReadKey(const char* at) {
   if (*at != '"') return Fail(at, kExpectedKey);
   const KeyPiece piece = KeyReader(m_textEnd).Piece(at + 1);

@@ -11,8 +11,8 @@ namespace Vask {
 
 namespace {
 
-// Whether a number that no double holds is so because it is too large; the
-// others are too small. Told by the place of its first significant digit.
+// Of a number that no double holds: true if it is too large, false if it is too small.
+// The place of its first significant digit decides.
 bool IsTooLarge(std::string_view text) {
   std::int64_t exponent = 0;
   const std::size_t e = text.find_first_of("eE");

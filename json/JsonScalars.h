@@ -12,7 +12,7 @@
 namespace Vask {
 
 // A string: bytes, UTF-8 where they are not ASCII. The text never changes once
-// the value is handed out.
+// the value is made.
 class JsonString final : public Json {
  public:
   // A new string with a copy of `text`; the caller owns the one reference. It
@@ -24,7 +24,7 @@ class JsonString final : public Json {
   }
 
   // A new string whose text is written in place: fill(buffer) gets room for
-  // `capacity` bytes and answers how many it has used. It must not throw.
+  // `capacity` bytes and returns how many it has used. It must not throw.
   template <class Fill>
   [[nodiscard]] static JsonString* CreateFilled(std::size_t capacity, Fill fill,
                                                 ValueMemory* memory = nullptr) {

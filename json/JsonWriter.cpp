@@ -57,8 +57,7 @@ unsigned DecodeSequence(const char* bytes, std::size_t length) {
   return unit;
 }
 
-// Appends what the character at the front becomes; answers how many bytes it
-// was made of.
+// Appends the form of the character at the front, and returns the number of its bytes.
 std::size_t AppendSpecial(std::string& out, std::string_view text, char treatment) {
   switch (treatment) {
     case kDrop:

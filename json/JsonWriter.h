@@ -12,9 +12,9 @@ namespace Vask {
 class JsonArray;
 class JsonObject;
 
-// Makes the two text forms of any tree; the values' Write and WritePretty lead
-// here. The time is linear in the text that comes out, and containers under way
-// are kept on a list of its own, so that the depth of a tree costs no stack.
+// Makes the two text forms of any tree, for Write and WritePretty of the values. The time
+// is linear in the length of the result. Open containers are on a list, so that the depth
+// of a tree costs no stack.
 //
 // The compact form has no white space. The indented one has a line for every
 // member; an empty container there is its two brackets with two line feeds

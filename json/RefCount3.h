@@ -6,8 +6,8 @@
 namespace Vask {
 
 // Base of everything that is shared by reference count. An object lives on the
-// heap, starts with one reference that belongs to its creator, and is deleted
-// by the Release that gives the last reference back.
+// heap, starts with one reference that belongs to its creator, and is deleted by the
+// Release of the last reference.
 //
 // AddRef and Release may be called from any thread, as long as the caller holds
 // a reference. What a derived class adds is not protected by this.
@@ -16,17 +16,17 @@ class RefCount3 {
   RefCount3(const RefCount3&) = delete;
   RefCount3& operator=(const RefCount3&) = delete;
 
-  // One more holder; each AddRef is owed one Release.
+  // Adds a reference. Each AddRef needs one Release.
   void AddRef() noexcept { m_refCount.fetch_add(1, std::memory_order_relaxed); }
 
-  // Gives one reference back. The last one deletes the object, so the caller
-  // must not touch it afterwards. Never fails and never allocates.
+  // Drops a reference. The last one deletes the object, so the caller must not touch
+  // it afterwards. Never fails and never allocates.
   void Release() noexcept {
     if (DropReference()) delete this;
   }
 
-  // References held at this moment; exact only while no other thread takes or
-  // gives one. For tests and diagnostics.
+  // References held at this moment; exact only while no other thread adds or drops one.
+  // For tests and diagnostics.
   std::int32_t RefCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
  protected:

@@ -16,16 +16,16 @@ namespace Vask {
 
 // Ends the process, after saying why on standard error: a dictionary holds a
 // key that, with the prefix of the enumeration, is longer than the buffer in
-// which keys are assembled. Whoever lets foreign keys into a dictionary that is
-// enumerated limits their length first.
+// which keys are assembled. A caller that stores foreign keys in a dictionary that is
+// enumerated must limit their length first.
 [[noreturn]] void EndProcessOnLongKey() noexcept;
 
 // A dictionary from NUL-terminated byte strings to values of type T, as a
 // character trie, with siblings in ascending order of their characters taken as
 // signed bytes (0x80 to 0xFF before ASCII). A node stands for a whole run of
-// characters where nothing branches off, since nearly every key of a message is
-// such a run. Unless it is case sensitive it folds ASCII letters on the way in and in
-// look-ups, and enumerates keys as folded.
+// characters if nothing branches off there, because nearly every key of a message is
+// such a run. Unless it is case sensitive, the dictionary folds ASCII letters when it
+// stores a key and when it looks one up, and enumerates keys as folded.
 //
 // T is a plain value (a pointer, as a rule), copied bit by bit; the dictionary
 // never releases what a pointer points at. Not synchronised. No operation uses
@@ -50,7 +50,7 @@ class StrDict3 {
     std::uint8_t hasValue;  // 1 when a key ends with the last character
   };
 
-  // Where nodes come from. One allocator may serve several dictionaries of one
+  // The source of nodes. One allocator may serve several dictionaries of one
   // thread; it must outlive those that do not own it.
   class IAllocator {
    public:
@@ -60,15 +60,15 @@ class StrDict3 {
     virtual void FreeNode(Node* node) noexcept = 0;
   };
 
-  // Gets nodes from the heap in blocks of `NodesPerBlock` and gives them back
-  // to it only in its destructor.
+  // Gets nodes from the heap in blocks of `NodesPerBlock`, and frees the blocks only in
+  // its destructor.
   template <std::uint32_t NodesPerBlock>
   class Allocator;
   using StandardAllocator = Allocator<16>;
 
   // Receives each key in turn, a pointer to its value and the caller's context;
-  // the key's text is gone afterwards. False stops the walk. It must not insert
-  // into the dictionary.
+  // the key's text is valid only during the call. False stops the walk. The callback
+  // must not insert into the dictionary.
   using Callback = bool (*)(const char* key, T* value, void* context);
   using ConstCallback = bool (*)(const char* key, T const* value, void* context);
 
@@ -84,8 +84,8 @@ class StrDict3 {
   explicit StrDict3(IAllocator* allocator, bool caseSensitive = false, bool foldToUpper = false)
       : m_allocator(allocator), m_folding(KeyFolding::For(caseSensitive, foldToUpper)) {}
 
-  // Gives every node back and deletes the allocator if it is the dictionary's
-  // own (nodes of that one simply go with it). Values are not touched.
+  // Frees every node, and deletes the allocator if the dictionary owns it. Does not
+  // touch values.
   virtual ~StrDict3() {
     if (m_ownsAllocator) {
       delete m_allocator;
@@ -98,17 +98,16 @@ class StrDict3 {
   StrDict3& operator=(const StrDict3&) = delete;
 
   // Stores the value under the key, over any earlier one, which is not
-  // released. False, with nothing stored, for a null or empty key. When memory
-  // runs out, std::bad_alloc leaves all stored pairs as they were.
+  // released. False, with nothing stored, for a null or empty key. If memory runs out,
+  // throws std::bad_alloc and leaves all stored pairs as they were.
   bool Insert(const char* key, const T& value);
 
-  // The node at which the key's path ends, or false when there is no such path
-  // (or no key). The node may be a mere prefix of longer keys: test hasValue.
-  // It is good until the next key comes in or goes.
+  // Stores the node at which the key's path ends; false if there is no such path (or no
+  // key). The node may be a mere prefix of longer keys: test hasValue. It is valid until
+  // the dictionary changes.
   bool Find(const char* key, const Node*& outNode) const noexcept;
 
-  // The value stored under the key, or null. It stays where it is until the next
-  // key comes in or goes.
+  // The value stored under the key, or null. Valid until the dictionary changes.
   const T* FindValue(const char* key) const noexcept;
   // The same for a key that was folded beforehand, and faster.
   const T* FindValue(const FoldedKey& key) const noexcept;
@@ -140,7 +139,7 @@ class StrDict3 {
     return !TakeEach(take, [this](Node* node) noexcept { m_allocator->FreeNode(node); });
   }
 
-  // Gives every node back; the values are not touched.
+  // Frees every node. Does not touch the values.
   void Clear() noexcept {
     while (Node* node = m_root) {
       m_root = Successor(node);
@@ -160,7 +159,7 @@ class StrDict3 {
     node->length = static_cast<std::uint8_t>(piece.length);
     node->hasValue = 0;
   }
-  // By these siblings are ordered.
+  // Siblings are in the order of these.
   static signed char First(const Node& node) noexcept { return Run(node).First(); }
 
   static void SetValue(Node* node, const T& value) noexcept {
@@ -172,9 +171,9 @@ class StrDict3 {
   // that something can end or branch off there. On std::bad_alloc all is as it was.
   void Divide(Node* node, std::size_t kept);
 
-  // What comes next when `first`, the first node of the first chain, is cut off:
-  // its children are put before its siblings. This takes a dictionary apart in
-  // the order of ForEach without a stack.
+  // The first node after `first`, the first node of the first chain, is cut off. Puts
+  // its children before its siblings. This takes a dictionary apart in the order of
+  // ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
 
   template <class AnyCallback>
@@ -201,7 +200,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator(const Allocator&) = delete;
   Allocator& operator=(const Allocator&) = delete;
 
-  // The node that was freed last, else one that was never handed out.
+  // Returns the node that was freed last, else one that was never used.
   Node* AllocNode() override {
     if (m_freeNodes != nullptr) {
       --m_freeCount;
@@ -230,7 +229,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
   };
 
   [[gnu::noinline]] void AddBlock() {
-    Block* block = new Block;  // left unset: whoever takes a node sets its fields
+    Block* block = new Block;  // left unset: the user of a node sets its fields
     block->next = m_blocks;
     m_blocks = block;
     m_next = block->nodes.data();
@@ -239,7 +238,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
     ++m_blockCount;
   }
 
-  Node* m_next = nullptr;  // never handed out, up to the end
+  Node* m_next = nullptr;  // never used, up to the end
   Node* m_end = nullptr;
   Node* m_freeNodes = nullptr;
   std::uint32_t m_freeCount = 0;
@@ -256,12 +255,12 @@ class StrDict3<T>::Path {
   explicit Path(StrDict3& dictionary) noexcept
       : m_dictionary(dictionary), m_level(&dictionary.m_root) {}
 
-  // Goes deeper along the characters up to the first that `reader` does not
-  // take, and answers its place. There are new nodes where there were none.
-  // Characters past kMaxKeyLength are passed over.
+  // Goes deeper along the characters up to the first that `reader` does not take, and
+  // returns the place of that one. Makes the nodes that are missing. Characters past
+  // kMaxKeyLength are passed over.
   //
-  // A reader answers Piece(at), the piece of the key that begins there; an empty
-  // one where the key ends. Foldings are readers.
+  // A reader has Piece(at), the piece of the key that begins there; an empty one at the
+  // end of the key. Foldings are readers.
   template <class Reader>
   const char* Append(const char* at, const Reader& reader);
 
@@ -305,8 +304,8 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const Reader& reade
   }
 }
 
-// Goes deeper by as many of the piece's characters as one node takes, and
-// answers their number.
+// Goes deeper by as many of the piece's characters as one node takes, and returns their
+// number.
 template <class T>
 inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
   const signed char first = piece.First();
@@ -325,7 +324,7 @@ inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
   return length;
 }
 
-// Hangs a new node in at `link`.
+// Inserts a new node at `link`.
 template <class T>
 inline void StrDict3<T>::Path::Extend(Node** link, const KeyPiece& piece) {
   Node* node = m_dictionary.m_allocator->AllocNode();

@@ -21,8 +21,7 @@ void ValueMemory::OpenSlab() {
 }
 
 void ValueMemory::Rewind() noexcept {
-  // Once the pieces given back are as many as were cut, nobody is left who could
-  // touch the slab.
+  // If all pieces have been freed, no thread can touch the slab any more.
   if (m_slab == nullptr) return;
   if (m_slab->inUse.load(std::memory_order_acquire) + m_pieces != 0) return;
   m_slab->inUse.store(0, std::memory_order_relaxed);
@@ -37,8 +36,8 @@ void ValueMemory::CloseSlab() noexcept {
   m_slab = nullptr;
 }
 
-// Whoever sees as few pieces in use as it brings holds the last ones, and needs
-// no locked instruction.
+// A caller that reads a count equal to its own pieces holds the last ones, and needs no
+// locked instruction.
 void ValueMemory::Retire(Slab* slab, std::int32_t pieces) noexcept {
   if (slab->inUse.load(std::memory_order_acquire) == pieces ||
       slab->inUse.fetch_sub(pieces, std::memory_order_acq_rel) == pieces) {

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <new>
 
-// Under AddressSanitizer what lies unused in a slab is as untouchable as freed
-// memory of the heap. Elsewhere these are nothing.
+// Under AddressSanitizer, unused memory of a slab is poisoned like freed memory of the
+// heap. Elsewhere these do nothing.
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #include <sanitizer/asan_interface.h>
@@ -19,21 +19,19 @@
 
 namespace Vask {
 
-// Memory for the values of one text, cut from larger pieces ("slabs"), because a
-// message's values come together and go together: one call of the heap for all
-// of them instead of one each. A slab goes back to the heap when the last value
-// in it was deleted, in whatever order and on whatever thread that happens; one
-// value that is kept keeps its slab.
+// Memory for the values of one text, cut from larger pieces ("slabs"), because the values
+// of a message are made and released together: one allocation for all of them instead of
+// one each. A slab is freed when the last piece in it is freed, in any order and on any
+// thread. One piece that is kept keeps its slab.
 //
-// Who reads one text after the other keeps one of these and rewinds it between
-// them: then the heap is hardly asked at all. Each piece has a small head that tells
-// where it came from, so that Free serves pieces of a slab and such of the heap
-// alike.
+// A caller that reads one text after the other keeps one of these and rewinds it between
+// them. Then nearly no text allocates. Each piece has a small head that says where it came
+// from, so that Free serves pieces of a slab and of the heap alike.
 class ValueMemory {
  public:
   // What a slab holds, heads included: the largest message of a few values.
   static constexpr std::size_t kSlabBytes = 4096;
-  // Larger pieces that do not fit any more come from the heap each for itself.
+  // A larger piece that does not fit has an allocation of its own.
   static constexpr std::size_t kLargestPiece = 1024;
 
   ValueMemory() = default;
@@ -41,8 +39,7 @@ class ValueMemory {
   ValueMemory(const ValueMemory&) = delete;
   ValueMemory& operator=(const ValueMemory&) = delete;
 
-  // Cuts from the beginning of the slab again, if all that was cut from it has
-  // been given back.
+  // Cuts from the beginning of the slab again, if all its pieces have been freed.
   void Rewind() noexcept;
 
   // A piece of `bytes`, aligned to 8. Throws std::bad_alloc.
@@ -70,7 +67,7 @@ class ValueMemory {
 
   class Returns;
 
-  // Gives a piece back, from either source and on any thread.
+  // Frees a piece, from either source and on any thread.
   static void Free(void* piece) noexcept;
 
  private:
@@ -79,8 +76,8 @@ class ValueMemory {
     std::uint32_t bytes;       // of the piece
   };
   struct Slab {
-    // Pieces in use, once all that will ever be cut from the slab are counted
-    // in; before that, the number given back, negative.
+    // Pieces in use, after the slab was closed. Before that: the number of freed pieces,
+    // negative.
     std::atomic<std::int32_t> inUse{0};
   };
 
@@ -102,8 +99,8 @@ class ValueMemory {
   std::int32_t m_pieces = 0;  // cut from it
 };
 
-// Pieces that one thread gives back one after the other, counted in one step
-// for each run that comes from the same slab. The last step is the destructor's.
+// Frees pieces for one thread, one after the other, and counts each run of pieces of one
+// slab in one step. The destructor does the last step.
 class ValueMemory::Returns {
  public:
   Returns() = default;

@@ -14,7 +14,7 @@ namespace {
 using OutOfMemoryTest = Tests::BalancedTest;
 
 // Runs `body` with an ever larger number of allocations until it comes through,
-// and answers how often it did not.
+// and returns how often it did not.
 template <class Body>
 int FailuresUntilItWorks(Body body) {
   for (int allowed = 0;; ++allowed) {

@@ -8,8 +8,8 @@
 #include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 
-// The values of a text lie together and may go together. Whatever was done with
-// them before, each must go once, and those that somebody holds must stay.
+// The values of a text lie together in memory. Each must be released once, whatever was
+// done with it before, and those that a caller holds must stay.
 
 namespace Vask {
 namespace {
