@@ -324,8 +324,6 @@ Input DamagedFrame(std::mt19937& random) {
         body.erase(at, Below(random, 10) + 1);
     }
   }
-  // A value under an empty key is never released, on purpose.
-  if (body.find("\"\"") != std::string::npos) return DamagedFrame(random);
   return {"damaged frame", Frame(body.empty() ? "x" : body), Then::InStep};
 }
 
