@@ -34,6 +34,7 @@ class JsonArray final : public Json {
       m_cell = m_cell->next;
       return *this;
     }
+    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators return a plain copy, as in the library
     Iterator operator++(int) noexcept {
       Iterator before = *this;
       ++*this;

@@ -70,12 +70,12 @@ class JsonObject final : public Json {
    public:
     Nodes() = default;
     Nodes(ValueMemory& memory, Dictionary::Node* room) noexcept
-        : m_memory(&memory), m_room(room), m_next(room) {}
+        : m_memory(&memory), m_next(room), m_end(room + kRoom) {}
 
     void CloseText() noexcept { m_memory = nullptr; }
 
     Dictionary::Node* AllocNode() override {
-      if (m_next != m_room + kRoom && m_room != nullptr) return m_next++;
+      if (m_next != m_end) return m_next++;
       return ::new (ValueMemory::Take(m_memory, sizeof(Dictionary::Node))) Dictionary::Node;
     }
     void FreeNode(Dictionary::Node* node) noexcept override {
@@ -88,14 +88,14 @@ class JsonObject final : public Json {
 
    private:
     bool IsInRoom(const Dictionary::Node* node) const noexcept {
-      const auto distance =
-          reinterpret_cast<std::uintptr_t>(node) - reinterpret_cast<std::uintptr_t>(m_room);
-      return distance < kRoom * sizeof(Dictionary::Node);
+      const auto toEnd =
+          reinterpret_cast<std::uintptr_t>(m_end) - reinterpret_cast<std::uintptr_t>(node);
+      return toEnd != 0 && toEnd <= kRoom * sizeof(Dictionary::Node);
     }
 
-    ValueMemory* m_memory = nullptr;  // null: the heap
-    Dictionary::Node* m_room = nullptr;
-    Dictionary::Node* m_next = nullptr;
+    ValueMemory* m_memory = nullptr;     // null: the heap
+    Dictionary::Node* m_next = nullptr;  // unused room, up to the end
+    Dictionary::Node* m_end = nullptr;
   };
 
   explicit JsonObject(ValueMemory& memory) noexcept
