@@ -156,18 +156,9 @@ struct Description;
 
 // --- Names ---
 
-// Not inlined, so that a sequence of comparisons with many names holds little more
-// than one comparison of lengths for each.
-[[gnu::noinline]] constexpr bool SameLetters(const char* a, const char* b, std::size_t length) {
-  for (std::size_t i = 0; i < length; ++i) {
-    if (Vask::FoldAscii(a[i]) != Vask::FoldAscii(b[i])) return false;
-  }
-  return true;
-}
-
 // Without regard to the case of ASCII letters, like every look-up.
 constexpr bool SameName(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && SameLetters(a.data(), b.data(), b.size());
+  return Vask::EqualsIgnoringCase(a, b);
 }
 constexpr bool SameName(const Vask::FoldedKey& a, const Vask::FoldedKey& b) {
   return SameName(std::string_view(a.Text()), std::string_view(b.Text()));

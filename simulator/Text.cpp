@@ -11,10 +11,6 @@ namespace Simulator {
 
 namespace {
 
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 template <class Number>
 bool ParseAll(std::string_view text, Number& number) {
   const char* const end = text.data() + text.size();
@@ -52,14 +48,6 @@ bool UnescapeOne(char letter, std::string_view& rest, char& byte) {
 }
 
 }  // namespace
-
-bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r';

@@ -4,12 +4,15 @@
 #include <string>
 #include <string_view>
 
+#include "json/Ascii.h"
+
 namespace Simulator {
 
 // Helpers for the lines that people write and read. They follow ASCII rules in
 // every locale.
 
-[[nodiscard]] bool EqualsIgnoringCase(std::string_view a, std::string_view b);
+using Vask::EqualsIgnoringCase;
+
 [[nodiscard]] bool IsBlank(char c);
 // Removes blanks at both ends; a carriage return is a blank.
 [[nodiscard]] std::string_view Trimmed(std::string_view text);

@@ -16,7 +16,7 @@ const Value* Find(const Value& object, const char* key) {
   const auto exact = object.find(key);
   if (exact != object.end()) return &*exact;
   for (auto member = object.begin(); member != object.end(); ++member) {
-    if (SameKey(member.key(), key)) return &*member;
+    if (Vask::EqualsIgnoringCase(member.key(), key)) return &*member;
   }
   return nullptr;
 }

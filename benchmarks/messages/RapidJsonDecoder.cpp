@@ -17,7 +17,7 @@ std::string_view TextOf(const Value& value) {
 // for the comparison.
 const Value* Find(const Value& object, std::string_view key) {
   for (auto member = object.MemberBegin(); member != object.MemberEnd(); ++member) {
-    if (SameKey(TextOf(member->name), key)) return &member->value;
+    if (Vask::EqualsIgnoringCase(TextOf(member->name), key)) return &member->value;
   }
   return nullptr;
 }

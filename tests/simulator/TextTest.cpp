@@ -21,12 +21,6 @@ TEST(TextTest, NoWordIsLeftInBlanks) {
   EXPECT_EQ(rest, "");
 }
 
-TEST(TextTest, CaseDoesNotMatterForAsciiLettersOnly) {
-  EXPECT_TRUE(EqualsIgnoringCase("SNMPupdate", "snmpUPDATE"));
-  EXPECT_FALSE(EqualsIgnoringCase("a", "ab"));
-  EXPECT_FALSE(EqualsIgnoringCase("[", "{"));
-}
-
 struct NumberRow {
   const char* name;
   const char* text;
