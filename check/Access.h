@@ -19,4 +19,8 @@ inline constexpr std::uint32_t kRightToReadAndExecute = kRightToRead | kRightToE
 [[nodiscard]] bool HasRights(const AccessFacts& access, const std::vector<std::string>& sids,
                              std::uint32_t rights);
 
+// The identifiers of one of Windows' own accounts for services, and of its groups. Empty for any
+// other account, whose groups are not known.
+[[nodiscard]] std::vector<std::string> SidsOf(const std::string& account);
+
 }  // namespace Check

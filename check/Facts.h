@@ -137,7 +137,6 @@ struct FirewallFacts {
 };
 
 struct Facts {
-  bool administrator = false;
   ServiceFacts service;
   std::vector<std::string> accountSids;  // the account of the service, and its groups
   RegistrationFacts registration;
