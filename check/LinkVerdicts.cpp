@@ -252,6 +252,9 @@ Verdict JudgeAnswer(const Facts& facts, const Options& options) {
   const std::string place = "127.0.0.1, UDP port " + std::to_string(options.port);
   switch (facts.answer.outcome) {
     case AnswerFacts::Outcome::kNotAsked:
+      if (facts.communities.InForce().state != KeyFacts::State::kUnreadable) {
+        return Skipped(kStep, "The service has no community that may read.");
+      }
       return Skipped(kStep,
                      "No community is known. Run this program as an administrator, or use "
                      "--community.");

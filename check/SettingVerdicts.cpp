@@ -27,6 +27,12 @@ Verdict Unreadable(StepId step, const char* what, const SettingFacts& setting) {
                            setting.InForce().whyUnreadable + '.');
 }
 
+// Without the service its lists mean nothing.
+bool IsMissing(const ServiceFacts& service) {
+  return service.state == ServiceFacts::State::kMissing;
+}
+constexpr char kNoService[] = "The service is not installed.";
+
 // The communities that may read. A policy lists their names only, and they may read.
 std::vector<std::string> ReadableCommunities(const KeyFacts& key) {
   std::vector<std::string> communities;
@@ -46,6 +52,7 @@ std::optional<std::string> ReadableCommunity(const SettingFacts& communities) {
 
 Verdict JudgeCommunities(const Facts& facts) {
   constexpr StepId kStep = StepId::kCommunities;
+  if (IsMissing(facts.service)) return Skipped(kStep, kNoService);
   const SettingFacts& setting = facts.communities;
   const KeyFacts& key = setting.InForce();
   if (key.state == KeyFacts::State::kUnreadable) {
@@ -73,6 +80,7 @@ Verdict JudgeCommunities(const Facts& facts) {
 
 Verdict JudgeManagers(const Facts& facts, const Options& options) {
   constexpr StepId kStep = StepId::kManagers;
+  if (IsMissing(facts.service)) return Skipped(kStep, kNoService);
   const SettingFacts& setting = facts.managers;
   const KeyFacts& key = setting.InForce();
   if (key.state == KeyFacts::State::kUnreadable) {
@@ -101,6 +109,7 @@ Verdict JudgeManagers(const Facts& facts, const Options& options) {
 Verdict JudgeTraps(const Facts& facts, const Options& options) {
   constexpr StepId kStep = StepId::kTraps;
   if (options.noTraps) return Skipped(kStep, "Not checked, because of --no-traps.");
+  if (IsMissing(facts.service)) return Skipped(kStep, kNoService);
   const SettingFacts& setting = facts.trapDestinations;
   if (setting.InForce().state == KeyFacts::State::kUnreadable) {
     return Unreadable(kStep, "The trap destinations", setting);

@@ -28,6 +28,9 @@ std::string Element(unsigned char tag, std::string_view content) {
   std::string element(1, static_cast<char>(tag));
   if (content.size() < 0x80) {
     element.push_back(static_cast<char>(content.size()));
+  } else if (content.size() < 0x100) {
+    element.push_back(static_cast<char>(0x81));
+    element.push_back(static_cast<char>(content.size()));
   } else {
     element.push_back(static_cast<char>(0x82));
     element.push_back(static_cast<char>(content.size() >> 8 & 0xFF));
