@@ -64,11 +64,13 @@ std::vector<std::string> MissingLibraries(const std::string& path, const Image& 
 
 FileFacts ReadDll(const std::string& path) {
   FileFacts dll;
-  const DWORD error = AttributesError(path);
-  if (error != ERROR_SUCCESS) {
+  const DWORD attributes = GetFileAttributesW(Wide(path).c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    const DWORD error = GetLastError();
     if (!IsMissing(error)) dll.whyUnknown = ErrorText(error);
     return dll;
   }
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return dll;
   dll.exists = true;
   dll.access = ReadAccess(path);
   const FileContent content = ReadFileTail(path, kLargestDll);

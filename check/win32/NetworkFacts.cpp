@@ -128,11 +128,10 @@ class RequestSocket {
 
   // Waits for a datagram. False if none came within the time, or the port is closed.
   [[nodiscard]] bool Receive(ULONGLONG waitMs, std::string& datagram, bool& refused) const {
-    fd_set readable;
-    FD_ZERO(&readable);
-    FD_SET(m_socket, &readable);
-    timeval wait{static_cast<long>(waitMs / 1000), static_cast<long>(waitMs % 1000) * 1000};
-    if (select(0, &readable, nullptr, nullptr, &wait) != 1) return false;
+    // Not select: under Wine it does not report that the port is closed.
+    const auto wait = static_cast<DWORD>(waitMs);
+    setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<const char*>(&wait),
+               sizeof wait);
     datagram.resize(0x10000);
     const int size = recv(m_socket, datagram.data(), static_cast<int>(datagram.size()), 0);
     if (size < 0) {
