@@ -3,7 +3,7 @@
 
 # What is the same on every system lies in these folders; platform/ is the one
 # place for the rest, with its own tests.
-set(folders json Src net messages agent simulator host tests benchmarks fuzz)
+set(folders json Src net messages agent simulator check host tests benchmarks fuzz)
 
 # At the border itself:
 set(allowed
@@ -13,12 +13,14 @@ set(allowed
     "^tests/hostile/(linux|win32)/"      # stands between the loaded module and the system
     "^tests/support/SmallStack\\.h$"      # the seam has one size of stack, on purpose
     "^agent/(linux|win32)/"              # what the loader calls
+    "^check/win32/"                      # finds facts about a Windows machine
     "^host/winelib/")                    # the side of the host that faces Windows
 
 set(os_headers
     # Windows
     windows winsock2? ws2tcpip mswsock mstcpip windef winbase winnt winuser shlobj shellapi objbase
     snmp mgmtapi process io direct conio winternl tlhelp32 psapi
+    aclapi iphlpapi netfw sddl winsvc
     # Linux
     unistd fcntl dirent dlfcn netdb poll pthread sched semaphore signal spawn syslog termios
     fnmatch glob pwd grp link
