@@ -36,7 +36,7 @@ bool CDailyEventLog::Open(const char* folder) {
 void CDailyEventLog::SetDaysToKeep(std::uint32_t days) {
   m_daysToKeep = days;
   if (m_isStandardOutput || m_date == nullptr) return;
-  (void)OpenToday();
+  static_cast<void>(OpenToday());
 }
 
 void CDailyEventLog::SetSizeLimit(std::uint32_t bytes) noexcept {
@@ -55,11 +55,10 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   const LogFolder opened(folder);
   const std::size_t prefixEnd = opened.Path().size() + std::strlen(kLogFilePrefix);
   if (prefixEnd + kLogDateLength + sizeof kLogFileExtension > kPathCapacity) return false;
-  (void)CFileName2::CreateFolders(folder, m_files);  // opening the file tells
+  static_cast<void>(CFileName2::CreateFolders(folder, m_files));  // OpenToday fails if this did
   m_folder = opened;
   m_isStandardOutput = false;
   m_daysToKeep = kDefaultDaysToKeep;
-  m_stoppedForToday = false;
   std::memcpy(m_path, opened.Path().data(), opened.Path().size());
   std::memcpy(m_path + opened.Path().size(), kLogFilePrefix, std::strlen(kLogFilePrefix));
   m_date = m_path + prefixEnd;
@@ -67,27 +66,24 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   return OpenToday();
 }
 
+// The count goes on where logging was stopped today: the warning leaves the file
+// shorter than the limit, so its length would let short pieces in again.
 bool CDailyEventLog::OpenToday() {
   Close();
   const std::int64_t now = m_clock.EpochSeconds();
-  StartDay(m_clock.ToLocal(now));
+  FormatLogDate(m_clock.ToLocal(now), m_date);
   m_file = m_files.OpenForAppend(m_path);
   if (m_file == Platform::kNoFile) return false;
   m_nextRotation = NextLogRotation(m_clock, now);
   if (m_daysToKeep != kKeepAll) {
     m_folder.DeleteOlderThan(m_files, m_nextRotation - std::int64_t{m_daysToKeep} * 86'400);
   }
-  m_bytesToday = m_files.Length(m_file);
+  if (!StoppedToday()) m_bytesToday = m_files.Length(m_file);
   return true;
 }
 
-// Opening the file of the same day again does not lift a stop.
-void CDailyEventLog::StartDay(const Platform::LocalTime& day) noexcept {
-  char date[kLogDateLength];
-  FormatLogDate(day, date);
-  if (std::memcmp(date, m_date, sizeof date) == 0) return;
-  std::memcpy(m_date, date, sizeof date);
-  m_stoppedForToday = false;
+bool CDailyEventLog::StoppedToday() const noexcept {
+  return std::memcmp(m_stoppedDate, m_date, sizeof m_stoppedDate) == 0;
 }
 
 void CDailyEventLog::Close() noexcept {
@@ -95,11 +91,11 @@ void CDailyEventLog::Close() noexcept {
   m_file = Platform::kNoFile;
 }
 
-// Kept out of every line's way.
+// Cold path: keep it out of the inlined code.
 [[gnu::cold]] void CDailyEventLog::StopForToday() {
-  if (m_stoppedForToday) return;
+  if (StoppedToday()) return;
   m_bytesToday = m_sizeLimit;
-  m_stoppedForToday = true;
+  std::memcpy(m_stoppedDate, m_date, sizeof m_stoppedDate);
   char warning[128];
   const int length = std::snprintf(
       warning, sizeof warning,

@@ -10,7 +10,7 @@ namespace Vask {
 
 using Platform::CriticalSectionLock;
 
-// The destructor needs the printer: asking for it here makes it live longer.
+// The destructor needs the printer. The call here makes the printer live longer.
 DailyLog::DailyLog(Platform::Clock& clock, Platform::Files& files, Platform::Sockets& sockets,
                    std::uint32_t levelMask)
     : m_levelMask(levelMask),
@@ -58,8 +58,8 @@ void DailyLog::DisableSyslog() {
   m_syslog.Disable();
 }
 
-// What every line runs through is marked as hot, here and where it goes on: the
-// linker puts such functions side by side.
+// All functions that every line runs through are marked hot, so that the linker puts
+// them side by side.
 [[gnu::hot]] void DailyLog::Info(const char* text) {
   Write(LogLevel::Info, text);
 }
@@ -116,8 +116,8 @@ void DailyLog::Write(LogLevel level, std::string_view text) {
   Record(level, text);
 }
 
-// While listeners are being told, further warnings and errors, theirs or those
-// of other threads, tell nobody: a listener that logs would never end.
+// While listeners are called, further warnings and errors of any thread are logged but
+// call no listener. Otherwise a listener that logs would never end.
 void DailyLog::WriteAndNotify(LogLevel level, std::string_view text, ListenerCall call) {
   if (!Wants(level)) return;
   std::optional<MessageHistoryCopy> history;
@@ -147,8 +147,8 @@ void DailyLog::Echo(const LogHead& head, std::string_view text) {
   }
 }
 
-// Goes by index, and asks for each before its call, since calls may add and
-// remove listeners. Those that are added meanwhile wait for the next message.
+// Walks by index and reads each listener just before its call, because a call may add
+// and remove listeners. A listener that is added meanwhile waits for the next message.
 void DailyLog::Notify(const MessageHistoryCopy& history, ListenerCall call) {
   const std::size_t nodes = ListenerNodes();
   for (std::size_t i = 0; i < nodes; ++i) {
@@ -156,7 +156,7 @@ void DailyLog::Notify(const MessageHistoryCopy& history, ListenerCall call) {
     if (listener == nullptr) continue;
     try {
       (listener->*call)(history.Blocks(), history.Count(), history.TotalLength());
-    } catch (...) {  // its own affair: the others are told all the same
+    } catch (...) {  // must affect neither the logging thread nor other listeners
     }
   }
 }

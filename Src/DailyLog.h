@@ -7,7 +7,6 @@
 #include "Src/CDailyEventLog.h"
 #include "Src/IDailyLog.h"
 #include "Src/LogHead.h"
-#include "Src/LogLevel.h"
 #include "Src/MessageHistory.h"
 #include "Src/SingletonRef.h"
 #include "Src/SyslogSender.h"
@@ -18,28 +17,27 @@
 
 namespace Vask {
 
-// The agent's one log. Every message goes, with its time and level, to the
-// day's file, to the console and to a syslog server where those are switched
-// on, and into a history of the last 20 messages, which listeners get with
-// every warning and error.
+// The agent's one log. It writes every message, with its time and level, to the day's
+// file and, if they are switched on, to the console and to a syslog server. It keeps
+// the last 20 messages and passes them to listeners with every warning and error.
 //
-// Any thread may call any operation; one lock makes each message whole. The lock
-// is held while a piece is written and is taken again by whoever holds it.
-// Listeners and the callback of EnumerateLogFiles are called without it.
+// Any thread may call any operation. One re-entrant lock keeps each message whole; the
+// log holds it while it writes a message, and not while it calls listeners or the
+// callback of EnumerateLogFiles.
 //
-// No failure of the log is reported anywhere: without a file, messages still go
-// to the rest.
+// The log reports no failure of its own. Without a file it still writes to the other
+// outputs.
 class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
  public:
   using MessageChunk = Vask::MessageChunk;
 
-  // The default arguments make the process's own log. All seams must outlive
-  // it. Levels whose bit is not in the mask are not logged at all.
+  // The default arguments are those of the process's own log. Clock, files and sockets
+  // must outlive it. A message whose level is not in the mask is dropped.
   explicit DailyLog(Platform::Clock& clock = Platform::SystemClock(),
                     Platform::Files& files = Platform::SystemFiles(),
                     Platform::Sockets& sockets = Platform::SystemSockets(),
                     std::uint32_t levelMask = kAllLogLevels);
-  // Takes itself out of the printer first: later messages go to the console.
+  // Removes itself from the printer first: later messages go to the console.
   ~DailyLog() override;
   DailyLog(const DailyLog&) = delete;
   DailyLog& operator=(const DailyLog&) = delete;
@@ -52,11 +50,11 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   // Prints every message on the standard output as well; off at first.
   void SetConsoleEcho(bool echo) VASK_EXCLUDES(m_lock);
 
-  // Copies every message to `host`, a name or dotted address with an optional
-  // colon and port (514 without). `localPort` is the port to send from: 0 any,
-  // negative the one used last time. False, with nothing changed, for a port 0
-  // or a host that does not resolve; false when there is no socket. Looks the
-  // name up without the lock, which may take seconds.
+  // Copies every message to `host`, a name or dotted address with an optional colon and
+  // port (514 without). `localPort` is the port to send from: 0 for any, negative for
+  // the one used last time. Returns false and changes nothing if the port is 0 or the
+  // host cannot be resolved. Returns false also if there is no socket. The look-up of
+  // the name may take seconds; the log does not hold its lock meanwhile.
   bool EnableSyslog(const char* host, std::int32_t localPort) override VASK_EXCLUDES(m_lock);
   void DisableSyslog() override VASK_EXCLUDES(m_lock);
 
@@ -65,8 +63,8 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   void Error(const char* text) override VASK_EXCLUDES(m_lock);
   void Trace(const char* text) override VASK_EXCLUDES(m_lock);
 
-  // A listener may be added twice and then hears twice; RemoveListener takes
-  // one of them out. A call that has begun is not waited for.
+  // A listener that was added twice is called twice; RemoveListener removes one of the
+  // two. It does not wait for a call that has begun.
   void AddListener(IListener* listener) override VASK_EXCLUDES(m_lock);
   void RemoveListener(IListener* listener) override VASK_EXCLUDES(m_lock);
 
@@ -89,8 +87,8 @@ class DailyLog final : public IDailyLog, public Thread::SingletonRef<DailyLog> {
   std::size_t ListenerNodes() VASK_EXCLUDES(m_lock);
   IListener* ListenerAt(std::size_t index) VASK_EXCLUDES(m_lock);
 
-  // What every line looks at stands together.
-  Platform::CriticalSection m_lock;
+  // The members that every line uses come first, side by side.
+  Platform::CriticalSection m_lock{Platform::LockRank::DailyLog};
   const std::uint32_t m_levelMask;
   bool m_consoleEcho VASK_GUARDED_BY(m_lock) = false;
   Platform::Clock& m_clock;

@@ -1,8 +1,19 @@
 #include "Src/ErrReporter.h"
 
-#include "Src/LogPrinter.h"
+#include <cstdarg>
+#include <cstdio>
 
 namespace Vask {
+
+void IOnError::Report(IOnError* sink, const char* format, ...) {
+  if (sink == nullptr) return;
+  char text[kReportCapacity];
+  std::va_list arguments;
+  va_start(arguments, format);
+  static_cast<void>(std::vsnprintf(text, sizeof text, format, arguments));
+  va_end(arguments);
+  sink->OnError(nullptr, text);
+}
 
 void ErrReporter::OnError(Json* /*message*/, const char* text) {
   LogPrinter::Instance().Error("%s\n", text);

@@ -4,8 +4,8 @@
 
 namespace Vask {
 
-// What the agent's log offers to the rest of the program. Every operation may
-// be called from any thread.
+// The operations of the agent's log. Any thread may call them. DailyLog says what each
+// does.
 class IDailyLog {
  public:
   // One piece of a stored message; a message is a chain of pieces.
@@ -19,11 +19,11 @@ class IDailyLog {
     ~ILogDataBlock() = default;
   };
 
-  // Hears of every warning and error, together with what was logged before it:
-  // `blocks` points to the first piece of each of `count` messages, oldest
-  // first; `totalLength` is the sum of their lengths in bytes. All of it is
-  // lent for the call. Called on the thread that logged, without the log's
-  // lock; what a listener itself logs reaches no listener.
+  // Is called for every warning and error and gets the messages that were logged last,
+  // this one included. `blocks` points to the first piece of each of `count` messages,
+  // oldest first. `totalLength` is the sum of their lengths in bytes. All of it is lent
+  // for the call. The log calls a listener on the thread that logged, without its lock.
+  // A message that a listener logs is passed to no listener.
   class IListener {
    public:
     virtual void OnWarning(const ILogDataBlock* const* blocks, std::uint32_t count,
@@ -35,14 +35,14 @@ class IDailyLog {
     ~IListener() = default;
   };
 
-  // One log file: its name, its full path and the caller's context. Answers
-  // whether to go on.
+  // Gets one log file: its name, its full path and the caller's context. Returns whether
+  // to go on.
   using LogFileCallback = bool (*)(const char* name, const char* path, void* context);
 
   virtual bool EnableSyslog(const char* host, std::int32_t localPort) = 0;
   virtual void DisableSyslog() = 0;
 
-  // Write one message. The text is NUL-terminated and carries its own line end.
+  // Write one message. The text is NUL-terminated and includes its line end.
   virtual void Info(const char* text) = 0;
   virtual void Warning(const char* text) = 0;
   virtual void Error(const char* text) = 0;

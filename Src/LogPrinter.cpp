@@ -4,12 +4,11 @@
 #include <cstdio>
 #include <cstring>
 
-#include "Src/TimeStamp.h"
+#include "Src/LogHead.h"
 
 namespace Vask {
 
-// What tells the levels apart: the name on the console and the operation of the
-// daily log.
+// A level: its name on the console and its operation of the daily log.
 struct LogPrinter::Level {
   const char* name;
   void (IDailyLog::*write)(const char* text);
@@ -26,7 +25,7 @@ int FormatText(char* text, std::size_t capacity, const char* format,
   return std::vsnprintf(text, capacity, format, arguments);
 }
 
-// Copies what fits, a terminating zero included.
+// Copies as much as fits with the terminating zero.
 void CopyText(char* to, std::size_t capacity, const char* from) noexcept {
   const std::size_t length = std::min(std::strlen(from), capacity - 1);
   std::memcpy(to, from, length);
@@ -97,15 +96,15 @@ void LogPrinter::Deliver(const Level& level, const char* text) noexcept {
   if (IDailyLog* const target = m_target.load(std::memory_order_acquire)) {
     try {
       (target->*level.write)(text);
-    } catch (...) {  // a line must never cost its writer anything
+    } catch (...) {  // a line that cannot be logged must not disturb its caller
     }
   } else {
     PrintToConsole(level.name, text);
   }
 }
 
-// One write for the whole line, so that lines of several threads or processes
-// stay whole; it is not buffered, so there is nothing to flush.
+// Writes the line in one call, so that lines of several threads or processes stay
+// whole. Nothing is buffered, so there is nothing to flush.
 void LogPrinter::PrintToConsole(const char* levelName, const char* text) noexcept {
   const bool compact = m_compact.load(std::memory_order_relaxed);
   if (!compact && !m_console.load(std::memory_order_relaxed)) return;

@@ -10,7 +10,8 @@
 #include "platform/CriticalSection.h"
 #include "platform/Files.h"
 
-// Formats mean on Windows what they mean elsewhere (%llu, %zu and so on).
+// Makes the compiler check formats. On Windows they have the meaning that they have
+// elsewhere (%llu, %zu and so on).
 #if defined(__MINGW32__)
 #define VASK_PRINTF_FORMAT(formatIndex, firstArgument) \
   __attribute__((format(gnu_printf, formatIndex, firstArgument)))
@@ -32,51 +33,50 @@ class ILoggingOutput {
   ~ILoggingOutput() = default;
 };
 
-// The one printer of the process: formats a message and passes the finished
-// text to the daily log, or to the console while there is none. It knows
-// nothing of files. Every operation may be called from any thread; nothing is
-// ever reported as failed, and no exception of the log's or of its listeners
-// reaches who logs.
+// The one printer of the process. It formats a message and passes the finished text to
+// the daily log, or to the console while there is no log. Any thread may call any
+// operation. None reports a failure, and no exception of the log or its listeners
+// reaches the caller.
 //
-// It holds nothing but itself, so it can be asked for at any time: whoever logs
-// after it was destroyed at unload gets a new one that writes to the console.
+// It depends on no other singleton, so Instance() works at any time: a caller that logs
+// after the printer was destroyed at unload gets a new one that writes to the console.
 class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogPrinter> {
  public:
-  // vsnprintf or a stand-in with the same contract; a negative answer says that
-  // the arguments cannot be formatted.
+  // vsnprintf or a replacement with the same contract. A negative result means that the
+  // arguments cannot be formatted.
   using Formatter = int (*)(char* text, std::size_t capacity, const char* format,
                             std::va_list arguments) noexcept;
 
-  // Both with the terminating zero: what is longer is cut.
+  // Both include the terminating zero. A longer text is cut.
   static constexpr std::size_t kTextCapacity = 2048;
   static constexpr std::size_t kLastErrorCapacity = 1024;
 
-  // The default arguments make the process's own printer.
+  // The default arguments are those of the process's own printer.
   explicit LogPrinter(Platform::Clock& clock = Platform::SystemClock(),
                       Platform::Files& files = Platform::SystemFiles(),
                       Formatter formatter = nullptr) noexcept;
   LogPrinter(const LogPrinter&) = delete;
   LogPrinter& operator=(const LogPrinter&) = delete;
 
-  // The text carries its own line end. A message that cannot be formatted is
-  // replaced by "Invalid message format: '%s'!\n" with the format.
+  // The format includes the line end. If the arguments cannot be formatted, the message
+  // is "Invalid message format: '%s'!\n" with the format.
   void Info(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
   void Warning(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
   void Error(const char* format, ...) override VASK_PRINTF_FORMAT(2, 3);
 
-  // Messages go to this log from now on; null sends them to the console again.
-  // The target must outlive its being set.
+  // Sends messages to this log from now on, or to the console again if it is null. The
+  // log must stay alive until another target is set.
   void SetTarget(IDailyLog* target) noexcept;
-  // For a log that goes away: back to the console if messages go to this one.
+  // For a log that is destroyed: if it is the target, messages go to the console again.
   void RemoveTarget(IDailyLog* target) noexcept;
 
-  // How lines look on the console: "09:05:03.007: Error: text" while only
-  // `console` is on (as at first), "Etext" with `compact`, none with neither.
+  // The form of lines on the console. Only `console` on, as at first: "09:05:03.007:
+  // Error: text". `compact` on: "Etext". Both off: no lines.
   void SetConsole(bool console) noexcept;
   void SetCompact(bool compact) noexcept;
 
-  // The last text given to Error, "No error" at first; cut to `capacity` - 1
-  // characters. `capacity` is at least 1.
+  // Copies the last text given to Error, "No error" at first, cut to `capacity` - 1
+  // characters. `capacity` must be at least 1.
   void CopyLastError(char* text, std::size_t capacity) const noexcept;
 
  private:
@@ -92,7 +92,7 @@ class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogP
   void RememberError(const char* text) noexcept;
 
   std::atomic<IDailyLog*> m_target{nullptr};
-  mutable Platform::CriticalSection m_lastErrorLock;
+  mutable Platform::CriticalSection m_lastErrorLock{Platform::LockRank::LastError};
   char m_lastError[kLastErrorCapacity] VASK_GUARDED_BY(m_lastErrorLock) = "No error";
   std::atomic<bool> m_console{true};
   std::atomic<bool> m_compact{false};

@@ -4,7 +4,7 @@ namespace Vask::Thread {
 
 namespace {
 
-constinit Platform::CriticalSection g_lock;
+constinit Platform::CriticalSection g_lock(Platform::LockRank::SingletonsList);
 constinit SingletonLink* g_newest VASK_GUARDED_BY(g_lock) = nullptr;
 
 SingletonLink* TakeNewest() noexcept {

@@ -7,15 +7,14 @@
 
 namespace Vask::Thread {
 
-// Destroys every singleton, the one that was completed last first. Called by
-// the module hook when the module is unloaded and all of its threads have
-// ended; never when the process ends (see SingletonRef). Not to be called
-// beside any other use of a singleton.
+// Destroys every singleton; the one that was completed last goes first. The module hook
+// calls this when the module is unloaded and all of its threads have ended, and never
+// when the process ends (see SingletonRef). No other thread may use a singleton
+// meanwhile.
 //
-// A destructor that asks for a singleton which is already gone gets a new one,
-// and that one is destroyed as well before this returns. Asking for an
-// instance later constructs anew too; what is constructed after the last call
-// stays.
+// If a destructor asks for a singleton that is already destroyed, it gets a new one,
+// which is destroyed too before this returns. A later call of Instance() also constructs
+// a new one. It stays if this function is not called again.
 void DestroySingletons() noexcept;
 
 // An entry in the list of living singletons. Part of SingletonRef.
@@ -24,14 +23,14 @@ struct SingletonLink {
   SingletonLink* older = nullptr;
 };
 
-// Puts an entry that is in no list at the newest end. Part of SingletonRef.
+// Appends an entry to the list. Part of SingletonRef.
 void RegisterSingleton(SingletonLink& link) noexcept;
 
-// Where the one T lives. All zeros until first use and without a destructor, so
-// that nothing of it runs while the module is loaded or after its hook.
+// The memory of the one T. It is constant-initialised and has no destructor, so that
+// none of its code runs while the module is loaded or after its hook.
 template <class T>
 struct SingletonSlot {
-  Platform::CriticalSection lock;
+  Platform::CriticalSection lock{Platform::LockRank::Singleton};
   std::atomic<T*> instance{nullptr};
   SingletonLink link;
   alignas(T) unsigned char storage[sizeof(T)] = {};
@@ -40,15 +39,15 @@ struct SingletonSlot {
 template <class T>
 inline constinit SingletonSlot<T> singletonSlot{};
 
-// The one T of the process, built on first use by its default constructor.
-// Instance() may be called from any thread and blocks only while the first call
-// constructs the T. A constructor may ask for other singletons: those then live
-// longer than its own. It must not ask for itself.
+// The one T of the process. The first call of Instance() constructs it with its default
+// constructor. Any thread may call Instance(); it blocks only while another thread
+// constructs the T. A constructor may ask for other singletons, which then live longer
+// than its own object. It must not ask for itself.
 //
-// The T is destroyed when the module is unloaded, in reverse order of
-// construction, after its threads have ended. When the whole process ends it is
-// left alone: on Windows the threads were killed wherever they stood and locks
-// may be held for ever; elsewhere they may still run.
+// When the module is unloaded, all singletons are destroyed in reverse order of
+// construction, after the threads have ended. When the whole process ends, none is
+// destroyed: on Windows the threads were killed at any point and locks may be held for
+// ever; elsewhere the threads may still run.
 template <class T>
 class SingletonRef {
  public:
@@ -73,8 +72,8 @@ T& SingletonRef<T>::Instance() {
   return *instance;
 }
 
-// The instance is forgotten only after its destructor: what that calls may
-// still ask for it.
+// Sets the pointer to null only after the destructor, because the functions that the
+// destructor calls may still ask for the instance.
 template <class T>
 void SingletonRef<T>::Destroy() noexcept {
   SingletonSlot<T>& slot = singletonSlot<T>;

@@ -7,7 +7,7 @@
 
 namespace Vask {
 
-// The destructor may log: asking for the printer here makes it live longer.
+// The destructor may log. The call here makes the printer live longer.
 ThreadClass::ThreadClass(Platform::Threading& threading)
     : m_started(Platform::EventReset::Automatic, threading),
       m_finished(Platform::EventReset::Automatic, threading),
@@ -38,8 +38,8 @@ void ThreadClass::Stop() {
   m_pTask.reset();
 }
 
-// The platform's entry refuses a null argument, signals `finished` after this
-// has returned and ends the thread with 1.
+// The platform's thread entry calls this with an argument that is not null. After it
+// has returned, the entry signals `finished` and ends the thread with 1.
 void ThreadClass::Enter(void* self) noexcept {
   auto* const thread = static_cast<ThreadClass*>(self);
   thread->m_started.Set();

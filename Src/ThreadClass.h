@@ -7,42 +7,41 @@
 
 namespace Vask {
 
-// An object with a thread of its own: idle, started, finished, and after Stop
-// idle again.
+// An object with a thread of its own. It is idle, started, finished, and after Stop idle
+// again.
 //
-// Start, Stop and the destructor are the owner's, one at a time. The class that
-// derives from this one must stop the thread before its own parts are gone: a
-// thread that is still there in this destructor is only reported as
-// "+++ ASSERT(%s) failed at %s(%d)\n".
+// Only the owner may call Start, Stop and the destructor, one at a time. A derived class
+// must stop the thread before it destroys its own members. If there still is a thread in
+// this destructor, it only logs "+++ ASSERT(%s) failed at %s(%d)\n".
 class ThreadClass {
  public:
   ThreadClass(const ThreadClass&) = delete;
   ThreadClass& operator=(const ThreadClass&) = delete;
 
-  // Starts the thread and waits until it runs. False when there is a thread
-  // already, or when there is no memory or the system cannot create one, or the
-  // events that it needs; then none is left, and it may be tried again.
+  // Starts the thread and waits until it runs. Returns false if there is a thread
+  // already. Returns false also if there is no memory or the system cannot create the
+  // thread or its events; then there is no thread, and the caller may try again.
   [[nodiscard]] bool Start();
 
-  // Tells the body to end (OnStop), waits without limit until it has, and
-  // forgets the thread. Does nothing without a thread. Returns at once when the
-  // thread was killed by the end of the process. Waits for the body only, not
-  // for the system's thread, so it may be called under the loader's lock.
+  // Tells the body to end (OnStop), waits without limit until it has ended, and drops
+  // the thread. Does nothing without a thread. Returns at once if the end of the process
+  // killed the thread. It waits for the body only, not for the system's thread, so it
+  // may be called under the loader's lock.
   void Stop();
 
  protected:
   // `threading` must outlive this object.
   explicit ThreadClass(Platform::Threading& threading = Platform::SystemThreading());
 
-  // The thread's body. Nothing may leave it by an exception.
+  // The thread's body. It must not throw.
   virtual void Run() = 0;
-  // Called by Start on the owner's thread before the new thread is created.
+  // Start calls this on the owner's thread before it creates the new thread.
   virtual void OnStart() {}
-  // Called by Stop on the owner's thread: make Run return soon.
+  // Stop calls this on the owner's thread. It must make Run return soon.
   virtual void OnStop() {}
   virtual ~ThreadClass();
 
-  // Whether a thread belongs to this object. For the owner's thread only.
+  // Whether this object has a thread. Only the owner's thread may call it.
   [[nodiscard]] bool HasThread() const noexcept { return m_pTask != nullptr; }
 
  private:

@@ -8,8 +8,8 @@ namespace Vask {
 
 namespace {
 
-// What a repeated timer gains on its period, so that waking up late does not
-// make it later from call to call.
+// A repeated timer is due this much early, so that late wake-ups do not add up from
+// call to call.
 constexpr std::uint32_t kWakeUpAllowanceMs = 5;
 
 std::uint32_t RepeatPeriod(std::uint32_t periodMs) noexcept {
@@ -17,6 +17,34 @@ std::uint32_t RepeatPeriod(std::uint32_t periodMs) noexcept {
 }
 
 }  // namespace
+
+TimerNodeStore::~TimerNodeStore() {
+  while (m_blocks != nullptr) {
+    Block* const block = m_blocks;
+    m_blocks = block->next;
+    delete block;
+  }
+}
+
+TimerNode* TimerNodeStore::Take() {
+  if (m_free == nullptr) AddBlock();
+  TimerNode* const node = m_free;
+  m_free = node->next;
+  return node;
+}
+
+void TimerNodeStore::PutBack(TimerNode* node) noexcept {
+  node->next = m_free;
+  m_free = node;
+}
+
+void TimerNodeStore::AddBlock() {
+  auto* const block = new Block;
+  block->next = m_blocks;
+  m_blocks = block;
+  ++m_blockCount;
+  for (std::uint32_t i = kNodesPerBlock; i > 0; --i) PutBack(&block->nodes[i - 1]);
+}
 
 TimerService::TimerService(Platform::Clock& clock, Platform::Threading& threading)
     : ThreadClass(threading), m_wake(Platform::EventReset::Automatic, threading), m_clock(clock) {}
@@ -74,13 +102,13 @@ void TimerService::ReplaceTimerAnd(std::uint32_t periodMs, ITimerServiceClient* 
 void TimerService::Run() {
   std::uint32_t timeoutMs = 0;
   for (;;) {
-    (void)m_wake.Wait(timeoutMs);  // woken or timed out: both are a reason to look
+    static_cast<void>(m_wake.Wait(timeoutMs));  // woken or timed out: look in both cases
     if (!m_running.load(std::memory_order_relaxed)) return;
     timeoutMs = StepGuarded();
   }
 }
 
-// A client that throws loses this one call: its timer was armed again before.
+// A client that throws loses only this call, because its timer is armed already.
 std::uint32_t TimerService::StepGuarded() noexcept {
   try {
     return Step();
@@ -104,8 +132,8 @@ std::uint32_t TimerService::Step() {
   return WaitFrom(nowMs);
 }
 
-// The system's tick, carried on past its wrap. It is read often enough while
-// there are timers: none is due later than one wrap from now.
+// The system's tick, continued past its wrap. While there are timers the service reads
+// it often enough, because no timer is due later than one wrap from now.
 std::uint64_t TimerService::Now() {
   const std::uint32_t tick = m_clock.TickMs();
   if (tick < m_lastTick) m_tickExtension += std::uint64_t{1} << 32;
@@ -120,7 +148,7 @@ void TimerService::Add(TimerNode* node, std::uint32_t periodMs, ITimerServiceCli
   m_wake.Set();
 }
 
-// Ahead of those that are due at the same moment.
+// Inserts ahead of the timers that are due at the same moment.
 void TimerService::Insert(TimerNode* node) {
   TimerNode** link = &m_first;
   while (*link != nullptr && (*link)->dueMs < node->dueMs) link = &(*link)->next;
@@ -128,8 +156,8 @@ void TimerService::Insert(TimerNode* node) {
   *link = node;
 }
 
-// Answers a copy: the node itself may be killed and used again during the call
-// that follows. It is armed before that call, so that the call can kill it.
+// Returns a copy, because the call that follows may kill the node and have it used
+// again. The timer is armed before that call, so that the call can kill it.
 TimerNode TimerService::TakeFirstAndRearm() {
   TimerNode* const node = m_first;
   m_first = node->next;
@@ -147,7 +175,7 @@ void TimerService::RemoveUnnamed(ITimerServiceClient* client) {
   TimerNode* const node = *link;
   if (node == nullptr) return;
   *link = node->next;
-  m_nodes.GiveBack(node);
+  m_nodes.PutBack(node);
 }
 
 void TimerService::RemoveAll(ITimerServiceClient* client) {
@@ -155,7 +183,7 @@ void TimerService::RemoveAll(ITimerServiceClient* client) {
   while (TimerNode* const node = *link) {
     if (node->client == client) {
       *link = node->next;
-      m_nodes.GiveBack(node);
+      m_nodes.PutBack(node);
     } else {
       link = &node->next;
     }
@@ -165,7 +193,7 @@ void TimerService::RemoveAll(ITimerServiceClient* client) {
 std::uint32_t TimerService::WaitFrom(std::uint64_t nowMs) const {
   if (m_first == nullptr) return Platform::kInfinite;
   if (m_first->dueMs <= nowMs) return 0;
-  // The longest period must not read as "wait for ever".
+  // The longest period must not mean "wait for ever".
   constexpr std::uint64_t kLongestWait = Platform::kInfinite - 1;
   return static_cast<std::uint32_t>(std::min(m_first->dueMs - nowMs, kLongestWait));
 }

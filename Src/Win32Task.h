@@ -1,28 +1,31 @@
 #pragma once
 
 #include "platform/Threading.h"
+#include "platform/UniqueHandle.h"
 
 namespace Vask {
 
-// A thread that was started and its handle, which is closed with this object;
-// the thread itself goes on.
+// A thread and its handle. The destructor closes the handle; the thread goes on.
 class Win32Task {
  public:
   // Starts the thread. Check Valid().
   Win32Task(Platform::Threading& threading, const Platform::ThreadEntry& entry) noexcept;
-  ~Win32Task();
-  Win32Task(const Win32Task&) = delete;
-  Win32Task& operator=(const Win32Task&) = delete;
 
-  // False when no thread could be created.
-  [[nodiscard]] bool Valid() const noexcept;
+  // False if no thread could be created.
+  [[nodiscard]] bool Valid() const noexcept { return m_handle.Valid(); }
 
-  // Stays owned by this object.
-  [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle; }
+  // This object keeps the ownership.
+  [[nodiscard]] Platform::NativeHandle Handle() const noexcept { return m_handle.Get(); }
 
  private:
-  Platform::Threading& m_threading;
-  Platform::NativeHandle m_handle;
+  struct Policy {
+    using Type = Platform::NativeHandle;
+    static constexpr Type None() noexcept { return nullptr; }
+    void Close(Type thread) const noexcept { threading->CloseThread(thread); }
+    Platform::Threading* threading = nullptr;
+  };
+
+  Platform::UniqueHandle<Policy> m_handle;
 };
 
 }  // namespace Vask

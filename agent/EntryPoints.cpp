@@ -1,8 +1,7 @@
 #include "agent/EntryPoints.h"
 
 #include "Src/LogPrinter.h"
-#include "agent/Lifecycle.h"
-#include "agent/SNMPExtensionAgent.h"
+#include "agent/AgentProcess.h"
 
 namespace Agent {
 
@@ -13,7 +12,7 @@ namespace {
 constexpr char kInitRaised[] = "Cannot initialize SNMP extension agent: exception!\n";
 constexpr char kQueryRaised[] = "Cannot query the SNMP extension agent: exception!\n";
 
-// The service is a C program, which an exception would end.
+// The service is a C program: an exception would end it.
 template <class Body>
 BOOL Guarded(const char* line, Body body) noexcept {
   try {
@@ -28,7 +27,7 @@ BOOL Guarded(const char* line, Body body) noexcept {
 
 BOOL EntryPoints::Init(HANDLE* trapEvent, AsnObjectIdentifier* supportedView) noexcept {
   return Guarded(kInitRaised, [&] {
-    const bool started = m_lifecycle.Start();
+    const bool started = m_process.Start();
     *supportedView = m_agent.Prefix();
     *trapEvent = m_agent.Traps().EventHandle();
     m_agent.RecordStart();
@@ -42,12 +41,12 @@ BOOL EntryPoints::Query(BYTE pduType, SnmpVarBindList* bindings, AsnInteger* err
   return Guarded(kQueryRaised, [&] {
     *errorStatus = SNMP_ERRORSTATUS_NOERROR;
     *errorIndex = 0;
-    for (UINT i = 0; i < bindings->len; ++i) *errorStatus = Answer(pduType, bindings->list[i]);
+    for (UINT i = 0; i < bindings->len; ++i) *errorStatus = Serve(pduType, bindings->list[i]);
     return true;
   });
 }
 
-INT EntryPoints::Answer(BYTE pduType, SnmpVarBind& binding) const {
+INT EntryPoints::Serve(BYTE pduType, SnmpVarBind& binding) const {
   switch (pduType) {
     case SNMP_PDU_GET:
       return m_agent.GetRequest(binding);

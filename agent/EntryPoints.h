@@ -6,40 +6,41 @@
 
 namespace Agent {
 
-class Lifecycle;
+class AgentProcess;
 class SNMPExtensionAgent;
 
-// What the module's three exports do, apart from being exported.
+// The work of the module's three exports.
 //
-// Threads: any of the SNMP service's, one call at a time, as its contract has
-// it. No exception leaves: it becomes an error line and FALSE.
+// Threads: any thread of the SNMP service, one call at a time, as the contract
+// says. No exception leaves: the log gets an error line, and the call returns
+// FALSE.
 class EntryPoints {
  public:
   // Both outlive this object.
-  EntryPoints(SNMPExtensionAgent& agent, Lifecycle& lifecycle) noexcept
-      : m_agent(agent), m_lifecycle(lifecycle) {}
+  EntryPoints(SNMPExtensionAgent& agent, AgentProcess& process) noexcept
+      : m_agent(agent), m_process(process) {}
 
-  // Starts the agent and hands out the event that announces traps and the name
-  // that the agent serves, whether or not the start went well: the service may
-  // ask an agent whose start failed, and then finds what was registered. The
-  // event stays the agent's, the name refers to the agent's own array.
+  // Starts the agent and returns TRUE if that succeeds. In both cases hands out
+  // the event that announces traps, and the name that the agent serves: the
+  // service may query an agent whose start failed, and then finds the registered
+  // variables. The agent owns the event and the array of the name.
   BOOL Init(HANDLE* trapEvent, AsnObjectIdentifier* supportedView) noexcept;
 
-  // Answers every binding of one request, whatever became of the one before.
-  // The status is the last binding's and the index always 0. Nothing can be
-  // set.
+  // Serves every binding of one request, also after one that failed. The status
+  // is that of the last binding, and the index is always 0. All variables are
+  // read-only.
   BOOL Query(BYTE pduType, SnmpVarBindList* bindings, AsnInteger* errorStatus,
              AsnInteger* errorIndex) noexcept;
 
-  // Hands out one waiting trap; FALSE, with nothing written, when none waits.
+  // Hands out one waiting trap. Returns FALSE, and writes nothing, if none waits.
   BOOL Trap(AsnObjectIdentifier* enterprise, AsnInteger* genericTrap, AsnInteger* specificTrap,
             std::uint32_t* timeStamp, SnmpVarBindList* bindings) noexcept;
 
  private:
-  [[nodiscard]] INT Answer(BYTE pduType, SnmpVarBind& binding) const;
+  [[nodiscard]] INT Serve(BYTE pduType, SnmpVarBind& binding) const;
 
   SNMPExtensionAgent& m_agent;
-  Lifecycle& m_lifecycle;
+  AgentProcess& m_process;
 };
 
 }  // namespace Agent

@@ -20,11 +20,23 @@ void MyConnectNotify::ChangeState(LinkState state) {
   }
 }
 
-// The timer and the state change together under the timer service's lock: a
-// tick that is just about to end the asking of an earlier connection sees
-// either both or none, and cannot end that of this one. Where there is no memory
-// for a timer, nothing has changed but the log.
+// Without its timer a connection would never request an update, so it does not
+// count: the exception ends it, and the link connects again.
 void MyConnectNotify::TakeUpConnection() {
+  m_agent.Variables().SetInt(VariableName("LinkStatus"), kConnected);
+  try {
+    StartRequests();
+  } catch (...) {
+    m_agent.Variables().SetInt(VariableName("LinkStatus"), kLost);
+    throw;
+  }
+  m_firstConnection = false;
+}
+
+// The timer and the state change together under the timer service's lock. A
+// tick that is about to stop the requests of an earlier connection sees either
+// both changes or none, so it cannot stop the requests of this connection.
+void MyConnectNotify::StartRequests() {
   LogPrinter::Instance().Info("Connection to Corvane process established..\n");
   m_timers.ReplaceTimerAnd(
       m_firstConnection ? kFirstRequestMs : kRequestAgainMs, this,
@@ -33,8 +45,6 @@ void MyConnectNotify::TakeUpConnection() {
                                                                std::memory_order_relaxed);
       },
       this);
-  m_agent.Variables().SetInt(VariableName("LinkStatus"), kConnected);
-  m_firstConnection = false;
 }
 
 void MyConnectNotify::TakeLoss() {
@@ -47,7 +57,7 @@ void MyConnectNotify::TakeLoss() {
   m_linkState.store(kLost, std::memory_order_relaxed);
 }
 
-bool MyConnectNotify::AskingIsOver() const noexcept {
+bool MyConnectNotify::RequestsAreOver() const noexcept {
   return m_linkState.load(std::memory_order_relaxed) == kConnected &&
          m_updated.load(std::memory_order_relaxed);
 }
@@ -60,7 +70,8 @@ void MyConnectNotify::OnTimer(std::uint32_t, std::uint64_t) {
     return;
   }
   m_timers.KillTimerIf(
-      this, [](void* self) { return static_cast<MyConnectNotify*>(self)->AskingIsOver(); }, this);
+      this, [](void* self) { return static_cast<MyConnectNotify*>(self)->RequestsAreOver(); },
+      this);
 }
 
 }  // namespace Agent

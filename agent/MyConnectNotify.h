@@ -3,8 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
-#include "Src/ITimerServiceClient.h"
-#include "net/IJsonSocketEvents.h"
+#include "Src/TimerService.h"
+#include "net/LinkInterfaces.h"
 
 namespace Vask {
 class TimerService;
@@ -17,23 +17,23 @@ namespace Agent {
 
 class SNMPExtensionAgent;
 
-// Follows the link to the main process. It keeps `LinkStatus`, raises the trap
-// of a lost link, and after every connection asks for an update, again and
-// again until one has finished.
+// Follows the link to the main process. It keeps `LinkStatus` current and raises
+// the trap of a lost link. After every connection it requests an update,
+// repeatedly until one has finished.
 //
-// Threads: the link's reader calls the four events, the timer's worker the
-// tick; anybody may call UpdateFinished. Nothing blocks beyond the timer
-// service's lock and a send on the link.
+// Threads: the link's reader calls the four events, and the timer's thread calls
+// the tick. Any thread may call UpdateFinished. The calls block only for the
+// timer service's lock and for a send on the link.
 class MyConnectNotify final : public Vask::IJsonSocketEvents, public Vask::ITimerServiceClient {
  public:
   // From a connection to its first request, and from each request to the next.
-  // The first one after the start waits longer: main process and agent come up
-  // together, and the former has more to do.
+  // After the first connection the agent waits longer: main process and agent
+  // start together, and the main process takes longer.
   static constexpr std::uint32_t kFirstRequestMs = 15000;
   static constexpr std::uint32_t kRequestAgainMs = 2500;
 
-  // All outlive this object, which must not be destroyed while the timer
-  // service or the link may still call it.
+  // All outlive this object. It must not be destroyed while the timer service or
+  // the link may still call it.
   MyConnectNotify(SNMPExtensionAgent& agent, Vask::TimerService& timers,
                   Messages::Registrar& registrar) noexcept
       : m_agent(agent), m_timers(timers), m_registrar(registrar) {}
@@ -43,7 +43,7 @@ class MyConnectNotify final : public Vask::IJsonSocketEvents, public Vask::ITime
   void OnConnected() override { ChangeState(kConnected); }
   void OnDisconnected() override { ChangeState(kLost); }
 
-  // Asks for an update, or, once one has finished, ends the asking.
+  // Requests an update. After an update has finished, stops the requests.
   void OnTimer(std::uint32_t timerId, std::uint64_t parameter) override;
 
   // The main process has sent everything.
@@ -54,15 +54,16 @@ class MyConnectNotify final : public Vask::IJsonSocketEvents, public Vask::ITime
 
   void ChangeState(LinkState state);
   void TakeUpConnection();
+  void StartRequests();
   void TakeLoss();
-  [[nodiscard]] bool AskingIsOver() const noexcept;
+  [[nodiscard]] bool RequestsAreOver() const noexcept;
 
   SNMPExtensionAgent& m_agent;
   Vask::TimerService& m_timers;
   Messages::Registrar& m_registrar;
   std::atomic<std::int32_t> m_linkState{kUnknown};
   std::atomic<bool> m_updated{false};  // an update has finished since the last connection
-  bool m_firstConnection = true;       // the reader's alone
+  bool m_firstConnection = true;       // the reader thread's own
 };
 
 }  // namespace Agent

@@ -19,7 +19,7 @@ std::size_t RoomForDotted(const AsnObjectIdentifier& name) noexcept {
   return name.idLength * (kMostDigits + 1);
 }
 
-// Answers where the text ends.
+// Returns the end of the text.
 char* WriteDotted(char* at, const AsnObjectIdentifier& name) noexcept {
   for (UINT i = 0; i < name.idLength; ++i) {
     if (i > 0) *at++ = '.';

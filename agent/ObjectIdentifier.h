@@ -4,13 +4,33 @@
 #include <span>
 #include <string>
 
+#include "BuildSettings.h"
 #include "platform/Snmp.h"
 
 namespace Agent {
 
-// An object identifier that owns its sub-identifiers, in the memory of the
-// SNMP utility functions, and gives them back with those. For names that are
-// lent, the contract's plain AsnObjectIdentifier serves.
+// All variables and traps of the agent lie under this one name,
+// 1.3.6.1.4.1.E.333. E is the private enterprise number of the organisation that
+// deploys the agent. It is a setting of the build.
+//
+// The object owns the eight sub-identifiers that the callers of the entry points
+// receive. Name() points into it, so it must live as long as any caller may hold
+// that result. Any thread may read.
+class EnterprisePrefix {
+ public:
+  static constexpr UINT kLength = 8;
+
+  // Refers to this object's own array. The receiver must neither free nor write
+  // it; the contract's types have no const to say so.
+  [[nodiscard]] AsnObjectIdentifier Name() noexcept { return {kLength, m_ids}; }
+
+ private:
+  UINT m_ids[kLength] = {1, 3, 6, 1, 4, 1, CORVANE_ENTERPRISE, 333};
+};
+
+// An object identifier that owns its sub-identifiers. The SNMP utility functions
+// allocate and free them. Use the contract's plain AsnObjectIdentifier for names
+// that are lent.
 //
 // One object belongs to one thread at a time.
 class ObjectIdentifier {
@@ -20,16 +40,18 @@ class ObjectIdentifier {
   ObjectIdentifier(const ObjectIdentifier&) = delete;
   ObjectIdentifier& operator=(const ObjectIdentifier&) = delete;
 
-  // Becomes the parts one after another, each copied. False when there is no
-  // memory for it or the result is longer than the utility functions allow
-  // (128 on Windows); what was held before is gone in any case.
+  // Becomes the concatenation of the parts, each copied. Returns false if there
+  // is no memory for it, or if the result is longer than the utility functions
+  // allow (128 on Windows). The previous name is gone in any case.
   [[nodiscard]] bool Join(std::initializer_list<AsnObjectIdentifier> parts);
 
-  // Refers to this object's memory; valid until it changes or goes.
+  // Refers to this object's memory; valid until the object changes or is
+  // destroyed.
   [[nodiscard]] const AsnObjectIdentifier& Name() const noexcept { return m_name; }
 
-  // Puts what this object holds into `name` and frees what `name` held, which
-  // must be the utility functions' memory. This object is empty afterwards.
+  // Moves this object's name into `name` and frees the previous content of
+  // `name`, which must be memory of the utility functions. This object is empty
+  // afterwards.
   void MoveInto(AsnObjectIdentifier& name) noexcept;
 
  private:
@@ -38,20 +60,21 @@ class ObjectIdentifier {
   AsnObjectIdentifier m_name{0, nullptr};
 };
 
-// A name that refers to sub-identifiers which live elsewhere and which nobody
-// may write through it: the contract's type has no const.
+// A name that refers to sub-identifiers of another owner. Nobody may write
+// through it; the contract's type has no const to say so.
 [[nodiscard]] AsnObjectIdentifier Lend(std::span<const UINT> ids) noexcept;
 
-// Compares the whole of `key` with as much of `name`: 0 when `key` is a leading
-// part of `name` (or all of it), below 0 when it lies before, above 0 when it
-// lies behind. Sub-identifier by sub-identifier; length counts last, so a
-// `name` that is itself a leading part of a longer `key` lies before it.
+// Compares the whole of `key` with the leading part of `name` that is as long.
+// Returns 0 if `key` is a leading part of `name` or all of it, a value below 0 if
+// `key` comes before `name`, and a value above 0 if it comes after. Compares
+// sub-identifier by sub-identifier. Length counts last: a `name` that is a
+// leading part of a longer `key` comes before it.
 [[nodiscard]] int CompareLeading(const AsnObjectIdentifier& key,
                                  const AsnObjectIdentifier& name) noexcept;
 
-// Compares two whole names in the order in which managers walk them: below 0,
-// 0 or above 0, sub-identifier by sub-identifier, and of two names that are
-// alike so far the shorter one first.
+// Compares two whole names in the order of a walk. Returns a value below 0, 0 or
+// above 0. Compares sub-identifier by sub-identifier; if one name is a leading
+// part of the other, the shorter one comes first.
 [[nodiscard]] int CompareWhole(const AsnObjectIdentifier& first,
                                const AsnObjectIdentifier& second) noexcept;
 
@@ -59,7 +82,7 @@ class ObjectIdentifier {
 // "1.3.6.1"; empty for a name of length 0.
 [[nodiscard]] std::string DottedText(const AsnObjectIdentifier& name);
 
-// The same of both, with a point between them even where `suffix` is empty.
+// Both names, with a point between them even if `suffix` is empty.
 [[nodiscard]] std::string DottedText(const AsnObjectIdentifier& prefix,
                                      const AsnObjectIdentifier& suffix);
 

@@ -3,23 +3,22 @@
 #include <atomic>
 #include <cstdint>
 
-#include "agent/EnterprisePrefix.h"
 #include "agent/MibTable.h"
+#include "agent/ObjectIdentifier.h"
 #include "agent/TrapTable.h"
 #include "platform/Clock.h"
 #include "platform/Threading.h"
 
 namespace Agent {
 
-// What the SNMP service talks to behind the entry points: the variables, the
-// answers to Get and GetNext, and the traps. The agent of the process is one of
-// them; tests make their own.
+// The variables, the results of Get and GetNext, and the traps: what the entry
+// points pass the requests of the SNMP service to.
 //
-// Threads: the variables and traps are registered on one thread before anybody
-// else uses the object. Afterwards everything may be called from any thread.
+// Threads: one thread registers the variables and traps, before any other uses
+// the object. Afterwards any thread may call everything else.
 class SNMPExtensionAgent {
  public:
-  // The seams outlive the object.
+  // Clock and threading outlive the object.
   SNMPExtensionAgent(Vask::Platform::Clock& clock, Vask::Platform::Threading& threading,
                      MibTable::AllocateText allocate = &SnmpUtilMemAlloc)
       : m_clock(clock),
@@ -32,36 +31,45 @@ class SNMPExtensionAgent {
   // The name that everything lies under; refers to this object's own array.
   [[nodiscard]] AsnObjectIdentifier Prefix() noexcept { return m_prefix.Name(); }
 
-  // Both answer one binding of a request: they put the value into it and answer
-  // an SNMP error status (0, 2 or 5). A text answered is the caller's to free.
+  // Registers the variables of Variables.h, from the last to the first, because
+  // each registration takes the entry that follows. A variable that an earlier
+  // attempt has registered stays. If there is no memory for a variable, the
+  // table lacks it, the log says so, and the variable before it has no next one.
+  void RegisterVariables();
+  // Registers the traps of Traps.h in their order. A trap that an earlier attempt
+  // has registered stays.
+  void RegisterTraps();
+
+  // Both serve one binding of a request: they put the value into it and return an
+  // SNMP error status (0, 2 or 5). The caller frees a returned text.
   //
-  // GetRequest answers the first variable whose full name is a leading part of
-  // the binding's name.
+  // GetRequest reads the first variable whose full name is a leading part of the
+  // binding's name.
   [[nodiscard]] INT GetRequest(SnmpVarBind& binding) const;
 
-  // GetNextRequest answers what follows the binding's name and replaces the
-  // name, which must be in the utility functions' memory, with the one that it
-  // answers. A name that was replaced by a step that then fails stays replaced.
+  // GetNextRequest reads what follows the binding's name, and replaces that name
+  // with the one that it has read. The name must be memory of the utility
+  // functions. If a step replaces the name and then fails, the new name stays.
   //
-  // Behind the last cell of a SEQUENCE the walk goes on at the variable that
-  // the SEQUENCE names as its next, as if that variable had been asked for. A
-  // following INT or STRING is therefore passed over, and the one after it
-  // answered; a following SEQUENCE is entered at its first cell.
+  // Behind the last cell of a SEQUENCE the walk goes on as if the next variable
+  // of the SEQUENCE had been requested. It therefore passes over a following INT
+  // or STRING and reads the variable after it; it enters a following SEQUENCE at
+  // the first cell.
   [[nodiscard]] INT GetNextRequest(SnmpVarBind& binding) const;
 
-  // From here on a trap's time stamp counts.
+  // The time stamps of traps count from this call on.
   void RecordStart() noexcept { m_startTick.store(m_clock.TickMs(), std::memory_order_relaxed); }
 
-  // Hands the next waiting trap to the service, without bindings; false, and
-  // nothing written, when none waits. The time stamp is in milliseconds since
-  // RecordStart, not in hundredths of a second: managers of this agent have
-  // always got it so. `enterprise` refers to this object's own array.
+  // Hands the next waiting trap to the service, without bindings. Returns false,
+  // and writes nothing, if none waits. The time stamp counts milliseconds since
+  // RecordStart, not hundredths of a second: managers of this agent rely on it.
+  // `enterprise` refers to this object's own array.
   [[nodiscard]] bool TakeTrap(AsnObjectIdentifier& enterprise, AsnInteger& genericTrap,
                               AsnInteger& specificTrap, std::uint32_t& timeStampMs,
                               SnmpVarBindList& bindings);
 
-  // Set once, when the agent begins to stop: a link that is lost from then on
-  // is neither logged nor trapped.
+  // Set once, when the agent begins to stop. From then on a lost link causes
+  // neither a log line nor a trap.
   void SetTerminating() noexcept { m_terminating.store(true, std::memory_order_relaxed); }
   [[nodiscard]] bool Terminating() const noexcept {
     return m_terminating.load(std::memory_order_relaxed);

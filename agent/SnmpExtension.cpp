@@ -1,6 +1,5 @@
-// The module's three exports. On Windows the definition file names them, and
-// the declarations are those of the SNMP service's own header; elsewhere the
-// symbol map does.
+// The module's three exports. The definition file names them on Windows, where the
+// SNMP service's header declares them; elsewhere the symbol map names them.
 
 #include "agent/AgentProcess.h"
 #include "platform/Snmp.h"
@@ -18,7 +17,7 @@ namespace {
 Agent::EntryPoints* Entries() noexcept {
   try {
     return &Agent::AgentProcess::Instance().Entries();
-  } catch (...) {  // no memory for the agent itself: nothing can be logged either
+  } catch (...) {  // no memory for the agent, and so none to log it
     return nullptr;
   }
 }

@@ -1,45 +1,69 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 namespace Agent {
 
-class TrapTable;
-
-// One trap as the agent knows it.
+// One trap of the agent.
 struct TrapRow {
   const char* name;
   std::uint32_t specificTrap;
-  const char* raisedWhen;
+  const char* raisedWhen;  // ends the sentence "Raised when ..."
 };
 
-// The agent's traps in the order of their numbers. This is the only list of
-// them: registration, the handlers of updates, documentation and management
-// files are made from it. The sentences finish "Raised when ...".
+// The agent's traps, in the order of their numbers. The registration and the
+// management files are made from this table. Code that names one trap must use
+// TrapName, so a misspelt name does not compile.
+//
+// What management files say beyond this table stands in mibs/Definitions.h,
+// which does not compile while a trap has no row there.
 inline constexpr TrapRow kTraps[] = {
-    {"TrapSoftwareLinkUp", 10, "an update cycle has finished"},
-    {"TrapSoftwareLinkDown", 11, "the link to the main process is lost"},
-    {"TrapStreamsOK", 12, "stream errors fall to 0"},
-    {"TrapStreamsFailed", 13, "stream errors rise from 0"},
-    {"TrapAudioSourcesOK", 14, "audio source errors fall to 0"},
-    {"TrapAudioSourcesFailed", 15, "audio source errors rise from 0"},
-    {"TrapAudioSilenceDetectPassed", 16, "silent audio sources fall to 0"},
-    {"TrapAudioSilenceDetectFailed", 17, "silent audio sources rise from 0"},
-    {"TrapStreamsFailedUpdated", 18, "stream errors change between two non-zero values"},
-    {"TrapAudioSourcesFailedUpdated", 19, "audio source errors change between two non-zero values"},
-    {"TrapAudioSilenceDetectFailedUpdated", 20,
-     "silent audio sources change between two non-zero values"},
+    {.name = "TrapSoftwareLinkUp",
+     .specificTrap = 10,
+     .raisedWhen = "an update cycle has finished"},
+    {.name = "TrapSoftwareLinkDown",
+     .specificTrap = 11,
+     .raisedWhen = "the link to the main process is lost"},
+    {.name = "TrapStreamsOK", .specificTrap = 12, .raisedWhen = "stream errors fall to 0"},
+    {.name = "TrapStreamsFailed", .specificTrap = 13, .raisedWhen = "stream errors rise from 0"},
+    {.name = "TrapAudioSourcesOK",
+     .specificTrap = 14,
+     .raisedWhen = "audio source errors fall to 0"},
+    {.name = "TrapAudioSourcesFailed",
+     .specificTrap = 15,
+     .raisedWhen = "audio source errors rise from 0"},
+    {.name = "TrapAudioSilenceDetectPassed",
+     .specificTrap = 16,
+     .raisedWhen = "silent audio sources fall to 0"},
+    {.name = "TrapAudioSilenceDetectFailed",
+     .specificTrap = 17,
+     .raisedWhen = "silent audio sources rise from 0"},
+    {.name = "TrapStreamsFailedUpdated",
+     .specificTrap = 18,
+     .raisedWhen = "stream errors change between two non-zero values"},
+    {.name = "TrapAudioSourcesFailedUpdated",
+     .specificTrap = 19,
+     .raisedWhen = "audio source errors change between two non-zero values"},
+    {.name = "TrapAudioSilenceDetectFailedUpdated",
+     .specificTrap = 20,
+     .raisedWhen = "silent audio sources change between two non-zero values"},
 };
 
-// The name of a trap of the table; a name that is not there does not compile.
+consteval bool TrapsAscend() {
+  for (std::size_t i = 1; i < std::size(kTraps); ++i)
+    if (kTraps[i].specificTrap <= kTraps[i - 1].specificTrap) return false;
+  return true;
+}
+static_assert(TrapsAscend(), "each trap has a number of its own, and the numbers are in order");
+
+// Returns the name of a trap of the table. Another name does not compile.
 consteval const char* TrapName(std::string_view name) {
   for (const TrapRow& row : kTraps)
     if (row.name == name) return row.name;
   throw "no such trap";
 }
-
-// Registers them all in their order. Once, on the thread that starts the agent.
-void RegisterTraps(TrapTable& table);
 
 }  // namespace Agent

@@ -3,10 +3,8 @@
 #include <utility>
 
 #include "Src/LogPrinter.h"
-#include "agent/ChangeTraps.h"
 #include "agent/MyConnectNotify.h"
 #include "agent/SNMPExtensionAgent.h"
-#include "agent/Traps.h"
 #include "agent/Variables.h"
 #include "messages/Registrar.h"
 

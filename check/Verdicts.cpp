@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "agent/EnterprisePrefix.h"
+#include "agent/ObjectIdentifier.h"
 #include "agent/Variables.h"
 #include "check/VerdictParts.h"
 

@@ -1,6 +1,6 @@
-# Fails unless the entry of the agent's Windows threads leaves this module by a
-# jump to SetEvent. A call would come back into code that whoever waited for the
-# event may have unmapped.
+# Fails unless the entry of the agent's Windows threads ends in a jump to SetEvent. A
+# call would return to code that is perhaps unmapped: the thread that waits for the event
+# unloads the module.
 #   cmake -D OBJDUMP=<objdump> -D PROGRAM=<program or library with its symbols>
 #         -P CheckThreadEntry.cmake
 execute_process(COMMAND "${OBJDUMP}" --disassemble --no-show-raw-insn --demangle "${PROGRAM}"

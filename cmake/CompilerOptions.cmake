@@ -1,5 +1,5 @@
-# One interface target carries the language level, the warnings and the
-# hardening of every target of this project.
+# The interface target corvane_options holds the warnings and the hardening for every
+# target of this project.
 add_library(corvane_options INTERFACE)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -14,13 +14,13 @@ target_compile_options(corvane_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
     -Wnon-virtual-dtor -Woverloaded-virtual -Wimplicit-fallthrough
     -Wformat=2 -Wundef -Werror
-    # Images carry no path of the machine that built them.
+    # Images contain no path of the machine that built them.
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
     -ffile-prefix-map=${CMAKE_BINARY_DIR}/=
     -fstack-protector-strong)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # g++ 12 sees overlapping copies within std::string's own operator+ at -O3
-  # (its bug 105651).
+  # At -O3, g++ 12 reports overlapping copies in std::string's own operator+ (its bug
+  # 105651).
   target_compile_options(corvane_options INTERFACE -Wno-restrict)
 endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
@@ -35,10 +35,9 @@ endif()
 if(WIN32)
   target_compile_definitions(corvane_options INTERFACE
       WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0601 _WIN32_WINNT=0x0601)
-  # -static: the DLL and the test programs depend on Windows' own libraries
-  # only; what the stack protector needs comes from a library that the linker is
-  # to be told of. Without a time stamp two builds of one source are the same
-  # bytes.
+  # -static: the DLL and the test programs depend only on Windows' own libraries. The
+  # linker option -fstack-protector-strong adds the library that the stack protector
+  # needs. Without a time stamp, two builds of one source are the same bytes.
   target_link_options(corvane_options INTERFACE
       -static -fstack-protector-strong -Wl,--no-insert-timestamp
       -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
@@ -55,7 +54,15 @@ if(CORVANE_SANITIZE)
   target_link_options(corvane_options INTERFACE -fsanitize=${CORVANE_SANITIZE})
 endif()
 
-# What was executed is counted, for gcov; atomically, since threads share code.
+# Locks are checked against the order in platform/LockRank.h. Native builds only:
+# the check needs a thread_local, which the DLL must not have.
+option(CORVANE_CHECK_LOCK_ORDER "End the process when a thread takes locks out of order" OFF)
+if(CORVANE_CHECK_LOCK_ORDER AND NOT WIN32)
+  target_compile_definitions(corvane_options INTERFACE CORVANE_CHECK_LOCK_ORDER)
+endif()
+
+# Counts executed lines and branches for gcov. The counts are atomic, because threads share
+# code.
 option(CORVANE_COVERAGE "Count what is executed (g++)" OFF)
 if(CORVANE_COVERAGE)
   target_compile_options(corvane_options INTERFACE --coverage -fprofile-update=atomic)

@@ -1,6 +1,6 @@
-# GoogleTest as GTest::gtest and GTest::gmock_main. Always compiled from the
-# sources that Debian's googletest package ships, so that every build of the
-# tests (sanitized and cross-built ones too) has one made with its own flags.
+# GoogleTest as GTest::gtest and GTest::gmock_main. Each build compiles it from the sources
+# of Debian's googletest package with its own flags, also the sanitized and the
+# cross-built ones.
 add_library(googletest_sources STATIC
     /usr/src/googletest/googletest/src/gtest-all.cc
     /usr/src/googletest/googlemock/src/gmock-all.cc)

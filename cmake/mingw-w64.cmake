@@ -1,5 +1,5 @@
-# Cross build for 64-bit Windows with Debian's mingw-w64 and its POSIX thread
-# model, which is the one that has std::mutex and std::thread.
+# Cross build for 64-bit Windows with Debian's mingw-w64. Its POSIX thread model has
+# std::mutex and std::thread.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
@@ -9,7 +9,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 
-# ctest runs the programs under Wine, where there is one.
+# ctest runs the programs under Wine, if it is installed.
 find_program(CORVANE_WINE wine)
 if(CORVANE_WINE)
   set(CMAKE_CROSSCOMPILING_EMULATOR ${CORVANE_WINE})

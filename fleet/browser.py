@@ -1,24 +1,50 @@
-"""A headless Chromium, led through the pipe that it offers for that (DevTools protocol)."""
+"""Takes a picture of Prometheus' page of alerts with a headless Chromium.
+
+The script controls Chromium through a pipe (DevTools protocol).
+"""
 
 import base64
 import json
 import os
 import select
+import shutil
 import time
 
+from monitoring import URL
 from programs import Program, ProgramFault
 
 ANSWER_SECONDS = 60
-SCALE = 0.75  # still to be read, and half as many pixels
+SCALE = 0.75  # half the number of pixels, and still readable
+
+# Debian's Prometheus has only the classic pages.
+PAGE = URL + "/classic/alerts"
+UNFOLD = "$('.alert_header').click(); $('.alert_details').length"
+
+
+def take_picture(file, folder):
+    """Writes the page, with every alert unfolded, to `file` as a PNG.
+
+    The browser's own files go to `folder`, which is emptied first.
+    """
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    browser = Browser(folder, 1000, 800)
+    try:
+        browser.open(PAGE)
+        if not browser.evaluate(UNFOLD):
+            raise ProgramFault(f"{PAGE} shows no alerts")
+        file.write_bytes(browser.picture())
+    finally:
+        browser.stop()
 
 
 class Browser:
-    """One page in one browser; all of its files lie in `folder`, which is empty at first."""
+    """One browser with one page. It writes its files to `folder`."""
 
     def __init__(self, folder, width, height):
         command_end, self._commands = os.pipe()
         self._answers, answer_end = os.pipe()
-        # It reads from descriptor 3 and writes to 4.
+        # Chromium reads from descriptor 3 and writes to descriptor 4.
         self._program = Program([
             "bash", "-c", f'exec "$@" 3<&{command_end} 4>&{answer_end}', "chromium",
             "chromium", "--headless", "--remote-debugging-pipe", "--no-sandbox", "--disable-gpu",
@@ -36,7 +62,7 @@ class Browser:
                                                  flatten=True)["sessionId"]}
 
     def open(self, url):
-        """Until the page is there, with all that it loads."""
+        """Returns when the page and everything on it is loaded."""
         self._call("Page.navigate", url=url)
         deadline = time.monotonic() + ANSWER_SECONDS
         while self.evaluate("location.href + document.readyState") != url + "complete":
@@ -45,11 +71,11 @@ class Browser:
             time.sleep(0.1)
 
     def evaluate(self, script):
-        """The value of a JavaScript expression."""
+        """Returns the value of a JavaScript expression."""
         return self._call("Runtime.evaluate", expression=script, returnByValue=True)["result"].get("value")
 
     def picture(self):
-        """The whole page as a PNG."""
+        """Returns the whole page as a PNG."""
         size = self._call("Page.getLayoutMetrics")["cssContentSize"]
         return base64.b64decode(self._call(
             "Page.captureScreenshot", captureBeyondViewport=True, clip=size | {"scale": SCALE})["data"])
@@ -65,9 +91,9 @@ class Browser:
         try:
             os.write(self._commands, json.dumps(command).encode() + b"\0")
         except BrokenPipeError:
-            raise ProgramFault(f"chromium has ended: {self._program.said()[-500:]}") from None
+            raise ProgramFault(f"chromium ended: {self._program.said()[-500:]}") from None
         while (answer := self._next_message()).get("id") != self._number:
-            pass  # an event, which nobody asked for
+            pass  # an event, not the response
         if "error" in answer:
             raise ProgramFault(f"chromium, {method}: {answer['error']['message']}")
         return answer["result"]
@@ -77,7 +103,7 @@ class Browser:
             ready, _, _ = select.select([self._answers], [], [], ANSWER_SECONDS)
             piece = os.read(self._answers, 65536) if ready else b""
             if not piece:
-                raise ProgramFault(f"chromium does not answer: {self._program.said()[-500:]}")
+                raise ProgramFault(f"chromium does not respond: {self._program.said()[-500:]}")
             self._unread += piece
         message, self._unread = self._unread.split(b"\0", 1)
         return json.loads(message)

@@ -1,12 +1,15 @@
-"""What happens to one server: its faults one after the other, and the way back."""
+"""Runs the faults of one server one after the other, and mends them in reverse order."""
 
 from faults import faults_of
 from report import Row
 
 
 class Course:
-    """The rows of one server. A fault comes when the alert of the one before has fired; the last
-    is mended first, and the one before it when that alert has gone."""
+    """The faults of one server.
+
+    A fault begins when the alert of the previous fault has fired. The last fault is mended first.
+    An earlier fault is mended when the alert of the later one is gone.
+    """
 
     def __init__(self, server, number):
         self.server = server
@@ -26,15 +29,15 @@ class Course:
         self.rows[0].break_it(now)
 
     def begin_mending(self, now):
-        """Whatever is broken by now."""
+        """Mends the last fault that has begun."""
         self._is_mending = True
         self.rows[self._at].mend_it(now)
 
     def see(self, firing, now):
-        """Takes in the server's alerts of this moment, and goes on when it is time."""
+        """Looks at the alerts of the server that fire now, and starts the next step if it is due."""
         row = self.rows[self._at]
-        # The alerts of earlier faults take a moment to give way, and may come back for one
-        # while the last is mended.
+        # The alerts of earlier faults need a moment to end. They may fire again while the last
+        # fault is mended.
         earlier = {row.fault.alert for row in self.rows[:self._at]}
         row.see(firing, now, earlier)
         if self._is_mending and row.is_over and self._at > 0:

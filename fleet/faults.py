@@ -1,4 +1,4 @@
-"""What can happen to a server, the alert that it must raise, and who suffers what."""
+"""The faults of servers, the alert that each must raise, and which server gets which faults."""
 
 from typing import Callable, NamedTuple, Optional
 
@@ -6,7 +6,7 @@ from server import Server
 
 
 class Fault(NamedTuple):
-    """`alert` is the one that fires then, and no other; None: nothing may fire."""
+    """`alert` is the only alert that may fire. None: no alert may fire."""
 
     text: str
     alert: Optional[str]
@@ -15,7 +15,7 @@ class Fault(NamedTuple):
 
 
 def count(text, alert, group, name, number):
-    """A fault that is a number of things in error, mended when it is 0 again."""
+    """A fault that sets a count above 0. Setting the count to 0 mends it."""
     return Fault(text, alert, lambda server: server.set(group, **{name: number}),
                  lambda server: server.set(group, **{name: 0}))
 
@@ -33,12 +33,13 @@ AGENT = Fault("the agent is not loaded", "CorvaneAgentNotLoaded",
 NETWORK = Fault("the network is cut", "CorvaneSnmpUnreachable",
                 Server.cut_network, Server.mend_network)
 
-# Server by server, from the first again when there are more; within a server one fault after
-# the other. A dead link makes the counts old: its alert takes the place of theirs.
+# One list for each server. After the last list, the first one is used again. The faults in a
+# list happen one after the other. If the link is down, the counts are old: the alert about the
+# link replaces the alerts about the counts.
 SCRIPT = [[NOTHING], [STREAMS], [AGENT], [LINK], [SILENCE], [NETWORK], [SOURCE], [STREAMS, LINK]]
 
 
 def faults_of(number):
-    """What happens to server `number`, counted from 1."""
+    """Returns the faults of server `number`; the first is 1."""
     return SCRIPT[(number - 1) % len(SCRIPT)]
 

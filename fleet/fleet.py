@@ -1,6 +1,6 @@
-"""The show: servers are started, watched, broken and mended; what fired is told.
+"""Starts servers and their monitoring, makes and mends faults, and reports the alerts that fired.
 
-Started by tools/run-fleet, in network and mount namespaces of its own.
+tools/run-fleet starts this script in its own network and mount namespaces.
 """
 
 import argparse
@@ -12,7 +12,7 @@ import sys
 import time
 
 import network
-import picture
+from browser import take_picture
 from course import Course
 from monitoring import Monitoring
 from programs import ProgramFault, wait_until
@@ -22,14 +22,14 @@ from server import Server
 TOP = pathlib.Path(__file__).resolve().parent.parent
 BUILD = TOP / "build" / "release"
 WORK = TOP / "build" / "fleet"
-PHASE_SECONDS = 90  # more than any alert takes
-CALM_SECONDS = 3  # with nothing pending: whatever is to fire has fired
+PHASE_SECONDS = 90  # every alert needs less
+CALM_SECONDS = 3  # if no alert is pending for this time, no further alert will fire
 STARTED = time.monotonic()
 
 
 def main():
     options = read_options()
-    # Even where the starting shell has made it deaf to Ctrl-C.
+    # A shell that starts this script in the background makes it ignore Ctrl-C.
     signal.signal(signal.SIGINT, signal.default_int_handler)
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(143))
     started = contextlib.ExitStack()
@@ -57,8 +57,10 @@ def say(text):
 
 
 def show(options, started):
-    """The whole of it; True when everything was as expected. What it starts is ended by
-    `started`, the last first."""
+    """Runs all phases. Returns True if the result is as expected.
+
+    `started` receives a callback that ends each started program.
+    """
     shutil.rmtree(WORK, ignore_errors=True)
     monitoring = Monitoring(TOP / "monitoring" / "prometheus", WORK / "monitoring")
     servers = start_servers(options.count, started)
@@ -69,8 +71,8 @@ def show(options, started):
         course.begin(time.monotonic())
     follow(monitoring, courses, lambda: all(course.has_fired for course in courses))
     if options.picture:
-        picture.take(options.picture, WORK / "chromium")
-        say(f"The page of alerts is in {options.picture}")
+        take_picture(options.picture, WORK / "chromium")
+        say(f"The picture of the alerts is in {options.picture}")
     say("Mending")
     for course in courses:
         course.begin_mending(time.monotonic())
@@ -81,7 +83,7 @@ def show(options, started):
 
 
 def start_servers(count, started):
-    say(f"Starting {count} servers: corvane-sim and snmphost with SNMPd.so, each in a network of its own")
+    say(f"Starting {count} servers: corvane-sim and snmphost with SNMPd.so, each in its own network")
     network.make_bridge()
     servers = []
     for number in range(1, count + 1):
@@ -93,19 +95,21 @@ def start_servers(count, started):
 
 
 def start_monitoring(monitoring, servers, started):
-    """Until all servers are seen to be well: with the values that the agents ask for 15 seconds
-    after their start, and without any alert."""
+    """Returns when Prometheus has values from all servers and no alert.
+
+    The agents request the values 15 seconds after their start.
+    """
     say("Starting Prometheus and its snmp_exporter")
     started.callback(monitoring.stop)
     monitoring.start([server.name for server in servers])
-    say("Waiting until all servers are well: the agents ask for values 15 s after connecting")
+    say("Waiting for values from all servers: the agents request them 15 s after connecting")
     wait_until(lambda: all(server.has_sent_update() for server in servers)
                and monitoring.count("corvane_streams > 0") == len(servers)
-               and monitoring.alerts() == (set(), set()), PHASE_SECONDS, "not all servers are well")
+               and monitoring.alerts() == (set(), set()), PHASE_SECONDS, "not all servers have values and no alert")
 
 
 def follow(monitoring, courses, is_done):
-    """Looks at the alerts again and again, until `is_done` and calm, or the time is over."""
+    """Reads the alerts until `is_done` is true and no alert is pending, or the time is over."""
     deadline = time.monotonic() + PHASE_SECONDS
     calm_since = None
     while (now := time.monotonic()) < deadline:

@@ -1,5 +1,7 @@
-"""Prometheus and its snmp_exporter as Debian packages them, on files of their own: Debian's
-configuration is neither read nor changed."""
+"""Prometheus and snmp_exporter from Debian's packages, with a configuration of the fleet.
+
+Debian's own configuration is neither read nor changed.
+"""
 
 import json
 import re
@@ -14,12 +16,12 @@ INTERVAL = "1s"
 
 
 def quicken(rules):
-    """The alert rules with every `for:` of minutes turned into as many seconds."""
+    """Changes the minutes in every `for:` of the alert rules to seconds."""
     return re.sub(r"^(\s*for: *)(\d+)m$", r"\1\2s", rules, flags=re.MULTILINE)
 
 
 def for_these_servers(configuration, names):
-    """The delivered prometheus.yml, asking these servers, often."""
+    """Changes the delivered prometheus.yml: other servers, short intervals."""
     settings = yaml.safe_load(configuration)
     settings["global"] = {"scrape_interval": INTERVAL, "evaluation_interval": INTERVAL}
     settings["scrape_configs"][0]["static_configs"] = [{"targets": names}]
@@ -27,14 +29,14 @@ def for_these_servers(configuration, names):
 
 
 class Monitoring:
-    """The exporter and Prometheus, reached at URL from within the fleet's network."""
+    """The exporter and Prometheus. Prometheus listens at URL inside the fleet's network."""
 
     def __init__(self, delivered, folder):
         self._delivered = delivered
         self._folder = folder
         folder.mkdir(parents=True)
         self._programs = []
-        # A proxy in the environment is for the world outside.
+        # A proxy from the environment cannot reach this network.
         self._opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
 
     def start(self, names):
@@ -48,7 +50,7 @@ class Monitoring:
         wait_until(self._is_ready, 60, "Prometheus is not ready")
 
     def alerts(self):
-        """Now: pairs of server and alert, firing and pending."""
+        """Returns two sets of (server, alert) pairs: firing now, and pending now."""
         firing, pending = set(), set()
         for alert in self._ask("alerts")["alerts"]:
             pair = (alert["labels"]["instance"], alert["labels"]["alertname"])
@@ -56,7 +58,7 @@ class Monitoring:
         return firing, pending
 
     def count(self, query):
-        """How many series answer the query now."""
+        """Returns the number of series in the result of the query."""
         return len(self._ask("query?query=" + urllib.request.quote(query))["result"])
 
     def stop(self):
@@ -70,13 +72,13 @@ class Monitoring:
         (self._folder / name).write_text(text, encoding="utf-8")
 
     def _run(self, name, *command):
-        # Names are relative to the folder, and so they are shown.
+        # The pages of Prometheus show file names as given here, so these are relative.
         self._programs.append(Program(command, self._folder / f"{name}.log", cwd=self._folder))
 
     def _is_ready(self):
         for program in self._programs:
             if not program.is_running():
-                raise ProgramFault(f"{program.name} has ended: {program.said()[-500:].strip()}")
+                raise ProgramFault(f"{program.name} ended: {program.said()[-500:].strip()}")
         try:
             return self._opener.open(f"{URL}/-/ready", timeout=5).status == 200
         except OSError:

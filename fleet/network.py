@@ -1,6 +1,8 @@
-"""A network of the fleet's own: a bridge, and a namespace for each server behind a pair of
-virtual cards. The script itself is in a namespace without any other network, so that nothing
-of it is seen outside, and all of it is gone with the last program."""
+"""The network of the fleet: a bridge, and for each server a namespace with a virtual card.
+
+The script itself runs in a namespace without another network. So nothing of the fleet is
+visible outside, and the kernel removes everything when the last program ends.
+"""
 
 import ipaddress
 import os
@@ -8,7 +10,7 @@ import os
 from programs import Program, run, wait_until
 
 SUBNET = ipaddress.ip_network("10.33.0.0/16")
-FIRST_SERVER = 256  # below it the monitoring side: 10.33.0.x
+FIRST_SERVER = 256  # the monitoring uses the addresses below, 10.33.0.x
 BRIDGE = "fleet"
 
 
@@ -20,14 +22,14 @@ def make_bridge():
 
 
 def write_hosts(file, servers):
-    """Lets the servers' names be known, here and to the programs started from here."""
+    """Makes the names of the servers known to this script and to the programs that it starts."""
     lines = ["127.0.0.1 localhost"] + [f"{server.address} {server.name}" for server in servers]
     file.write_text("\n".join(lines) + "\n", encoding="ascii")
     run("mount", "--bind", file, "/etc/hosts")
 
 
 class Namespace:
-    """One server's network. It lives as long as a sleeping program that holds it."""
+    """The network of one server. It exists until the sleeping program that holds it ends."""
 
     def __init__(self, number, folder):
         self.address = str(SUBNET[FIRST_SERVER + number])
@@ -49,7 +51,7 @@ class Namespace:
             return ""
 
     def inside(self, *command):
-        """The command line that runs a command in this network."""
+        """Returns the command line that runs `command` in this network."""
         return ["nsenter", f"--net=/proc/{self._holder.pid}/ns/net", "--", *command]
 
     def cut(self):

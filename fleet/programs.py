@@ -1,4 +1,4 @@
-"""Programs that the fleet starts: each known by its id, and ended by it."""
+"""The programs that the fleet starts. It ends each of them by its process id."""
 
 import contextlib
 import subprocess
@@ -6,14 +6,14 @@ import time
 
 
 class ProgramFault(Exception):
-    """A program that would not start, or ended by itself, or a wait that took too long."""
+    """A program did not start, ended unexpectedly, or a wait took too long."""
 
 
 class Program:
-    """One running program; what it says goes to `log`.
+    """One running program. Its output goes to `log`.
 
-    It is killed by the kernel when this script goes without ending it. Its session is its own,
-    so that Ctrl-C at the terminal reaches the script alone.
+    If this script ends without ending the program, the kernel kills the program. The program has
+    its own session, so that Ctrl-C at the terminal reaches only this script.
     """
 
     def __init__(self, command, log, **options):
@@ -39,24 +39,24 @@ class Program:
         return self._log.read_text(encoding="utf-8", errors="replace")
 
     def await_text(self, text, seconds=20):
-        """Until it has said so; ends the wait when it is gone."""
+        """Returns when the output contains `text`. Raises ProgramFault if the program ends first."""
         wait_until(lambda: text in self.said() or not self.is_running(), seconds,
-                   f"{self.name} has not said '{text}'")
+                   f"{self.name} did not print '{text}'")
         if not self.is_running():
-            raise ProgramFault(f"{self.name} has ended: {self.said()[-500:].strip()}")
+            raise ProgramFault(f"{self.name} ended: {self.said()[-500:].strip()}")
 
     def is_running(self):
         return self._process.poll() is None
 
     def wait(self, seconds):
-        """Until it has ended by itself."""
+        """Returns when the program has ended."""
         try:
             self._process.wait(seconds)
         except subprocess.TimeoutExpired:
-            raise ProgramFault(f"{self.name} has not ended in {seconds} s") from None
+            raise ProgramFault(f"{self.name} did not end in {seconds} s") from None
 
     def stop(self):
-        """Ends it in order, or by force when it does not go in ten seconds."""
+        """Asks the program to end, and kills it after ten seconds."""
         if self.is_running():
             self._process.terminate()
         try:
@@ -69,14 +69,14 @@ class Program:
 
 
 def run(*command):
-    """Runs a short command to its end."""
+    """Runs a short command and waits for its end."""
     done = subprocess.run([str(word) for word in command], check=False, capture_output=True, text=True)
     if done.returncode != 0:
         raise ProgramFault(f"{' '.join(str(word) for word in command)}: {done.stderr.strip()}")
 
 
 def wait_until(condition, seconds, complaint):
-    """Asks again and again, ten times a second; raises ProgramFault when the time is over."""
+    """Tests `condition` ten times a second. Raises ProgramFault when the time is over."""
     deadline = time.monotonic() + seconds
     while not condition():
         if time.monotonic() > deadline:

@@ -1,15 +1,15 @@
-"""What was expected of each fault and what came of it."""
+"""Compares the alerts that fired with the expected ones, and prints the result."""
 
 HEADINGS = ("server", "what was broken", "alert that fired", "after", "gone after mending")
 
 
 class Row:
-    """One fault of one server. Times are seconds, on whatever clock is handed in."""
+    """One fault of one server. All times are seconds of the caller's clock."""
 
     def __init__(self, server, fault):
         self.server = server
         self.fault = fault
-        self.strangers = set()  # alerts that had no reason to fire
+        self.strangers = set()  # alerts that must not fire
         self._broken_at = self._mended_at = None
         self._fired_after = self._gone_after = None
 
@@ -19,12 +19,12 @@ class Row:
 
     @property
     def has_fired(self):
-        """True as well for what raises nothing."""
+        """Also true for a fault that raises no alert."""
         return self.is_broken and (self.fault.alert is None or self._fired_after is not None)
 
     @property
     def is_over(self):
-        """Mended, and nothing fires any more; what never fired need not go."""
+        """True if the fault is mended and its alert is gone, or never fired."""
         return self._mended_at is not None and (self._fired_after is None or self._gone_after is not None)
 
     def break_it(self, now):
@@ -36,8 +36,10 @@ class Row:
         self.fault.mends(self.server)
 
     def see(self, firing, now, known=frozenset()):
-        """`firing`: the server's alerts now; `known`: those of its earlier faults, which may
-        take a moment to give way. A row has fired when its alert is the only one."""
+        """`firing` are the alerts of the server now, `known` the alerts of its earlier faults.
+
+        The earlier alerts need a moment to end: the fault has fired when its alert is the only one.
+        """
         wanted = {self.fault.alert} - {None}
         self.strangers |= firing - wanted - known
         if self.fault.alert is None:
@@ -48,13 +50,13 @@ class Row:
             self._gone_after = now - self._mended_at
 
     def complaints(self):
-        """One text for each thing that is not as it should be."""
+        """One text for each difference from the expected result."""
         if not self.has_fired:
             yield f"{self.fault.alert} did not fire"
         if self.strangers:
-            yield "fired as well: " + ", ".join(sorted(self.strangers))
+            yield "also fired: " + ", ".join(sorted(self.strangers))
         if self.has_fired and not self.is_over:
-            yield f"{self.fault.alert} did not go"
+            yield f"{self.fault.alert} did not stop"
 
     def cells(self):
         fired = (self.fault.alert or "none") if self.has_fired else "-"
@@ -75,7 +77,7 @@ def print_table(rows):
 
 
 def verdict(rows):
-    """Says what is not as expected and how many rows are; True when all are."""
+    """Prints the complaints and the counts. Returns True if there are no complaints."""
     failed = 0
     for row in rows:
         complaints = list(row.complaints())

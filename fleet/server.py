@@ -1,4 +1,4 @@
-"""One server of the fleet: a simulated Corvane server, and the SNMP service with the agent."""
+"""One server of the fleet: the simulated Corvane server, and the SNMP service with the agent."""
 
 import os
 
@@ -9,7 +9,7 @@ SNMP_PORT = 161
 
 
 class Server:
-    """Everything of one server, in a network and a folder of its own."""
+    """The programs of one server, in its own network and folder."""
 
     def __init__(self, number, build, folder):
         self.name = f"corvane{number}.example.org"
@@ -33,22 +33,22 @@ class Server:
         self._corvane.stop()
 
     def has_sent_update(self):
-        """True once the agent has asked for the values and been sent them."""
+        """True if the agent has requested the values and the simulator has sent them."""
         return "received SNMPupdate" in self._corvane.said()
 
     def set(self, group, **values):
-        """Values of one group change at the Corvane server, which tells the agent."""
+        """Changes values of one group at the Corvane server, which sends them to the agent."""
         self._corvane.tell(*(f"set {name} {value}" for name, value in values.items()), f"send {group}")
 
     def load_agent(self):
-        """The SNMP service as it should be: with the agent."""
+        """Restarts the SNMP service with the agent."""
         self._stop_service()
         self._service = self._run("snmphost", [
             self._build / "snmphost", "--listen", self._listen_address(), self._build / "SNMPd.so"])
         self._service.await_text("Serving")
 
     def lose_agent(self):
-        """The SNMP service restarts and does not load the agent: it answers all the same."""
+        """Restarts the SNMP service without the agent. The service still responds."""
         self._stop_service()
         configuration = self._folder / "snmpd.conf"
         configuration.write_text("rocommunity public\n", encoding="ascii")

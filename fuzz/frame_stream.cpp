@@ -1,5 +1,6 @@
-// A byte stream into the link's framing, against a model that sees the whole
-// stream at once. After a fault the stream starts afresh, as after a reconnection.
+// Feeds a byte stream to the link's framing and compares the result with a model that
+// sees the whole stream at once. After a fault the stream starts anew, as it does after
+// a reconnection.
 
 #include <cctype>
 #include <cstdint>
@@ -8,7 +9,7 @@
 #include <vector>
 
 #include "fuzz/FuzzInput.h"
-#include "net/FrameReader.h"
+#include "net/Framing.h"
 #include "tests/support/LinkRecorders.h"
 
 namespace {
@@ -39,11 +40,12 @@ void Take(const std::string& stream, std::size_t& at, Outcome& outcome) {
     outcome.faults.push_back("Vask::JsonSocket::ProcessByteProtocol error. Message size is zero!");
   } else if (at == stream.size()) {
     return;
-  } else if (size > INT32_MAX) {  // taken as signed it is no size; the next byte finds out
+  } else if (size > INT32_MAX) {  // negative if signed; the next byte is refused
     outcome.faults.push_back("Vask::JsonSocket::ProcessByteUnexpected state!");
     ++at;
   } else if (stream.size() - at >= size) {
-    outcome.bodies.push_back(stream.substr(at, size).c_str());  // up to a NUL, as it is handed on
+    outcome.bodies.push_back(
+        stream.substr(at, size).c_str());  // up to a NUL, as the listener gets it
     at += size;
   } else {
     at = stream.size();
@@ -56,7 +58,7 @@ Outcome Model(const std::string& stream) {
   return outcome;
 }
 
-// A NUL that is complained about ends the text of the complaint.
+// An unexpected NUL ends the text that reports it.
 void CutAtNul(std::vector<std::string>& texts) {
   for (std::string& text : texts) text.resize(std::strlen(text.c_str()));
 }

@@ -1,12 +1,10 @@
-// Host strings into both address classes, on a machine where every name is known. A failure must
-// leave the address as it was.
+// Feeds host strings to both address classes, on a machine that knows every name. A failure must
+// not change the address.
 
 #include <string>
 
 #include "fuzz/FuzzInput.h"
-#include "net/AddressText.h"
 #include "net/InetAddress.h"
-#include "net/InetAddress2.h"
 #include "tests/support/FaultySockets.h"
 
 namespace {

@@ -1,11 +1,11 @@
-// Log texts of any content and length: the day's file, the history that
-// listeners get and the syslog datagram, each against what was put in.
+// Logs texts of any content and length. Compares the day's file, the history that
+// listeners get and the syslog datagram with the input.
 
 #include <deque>
 #include <string>
 
 #include "Src/DailyLog.h"
-#include "Src/SyslogDatagram.h"
+#include "Src/SyslogSender.h"
 #include "fuzz/FuzzInput.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
@@ -19,7 +19,7 @@ using Blocks = const Vask::IDailyLog::ILogDataBlock* const*;
 constexpr char kStamp[] = "12:00:00.000: ";
 constexpr std::size_t kHistory = 20;
 
-// Puts the pieces of every message together again.
+// Joins the pieces of every message.
 class Reader final : public Vask::IDailyLog::IListener {
  public:
   void OnWarning(Blocks blocks, std::uint32_t count, std::uint32_t totalLength) override {

@@ -1,9 +1,10 @@
-// Request identifiers into Get and GetNext over tables that the input describes,
-// against a model: the names of all cells in one sorted list.
+// Passes the input's names to Get and GetNext, over tables that the input
+// describes, and compares the results with a model: one sorted list of the names
+// of all cells.
 //
-// The model knows no SEQUENCE that has a variable behind it and no name inside a
-// SEQUENCE that is no cell: there the walk has rules of its own, which the unit
-// tests hold one by one.
+// The model leaves out a SEQUENCE before another variable, and a name inside a
+// SEQUENCE that is no cell. The walk has rules of its own for these, which the
+// unit tests check.
 
 #include <algorithm>
 #include <deque>
@@ -28,8 +29,8 @@ std::string NameOf(const Ids& ids) {
   return name;
 }
 
-// A table of INT variables, each of two sub-identifiers, the last one possibly a
-// SEQUENCE, registered as the agent registers its own: from last to first.
+// A table of INT variables with two sub-identifiers each. The last variable may be
+// a SEQUENCE. Registered from last to first, like the agent's own variables.
 struct Table {
   explicit Table(Vask::Fuzz::Input& input) {
     const std::size_t count = input.Byte() % 8;
@@ -58,7 +59,7 @@ struct Table {
     }
   }
 
-  // Every name that has a value, ascending.
+  // All names that have a value, in ascending order.
   [[nodiscard]] std::vector<Ids> Cells() const {
     std::vector<Ids> cells = suffixes;
     if (!hasSequence) return cells;
@@ -94,7 +95,7 @@ void ExpectGet(Table& table, const Ids& name, const std::vector<Ids>& cells) {
                          ? std::find(cells.begin(), cells.end(), name) != cells.end()
                          : std::any_of(cells.begin(), cells.end(),
                                        [&](const Ids& cell) { return IsLeadingPart(cell, name); });
-  // The entry number of a cell is not looked at by Get.
+  // Get ignores the entry number of a cell.
   if (table.IsInsideSequence(name) && name.size() == 5 && name[2] != 1) return;
   Binding binding(NameOf(name));
   FUZZ_EXPECT((table.agent.GetRequest(binding.Get()) == 0) == known);
@@ -106,15 +107,15 @@ void ExpectGetNext(Table& table, const Ids& name, const std::vector<Ids>& cells)
   const auto next = std::upper_bound(cells.begin(), cells.end(), name);
   const bool isCell = std::find(cells.begin(), cells.end(), name) != cells.end();
   if (table.IsInsideSequence(name) && !isCell) return;
-  // A SEQUENCE that is stepped upon from before answers its bare name, without
-  // a value; the walk then goes on from there.
+  // A step from before a SEQUENCE returns its bare name without a value. The walk
+  // then continues from that name.
   const Ids bare = table.hasSequence ? table.suffixes.back() : Ids{};
   if (table.hasSequence && binding.Name() == NameOf(bare)) return;
   FUZZ_EXPECT((status == 0) == (next != cells.end()));
   if (status == 0) FUZZ_EXPECT(binding.Name() == NameOf(*next));
 }
 
-// From the prefix on, each answer lies behind the one before, and all cells come.
+// A walk from the prefix on returns all cells in ascending order.
 void ExpectWalk(Table& table, const std::vector<Ids>& cells) {
   std::vector<std::string> walked;
   std::string name = "P";
@@ -125,6 +126,7 @@ void ExpectWalk(Table& table, const std::vector<Ids>& cells) {
     if (binding.Value() != "none") walked.push_back(name);
   }
   std::vector<std::string> expected;
+  expected.reserve(cells.size());
   for (const Ids& cell : cells) expected.push_back(NameOf(cell));
   FUZZ_EXPECT(walked == expected);
 }
@@ -132,7 +134,7 @@ void ExpectWalk(Table& table, const std::vector<Ids>& cells) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static Vask::Tests::RecordingLog log;  // takes the lines off the console
+  static Vask::Tests::RecordingLog log;  // keeps the lines off the console
   Vask::Fuzz::Input input(data, size);
   Table table(input);
   const std::vector<Ids> cells = table.Cells();

@@ -1,6 +1,6 @@
-// The contract side of the host, compiled natively for shared objects and with
-// winelib for DLLs: the same source, since platform/Snmp.h declares the same
-// contract on both.
+// The contract side of the host. It is compiled natively for shared objects and
+// with winelib for DLLs, because platform/Snmp.h declares the same contract on both
+// systems.
 
 #include <cstring>
 #include <utility>
@@ -45,8 +45,8 @@ Oid FromContract(const AsnObjectIdentifier& oid) {
   return oid.ids == nullptr ? Oid() : Oid(oid.ids, oid.ids + oid.idLength);
 }
 
-// A copy in the contract's own memory, which either side may give back. Empty
-// when there is no memory.
+// Returns a copy in the contract's own memory, which either side may free. Empty
+// if there is no memory.
 AsnObjectIdentifier ToContract(Oid oid) {
   AsnObjectIdentifier copy{};
   AsnObjectIdentifier source{};
@@ -79,7 +79,7 @@ AsnAny ToContract(const Value& value) {
   return any;
 }
 
-// False for a tag that this host does not carry.
+// False for a tag that this host does not support.
 bool FromContract(const AsnAny& any, Value& value) {
   value.asnType = any.asnType;
   if (IsNumber(any.asnType)) {
@@ -98,7 +98,7 @@ bool FromContract(const AsnAny& any, Value& value) {
   return true;
 }
 
-// Gives back what the contract says is the receiver's.
+// Frees what the contract gives to the receiver.
 void Free(SnmpVarBind& binding) {
   SnmpUtilOidFree(&binding.name);
   if (IsBytes(binding.value.asnType) && binding.value.asnValue.string.dynamic != 0) {
@@ -117,8 +117,8 @@ class ContractModule final : public ExtensionModule {
   bool Start(Oid& supportedView) override {
     HANDLE trapEvent = nullptr;
     AsnObjectIdentifier view{};
-    // The time-zero reference is the service's start; this host has no other
-    // agents whose time stamps would have to agree, so it is zero.
+    // The time-zero reference is the service's start. It is zero here, because
+    // this host has no other agents whose time stamps must agree.
     const bool started = m_init(0, &trapEvent, &view) != 0;
     supportedView = FromContract(view);
     if (trapEvent != nullptr) m_trapDescriptor = m_library->Watch(trapEvent);
@@ -153,7 +153,7 @@ class ContractModule final : public ExtensionModule {
     UINT timeStamp = 0;
     SnmpVarBindList bindings{};
     if (m_trap(&enterprise, &generic, &specific, &timeStamp, &bindings) == 0) return false;
-    // The enterprise stays the module's own array; the list is the receiver's.
+    // The module keeps the array of the enterprise; the receiver frees the list.
     trap = Trap{FromContract(enterprise),
                 static_cast<std::int32_t>(generic),
                 static_cast<std::int32_t>(specific),
@@ -176,8 +176,8 @@ class ContractModule final : public ExtensionModule {
   int m_trapDescriptor = -1;
 };
 
-// The export as a function of that type, its name added to `missing` when the
-// module lacks it.
+// Returns the export as a function of that type. If the module lacks it, adds its
+// name to `missing`.
 template <class Function>
 Function Find(const ModuleLibrary& library, const char* name, std::string& missing) {
   void* const address = library.Find(name);
@@ -196,7 +196,7 @@ std::unique_ptr<ExtensionModule> ExtensionModule::Load(const std::string& path,
   const auto query = Find<QueryFunction>(*library, "SnmpExtensionQuery", missing);
   const auto trap = Find<TrapFunction>(*library, "SnmpExtensionTrap", missing);
   if (!missing.empty()) {
-    error = "it is no SNMP extension agent: it does not export " + missing;
+    error = "not an SNMP extension agent: it does not export " + missing;
     return nullptr;
   }
   return std::make_unique<ContractModule>(std::move(library), init, query, trap);

@@ -17,7 +17,7 @@ namespace {
 
 using namespace Host;
 
-// Exit statuses beside 0.
+// Exit statuses other than 0.
 constexpr int kCannotServe = 1;
 constexpr int kBadCommandLine = 2;
 
@@ -35,26 +35,26 @@ int Complain(int status, const Texts&... texts) {
   return status;
 }
 
-// The module's start, and what a newcomer should know of it.
+// Starts the module and prints what is served and where.
 void StartModule(ExtensionModule& module, const Options& options, SnmpFront& front) {
   Oid view;
   if (!module.Start(view)) {
-    Complain(0, options.module, ": its start failed; serving it all the same");
+    Complain(0, options.module, ": its start failed; the host serves it nevertheless");
   }
   if (view.empty() || !front.Serve(view)) {
-    Complain(0, options.module, ": no view that can be served: [", ToText(view), "]");
+    Complain(0, options.module, ": cannot serve its view [", ToText(view), "]");
     return;
   }
   std::printf("Serving %s at %s\n", ToText(view).c_str(),
               options.agentxSocket.empty() ? options.listen.c_str() : options.agentxSocket.c_str());
 }
 
-// Puts the registered agent's path into the options; false when there is none.
+// Stores the registered agent's path in the options. False if there is none.
 bool FindModule(Options& options) {
   const Registry* const registry = SystemRegistry();
   if (registry == nullptr) {
     Complain(0,
-             "--registered reads the Windows registry, which is not here: "
+             "--registered needs the Windows registry: "
              "use snmphost-wine, or name the module");
     return false;
   }
@@ -75,7 +75,8 @@ int Serve(Options& options) {
   if (!front.Open(error)) return Complain(kCannotServe, error);
 
   stopEvent = Vask::Platform::SystemThreading().CreateEvent(Vask::Platform::EventReset::Manual);
-  if (stopEvent == nullptr) return Complain(kCannotServe, "no event to be stopped by");
+  if (stopEvent == nullptr)
+    return Complain(kCannotServe, "cannot create the event that stops the host");
   std::signal(SIGINT, Stop);
   std::signal(SIGTERM, Stop);
   StartModule(*module, options, front);
@@ -90,7 +91,7 @@ int Serve(Options& options) {
 int main(int argc, char** argv) {
   ParsedOptions parsed = ParseOptions({argv + 1, argv + argc});
   if (!parsed.error.empty()) {
-    return Complain(kBadCommandLine, parsed.error, " (snmphost --help shows what there is)");
+    return Complain(kBadCommandLine, parsed.error, " (see snmphost --help)");
   }
   if (parsed.options.help) {
     std::fputs(HelpText(), stdout);

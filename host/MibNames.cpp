@@ -1,19 +1,20 @@
-// Prints the names behind the agent's numbers, one line each, from the agent's
-// own tables, for scripts and people who read what net-snmp's tools print:
+// Prints the names of the agent's variables and traps from the agent's own tables,
+// one line each. Scripts and people need them to read the output of net-snmp's
+// tools, which shows numbers:
 //
 //   variable <object identifier> LinkStatus
 //   trap <specific number> TrapSoftwareLinkUp
 //
-// With --version, the version.
+// With --version it prints the version.
 
 #include <cstdio>
 #include <cstring>
 
 #include "BuildSettings.h"
-#include "agent/EnterprisePrefix.h"
+#include "agent/ObjectIdentifier.h"
 #include "agent/Traps.h"
 #include "agent/Variables.h"
-#include "host/Oid.h"
+#include "host/ExtensionModule.h"
 
 int main(int argc, char** argv) {
   if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {

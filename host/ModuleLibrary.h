@@ -5,29 +5,30 @@
 
 namespace Host {
 
-// A module file in this process, and the way in which its trap event becomes
-// something that a select loop can wait for. One implementation per system of
-// the module: host/native for shared objects, host/winelib for Windows DLLs.
+// A module file that is loaded into this process. Watch turns its trap event into
+// a descriptor that a select loop can wait for. There is one implementation for
+// each kind of module: host/native for shared objects, host/winelib for Windows
+// DLLs.
 //
-// Used from one thread.
+// For one thread.
 class ModuleLibrary {
  public:
-  // Null on failure, with the reason in `error`.
+  // Null on failure; `error` is then the reason.
   [[nodiscard]] static std::unique_ptr<ModuleLibrary> Open(const std::string& path,
                                                            std::string& error);
 
-  // Gives the library back; its unload hook runs before this returns.
+  // Unloads the library: its unload hook runs before this returns.
   virtual ~ModuleLibrary() = default;
 
-  // The export of that name; null when there is none.
+  // Returns the address of an export; null if there is none of that name.
   [[nodiscard]] virtual void* Find(const char* name) const = 0;
 
-  // Starts to watch the module's trap event, which stays the module's. A file
-  // descriptor that is readable once the event has been signalled, owned by
-  // this object; -1 on failure.
+  // Starts to watch the module's trap event, which the module still owns. Returns
+  // a file descriptor that is readable after the module has signalled the event;
+  // this object owns it. -1 on failure.
   [[nodiscard]] virtual int Watch(void* event) = 0;
 
-  // Makes that descriptor unreadable until the event is signalled again.
+  // Makes the descriptor unreadable until the module signals the event again.
   virtual void TakeSignal() = 0;
 
  protected:

@@ -1,8 +1,9 @@
 #pragma once
 
-// net-snmp's headers, in the order that they need. The sources that include
-// this one are compiled with the plain compiler, never with winelib's: these
-// headers and <windows.h> cannot live in one source.
+// net-snmp's headers, in the order that they need, and the conversions between
+// its types and the host's. Compile the sources that include this header with
+// the plain compiler, not with winelib's: these headers and <windows.h> exclude
+// each other.
 
 #include <net-snmp/net-snmp-config.h>
 
@@ -12,7 +13,7 @@
 
 #include <vector>
 
-#include "host/Oid.h"
+#include "host/ExtensionModule.h"
 
 namespace Host {
 
@@ -27,5 +28,13 @@ namespace Host {
   for (std::size_t i = 0; i < count; ++i) identifier.push_back(static_cast<std::uint32_t>(ids[i]));
   return identifier;
 }
+
+// Stores the value in a variable of net-snmp's. False if there is no memory or
+// the value is NULL.
+[[nodiscard]] bool StoreValue(netsnmp_variable_list& variable, const Value& value);
+
+// Returns a value that a manager sent. NULL if the module's contract has no such
+// kind of value.
+[[nodiscard]] Value LoadValue(const netsnmp_variable_list& variable);
 
 }  // namespace Host

@@ -8,8 +8,8 @@ namespace {
 // The shortest pass phrase that SNMPv3 allows (RFC 3414, section 11.2).
 constexpr std::size_t kShortestPassPhrase = 8;
 
-// Some values become words of a configuration line of net-snmp's, which would
-// read these characters as its own.
+// Some values become words of a configuration line of net-snmp's, in which these
+// characters have a meaning of their own.
 bool IsPlainWord(const std::string& text) {
   return text.find_first_of(" \t\r\n\"'#\\") == std::string::npos;
 }
@@ -26,9 +26,10 @@ std::string StoreUser(Options& options, const std::string& text) {
   return {};
 }
 
-// Stores the value of one option; the error is empty when it is a good one.
+// Stores the value of one option. Returns an error, or an empty text if the value
+// is good.
 std::string Store(Options& options, const std::string& name, const std::string& value) {
-  if (value.empty()) return name + " takes a value that is not empty";
+  if (value.empty()) return "the value of " + name + " is empty";
   if (name == "--listen") {
     options.listen = value;
   } else if (name == "--community") {
@@ -52,20 +53,20 @@ bool IsValueOption(const std::string& name) {
 std::string StoreModule(Options& options, const std::string& path) {
   if (path.empty()) return "the module's path is empty";
   if (!options.module.empty()) {
-    return "one module only: '" + options.module + "' or '" + path + "'?";
+    return "only one module is allowed: '" + options.module + "' or '" + path + "'";
   }
   options.module = path;
   return {};
 }
 
-// What is wrong with the options as a whole; empty when nothing is.
+// Returns what is wrong with the options as a whole; empty if nothing is.
 std::string WhyNoModule(const Options& options) {
   if (options.help || options.version) return {};
   if (options.registered && !options.module.empty()) {
     return "--registered finds the module itself: leave out '" + options.module + "'";
   }
   const bool named = options.registered || !options.module.empty();
-  return named ? "" : "which module? Name SNMPd.so or SNMPd.dll";
+  return named ? "" : "no module: name SNMPd.so or SNMPd.dll";
 }
 
 }  // namespace
@@ -98,21 +99,22 @@ const char* HelpText() {
   return "snmphost [OPTION]... MODULE\n"
          "snmphost [OPTION]... --registered\n"
          "\n"
-         "Loads an SNMP extension agent as the Windows SNMP service would and answers\n"
-         "SNMPv1, SNMPv2c and SNMPv3 managers from it.\n"
+         "Loads an SNMP extension agent as the Windows SNMP service does, and answers\n"
+         "SNMPv1, SNMPv2c and SNMPv3 managers with its variables.\n"
          "\n"
-         "  --registered            instead of MODULE, the agent that is registered with the\n"
-         "                          SNMP service in the registry (under Wine only)\n"
-         "  --listen ADDRESS        where to listen (udp:127.0.0.1:1161)\n"
-         "  --community TEXT        the community that may read and write (public)\n"
-         "  --user NAME:PASSPHRASE  an SNMPv3 user (SHA, AES, the same pass phrase for both);\n"
-         "                          whoever may list processes can read it: for trying out\n"
-         "  --trap-sink HOST:PORT   where traps go, as SNMPv1 traps; may be repeated\n"
+         "  --registered            load the agent that is registered with the SNMP service\n"
+         "                          in the registry, instead of MODULE (under Wine only)\n"
+         "  --listen ADDRESS        listen on this address (default: udp:127.0.0.1:1161)\n"
+         "  --community TEXT        the community that may read and write (default: public)\n"
+         "  --user NAME:PASSPHRASE  an SNMPv3 user (SHA, AES, the same pass phrase for both).\n"
+         "                          For tests only: every user who can list the processes\n"
+         "                          can read the pass phrase\n"
+         "  --trap-sink HOST:PORT   send SNMPv1 traps to this receiver; may be repeated\n"
          "  --agentx SOCKET         be a subagent of the snmpd behind this AgentX socket,\n"
          "                          which then does all of the above with its own settings\n"
          "  --help, --version\n"
          "\n"
-         "Ends, and unloads the module, on SIGINT and SIGTERM.\n";
+         "On SIGINT and SIGTERM it unloads the module and ends.\n";
 }
 
 }  // namespace Host

@@ -14,17 +14,17 @@ std::string Full(const std::string& key) {
   return "HKLM\\" + key;
 }
 
-// As registry editors show the value that has no name.
+// Registry editors show the value without a name like this.
 std::string Shown(const std::string& name) {
   return name.empty() ? "(Default)" : name;
 }
 
-// One text value: what is wrong with it, or nothing.
+// Returns what is wrong with a text value; empty if nothing is.
 std::string WhyNoText(const Registry::Value& value, const std::string& name,
                       const std::string& key) {
   if (value.kind == ValueKind::Missing) return Full(key) + " has no value " + Shown(name);
   if (value.kind == ValueKind::NotText) {
-    return Shown(name) + " in " + Full(key) + " is no text (REG_SZ or REG_EXPAND_SZ)";
+    return Shown(name) + " in " + Full(key) + " is not a text (REG_SZ or REG_EXPAND_SZ)";
   }
   return value.text.empty() ? Shown(name) + " in " + Full(key) + " is empty" : "";
 }
@@ -33,12 +33,13 @@ std::string WhyNoKey(const Registry& registry, const std::string& key) {
   if (registry.HasKey(key, View::Bits64)) return {};
   const bool redirected = registry.HasKey(key, View::Bits32);
   return "there is no key " + Full(key) +
-         (redirected ? " but in the registry's 32-bit view, where a 64-bit service does not look"
-                     : "");
+         (redirected
+              ? ", except in the registry's 32-bit view, which a 64-bit service does not read"
+              : "");
 }
 
-// Follows the way of one value of the agents' key. Empty, with the path in
-// `path`, when it is whole.
+// Follows one value of the agents' key. Returns what is wrong, or an empty text
+// with the DLL in `path`.
 std::string Follow(const Registry& registry, const std::string& name, std::string& path) {
   const Registry::Value agent = registry.Read(kAgentsKey, name);
   std::string fault = WhyNoText(agent, name, kAgentsKey);
@@ -51,9 +52,9 @@ std::string Follow(const Registry& registry, const std::string& name, std::strin
   return path.empty() ? "there is no file " + pathname.text : "";
 }
 
-// Two ways that are whole: neither is taken.
+// Two registrations are complete: takes neither.
 void RefuseSeveral(Registration& result, const std::string& name, const std::string& path) {
-  result.complaints.push_back("several agents are registered, name one as MODULE: " + result.path +
+  result.complaints.push_back("several agents are registered; name one as MODULE: " + result.path +
                               " or " + path + " (" + result.name + ", " + name + ")");
   result.path.clear();
 }

@@ -5,10 +5,10 @@
 
 namespace Host {
 
-// The machine's registry (HKEY_LOCAL_MACHINE) and file system, as far as the way
-// from the SNMP service to an extension agent leads through them. The real ones
-// are winelib's; tests hand in their own. All texts are UTF-8; keys are named
-// below HKEY_LOCAL_MACHINE.
+// The parts of the registry (HKEY_LOCAL_MACHINE) and the file system that the
+// SNMP service reads to find an extension agent. The winelib host reads the real
+// ones; tests pass their own. All texts are UTF-8. Names of keys are relative to
+// HKEY_LOCAL_MACHINE.
 class Registry {
  public:
   // A 32-bit program sees another SOFTWARE key than a 64-bit one.
@@ -22,13 +22,13 @@ class Registry {
 
   [[nodiscard]] virtual bool HasKey(const std::string& key, View view) const = 0;
 
-  // The names of a key's values in the registry's own order, in the 64-bit
-  // view, as Read.
+  // Both read the 64-bit view. ValueNames returns the names of a key's values in
+  // the registry's own order.
   [[nodiscard]] virtual std::vector<std::string> ValueNames(const std::string& key) const = 0;
   [[nodiscard]] virtual Value Read(const std::string& key, const std::string& name) const = 0;
 
-  // The full path of a DLL, which is searched for when the path given is a bare
-  // name; empty when there is no such file.
+  // Returns the full path of a DLL; empty if there is no such file. Searches for
+  // the DLL if the path is a bare name.
   [[nodiscard]] virtual std::string FindFile(const std::string& path) const = 0;
 
  protected:
@@ -38,23 +38,24 @@ class Registry {
   Registry& operator=(const Registry&) = delete;
 };
 
-// The registry of the system that this host's modules are for; null where that
-// system has none. Lives as long as the process.
+// The registry of the system that this host's modules are for; null if that
+// system has none. The object lives as long as the process.
 [[nodiscard]] const Registry* SystemRegistry();
 
-// Where the registration leads. The path is empty unless exactly one agent's way
-// is whole. A complaint is a line for each way that is broken, and says at which
-// rung; it may come with a path, since the service passes over broken ones too.
+// The result of the search. The path is empty unless exactly one registration is
+// complete. There is one complaint, a line, for each broken registration; it names
+// the broken step. There may be complaints beside a path, because the service skips
+// broken registrations, too.
 struct Registration {
   std::string name;
   std::string path;
   std::vector<std::string> complaints;
 };
 
-// Follows the registration as the Windows SNMP service does: each value of the
+// Follows the registrations as the Windows SNMP service does: each value of the
 // service's key "ExtensionAgents" names a key, whose value "Pathname" is the
-// agent's DLL. Unlike the service, the host serves one agent only: where several
-// are registered it is for the user to say which.
+// agent's DLL. Unlike the service, the host serves one agent only. If several are
+// registered, the user must name one.
 [[nodiscard]] Registration FindRegisteredAgent(const Registry& registry);
 
 }  // namespace Host

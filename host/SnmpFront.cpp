@@ -40,9 +40,9 @@ bool SnmpFront::Open(std::string& error) {
   return true;
 }
 
-// net-snmp keeps an index of certificates wherever its persistent data lie; a
-// folder of our own keeps that out of the system's. Made beforehand, the
-// index's folder is nothing that net-snmp would report.
+// net-snmp keeps an index of certificates with its persistent data. A separate
+// folder keeps that out of the system's. The index's folder is created here,
+// because net-snmp reports it if it creates the folder itself.
 bool SnmpFront::MakeStateFolder(std::string& error) {
   std::error_code code;
   std::string folder = (std::filesystem::temp_directory_path(code) / "snmphost-XXXXXX").string();
@@ -58,15 +58,15 @@ bool SnmpFront::MakeStateFolder(std::string& error) {
 
 void SnmpFront::PrepareLibrary() {
   snmp_enable_stderrlog();
-  // No MIB files: this host shows numbers only.
+  // This host shows numbers only, so it needs no MIB files.
   setenv("MIBS", "", 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_READ_CONFIGS, 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_DONT_PERSIST_STATE, 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_ALARM_DONT_USE_SIG, 1);
   netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS,
                          1);
-  // The library would take TCP port 199 for a protocol of old, and complain when
-  // another agent of this machine has it.
+  // Otherwise the library opens TCP port 199 for an old protocol, and complains if
+  // another agent of this machine has the port.
   char leftOut[] = "-smux";
   add_to_init_list(leftOut);
   if (IsSubagent()) {
@@ -93,7 +93,7 @@ bool SnmpFront::Serve(const Oid& view) {
 
 void SnmpFront::Run(int stopDescriptor) {
   const int trapDescriptor = m_module.TrapDescriptor();
-  // Traps of the start itself may have been queued before anybody listened.
+  // The module may have queued traps during its start.
   SendTraps();
   for (;;) {
     fd_set readable;
@@ -137,7 +137,7 @@ SnmpFront::~SnmpFront() {
     snmp_shutdown(kApplication);
     shutdown_agent();
   }
-  std::error_code ignored;  // whatever is left there is temporary
+  std::error_code ignored;  // the remaining files are temporary
   if (!m_stateFolder.empty()) std::filesystem::remove_all(m_stateFolder, ignored);
 }
 

@@ -10,9 +10,9 @@
 
 namespace Host {
 
-// The host's net-snmp side: an agent of its own, or a subagent behind AgentX.
-// One per process, since net-snmp's library is one per process. It reads no
-// configuration of the system's and leaves nothing behind on disk.
+// The host's net-snmp side: an agent, or a subagent behind AgentX. Create one per
+// process, because net-snmp's library allows no more. It does not read the
+// system's configuration of net-snmp and leaves no files behind.
 class SnmpFront {
  public:
   SnmpFront(const Options& options, ExtensionModule& module)
@@ -21,15 +21,15 @@ class SnmpFront {
   SnmpFront(const SnmpFront&) = delete;
   SnmpFront& operator=(const SnmpFront&) = delete;
 
-  // Opens the listening address and the trap sinks, or the way to the AgentX
-  // master. False, with the reason in `error`, when one of them fails.
+  // Opens the listening address and the trap sinks, or the connection to the
+  // AgentX master. False on failure; `error` is then the reason.
   [[nodiscard]] bool Open(std::string& error);
 
-  // Serves what lies under this identifier from the module. False when
-  // net-snmp refuses it.
+  // Serves the module's variables under this identifier. False if net-snmp refuses
+  // it.
   [[nodiscard]] bool Serve(const Oid& view);
 
-  // Answers managers and sends traps, until `stopDescriptor` is readable.
+  // Answers managers and sends traps until `stopDescriptor` is readable.
   void Run(int stopDescriptor);
 
  private:

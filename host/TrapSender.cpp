@@ -3,8 +3,6 @@
 #include <cstring>
 #include <memory>
 
-#include "host/ValueConversion.h"
-
 namespace Host {
 namespace {
 
@@ -13,7 +11,7 @@ struct FreeVariables {
 };
 using Variables = std::unique_ptr<netsnmp_variable_list, FreeVariables>;
 
-// Adds the trap's bindings to a list; those without a value are left out.
+// Adds the trap's bindings to a list, without a value if StoreValue fails.
 void AppendBindings(netsnmp_variable_list*& list, const Trap& trap) {
   for (const Binding& binding : trap.bindings) {
     const std::vector<oid> name = ToNetSnmp(binding.name);
@@ -23,7 +21,7 @@ void AppendBindings(netsnmp_variable_list*& list, const Trap& trap) {
   }
 }
 
-// The PDU goes to net-snmp with this; null when there is no memory.
+// Returns the trap's PDU; null if there is no memory.
 netsnmp_pdu* MakePdu(const Trap& trap) {
   netsnmp_pdu* const pdu = snmp_pdu_create(SNMP_MSG_TRAP);
   if (pdu == nullptr) return nullptr;
@@ -59,7 +57,7 @@ TrapSender::~TrapSender() {
 
 bool TrapSender::AddSink(const std::string& address, const std::string& community,
                          std::string& error) {
-  // net-snmp copies both texts; its structure merely has no const for them.
+  // net-snmp copies both texts; only its structure lacks the const.
   std::string peer = address;
   std::string secret = community;
   netsnmp_session wanted;
@@ -80,7 +78,7 @@ bool TrapSender::AddSink(const std::string& address, const std::string& communit
 void TrapSender::SendToSinks(const Trap& trap) {
   for (netsnmp_session* const sink : m_sinks) {
     netsnmp_pdu* const pdu = MakePdu(trap);
-    // On success the PDU is net-snmp's.
+    // On success net-snmp owns the PDU.
     if (pdu != nullptr && snmp_send(sink, pdu) == 0) {
       snmp_sess_perror("snmphost: trap", sink);
       snmp_free_pdu(pdu);

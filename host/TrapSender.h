@@ -3,12 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "host/ExtensionModule.h"
 #include "host/NetSnmp.h"
 
 namespace Host {
 
-// Where traps go. Used from one thread; sending does not wait for anybody.
+// Sends traps. For one thread. Sending does not wait for a receiver.
 class TrapSender {
  public:
   TrapSender() = default;
@@ -16,8 +15,8 @@ class TrapSender {
   TrapSender(const TrapSender&) = delete;
   TrapSender& operator=(const TrapSender&) = delete;
 
-  // Adds a receiver of SNMPv1 traps ("127.0.0.1:1162"). False, with the reason
-  // in `error`, when the address is none.
+  // Adds a receiver of SNMPv1 traps ("127.0.0.1:1162"). False if the address is
+  // bad; `error` is then the reason.
   [[nodiscard]] bool AddSink(const std::string& address, const std::string& community,
                              std::string& error);
 
@@ -25,8 +24,8 @@ class TrapSender {
   // enterprise, numbers and time stamp.
   void SendToSinks(const Trap& trap);
 
-  // Hands the trap to the AgentX master as the notification that RFC 3584
-  // makes of an SNMPv1 trap; the master's own trap sinks say what becomes of it.
+  // Sends the trap to the AgentX master as the notification that RFC 3584 defines
+  // for an SNMPv1 trap. The master sends it to its own trap sinks.
   static void SendToMaster(const Trap& trap);
 
  private:

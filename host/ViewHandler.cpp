@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "host/ValueConversion.h"
-
 namespace Host {
 namespace {
 
@@ -25,8 +23,8 @@ ViewHandler::ViewHandler(ExtensionModule& module, Oid view)
 
 bool ViewHandler::Register() {
   const std::vector<oid> root = ToNetSnmp(m_view);
-  // Writable as far as net-snmp is concerned: whether a variable can be set is
-  // the module's to say.
+  // Writable for net-snmp, because the module decides whether a variable can be
+  // set.
   netsnmp_handler_registration* const registration = netsnmp_create_handler_registration(
       "snmphost", &ViewHandler::Handle, root.data(), root.size(), HANDLER_CAN_RWRITE);
   if (registration == nullptr) return false;
@@ -39,7 +37,7 @@ int ViewHandler::Handle(netsnmp_mib_handler* handler, netsnmp_handler_registrati
   auto* const self = static_cast<ViewHandler*>(handler->myvoid);
   for (netsnmp_request_info* request = requests; request != nullptr; request = request->next) {
     if (request->processed == 0) self->Answer(*info, *request);
-    // What a refused Set still holds is not tried.
+    // After a refusal, the rest of a Set is not tried.
     if (info->mode == MODE_SET_ACTION && request->status != SNMP_ERR_NOERROR) break;
   }
   return SNMP_ERR_NOERROR;
@@ -52,8 +50,8 @@ void ViewHandler::Answer(netsnmp_agent_request_info& info, netsnmp_request_info&
     case MODE_GETNEXT:
       return AnswerGetNext(info, request);
     case MODE_SET_ACTION:
-      // The contract has one step where net-snmp has six; by this one all
-      // other agents have had their chance to refuse the request.
+      // The contract has one step, net-snmp has six. At this one, all other agents
+      // have had their chance to refuse the request.
       return AnswerSet(info, request);
     default:
       return;
@@ -73,9 +71,9 @@ void ViewHandler::AnswerGetNext(netsnmp_agent_request_info& info, netsnmp_reques
   const Oid asked = NameOf(request);
   Binding binding{asked, {}};
   const ErrorStatus status = m_module.Query(PduType::GetNext, binding);
-  // No answer at all sends net-snmp on to whoever comes after this view.
+  // Without an answer net-snmp asks the agent after this view.
   if (status == kNoSuchName || (status == kNoError && !IsUnder(binding.name, m_view))) return;
-  // A walk over names that do not rise would never end.
+  // A walk over names that do not ascend would never end.
   if (status != kNoError || binding.name <= asked) return Refuse(info, request, SNMP_ERR_GENERR);
   const std::vector<oid> name = ToNetSnmp(binding.name);
   snmp_set_var_objid(request.requestvb, name.data(), name.size());

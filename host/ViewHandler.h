@@ -1,27 +1,26 @@
 #pragma once
 
-#include "host/ExtensionModule.h"
 #include "host/NetSnmp.h"
 
 namespace Host {
 
-// Answers everything under the module's view from the module: one question to
-// it per variable binding. Its statuses become what the manager's version of
-// SNMP has for them:
+// Answers requests for names under the module's view with one call of the module
+// per variable binding. The module's status becomes a status of the manager's SNMP
+// version:
 //
-//   asked    module says    SNMPv1                SNMPv2c and SNMPv3
+//   request  module         SNMPv1                SNMPv2c and SNMPv3
 //   Get      noSuchName     noSuchName            noSuchInstance
 //   GetNext  noSuchName     noSuchName, or the next agent's variable    endOfMibView, or likewise
 //   Set      notWritable    noSuchName (RFC 3584) notWritable
 //   any      anything else  genErr                genErr
 //
-// Runs on the thread that reads net-snmp's sockets.
+// It runs on the thread that reads net-snmp's sockets.
 class ViewHandler {
  public:
   ViewHandler(ExtensionModule& module, Oid view);
 
-  // Registers with net-snmp's agent, for the life of the process. This object
-  // has to outlive it. False when the agent refuses the view.
+  // Registers with net-snmp's agent for the life of the agent, which this object
+  // must outlive. False if the agent refuses the view.
   [[nodiscard]] bool Register();
 
  private:

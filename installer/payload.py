@@ -1,10 +1,10 @@
-"""The list of what the package carries (payload.txt), and its WiX source.
+"""The list of the package's files (payload.txt), and the WiX source for them.
 
-As a program: prints source and place of each file of payload.txt, or of the
-list that is named.
+As a program: prints source and place of each file of payload.txt, or of the list in
+the argument.
 
-Every file is a component of its own. Its code is made from its place, so that
-it stays the same over versions and builds, as Windows Installer wants it.
+Each file is one component. The component's code is made from the file's place,
+because Windows Installer requires the same code in all versions.
 """
 
 import hashlib
@@ -16,9 +16,10 @@ from xml.sax.saxutils import quoteattr
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent
 DLL = "SNMPd.dll"
+PROGRAM = "corvane-check.exe"
 
-# The product's family over all its versions: never to change, or no package
-# would find and replace an older one.
+# Identifies the product in all its versions. Never change it: a package could not
+# find and replace an older version.
 UPGRADE_CODE = uuid.UUID("7849529d-1e98-41dd-a754-ae88e43e02f6")
 
 
@@ -30,12 +31,13 @@ class PayloadFile(NamedTuple):
 
 
 def code(text):
-    """The same text gives the same code, on every machine."""
+    """Returns a code that depends only on the text."""
     return "{" + str(uuid.uuid5(UPGRADE_CODE, text)).upper() + "}"
 
 
-def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
-    """The files of the manifest, by place; `dll` is used in place of the one listed."""
+def read_payload(images=None, manifest=PROJECT / "installer" / "payload.txt"):
+    """Returns the files of the manifest, sorted by place. `images` holds sources by place; these
+    replace the listed sources."""
     files = []
     for line in manifest.read_text(encoding="ascii").splitlines():
         if not line.strip() or line.startswith("#"):
@@ -45,8 +47,7 @@ def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
             found = sorted(path for path in PROJECT.glob(source) if path.is_file())
             files += [PayloadFile(path, place.rstrip("/") + "/" + path.name) for path in found]
         else:
-            is_dll = place == DLL and dll is not None
-            files.append(PayloadFile(pathlib.Path(dll) if is_dll else PROJECT / source, place))
+            files.append(PayloadFile(pathlib.Path((images or {}).get(place, PROJECT / source)), place))
     missing = [str(file.source) for file in files if not file.source.is_file()]
     if missing:
         raise FileNotFoundError("payload not found: " + ", ".join(missing))
@@ -54,7 +55,7 @@ def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
 
 
 def content_code(files, rest):
-    """A code that changes with any byte of the files or of `rest`."""
+    """Returns a code that changes if any byte of the files or of `rest` changes."""
     digest = hashlib.sha256(rest.encode())
     for file in files:
         digest.update(file.place.encode() + b"\0" + file.source.read_bytes())
@@ -62,19 +63,19 @@ def content_code(files, rest):
 
 
 def _identifier(place):
-    """A WiX identifier (letters, digits, `_`, `.`) that tells which file it is."""
+    """Returns a readable WiX identifier (letters, digits, `_`, `.`) for this file."""
     readable = "".join(c if c.isalnum() or c in "._" else "_" for c in place)
     tail = hashlib.sha256(place.lower().encode()).hexdigest()[:8]
     return f"f{tail}_{readable}"[:70]
 
 
 def file_identifier(place):
-    """The key of this file in the package's File table; the DLL keeps its name."""
-    return place if place == DLL else _identifier(place)
+    """Returns the key of this file in the File table. The key of an image is its name."""
+    return place if place in (DLL, PROGRAM) else _identifier(place)
 
 
 def payload_wxs(files):
-    """The WiX fragment that lays the files out below INSTALLFOLDER."""
+    """Returns the WiX fragment that places the files below INSTALLFOLDER."""
     lines = ['<?xml version="1.0" encoding="utf-8"?>',
              '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi"><Fragment>',
              '<DirectoryRef Id="INSTALLFOLDER">']
@@ -86,7 +87,7 @@ def payload_wxs(files):
 
 
 def _folder_lines(folder, files):
-    """Components of the files right in `folder`, then the folders below it."""
+    """Returns the components of the files in `folder`, then the folders below it."""
     here = [file for file in files if file.place.rpartition("/")[0] == folder]
     lines = [line for file in here for line in _component_lines(file)]
     start = len(folder) + 1 if folder else 0
@@ -110,7 +111,7 @@ def _component_lines(file):
 
 
 def folder_identifiers(files):
-    """The keys of the folders below INSTALLFOLDER, the deepest first, as they are to be removed."""
+    """Returns the keys of the folders below INSTALLFOLDER in the order of removal, deepest first."""
     folders = {str(parent) for file in files for parent in pathlib.PurePosixPath(file.place).parents}
     folders.discard(".")
     return [_identifier(folder) for folder in sorted(folders, key=lambda f: (-f.count("/"), f))]

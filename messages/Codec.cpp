@@ -10,18 +10,18 @@
 
 namespace Messages {
 
-using Vask::Json;
 using Vask::JsonObject;
 using Vask::JsonRef;
 
 namespace {
 
-// A record that is only read is reached through the same tables.
-void* Unlocked(const void* constant) {
+// The tables return addresses for writing. The encoder only reads there.
+void* Writable(const void* constant) {
   return const_cast<void*>(constant);
 }
 
-// The words stand although both bounds are allowed themselves: clients know them.
+// "greater than" and "less than" are the protocol's words, although both bounds are
+// allowed.
 bool CheckRange(const RecordTable& table, const Field& field, std::int32_t value) {
   if (field.range.hasLower && value < field.range.lower) {
     ErrorReport::Instance().Report("%s: m_%s expected to be greater than %d. It is %d.",
@@ -43,8 +43,7 @@ bool DecodeInteger(const JsonObject& object, const RecordTable& table, const Fie
          CheckRange(table, field, value);
 }
 
-// Destroys what is being decoded unless it is kept, also when memory runs out on
-// the way.
+// Destroys an object whose decode fails, also if it fails because memory runs out.
 class Unfinished {
  public:
   Unfinished(void (*destroy)(void*), void* object) : m_destroy(destroy), m_object(object) {}
@@ -61,8 +60,8 @@ class Unfinished {
   void* m_object;
 };
 
-// False only for a member that is no object. A faulty element is dropped: one
-// bad entry must not hide the others.
+// Returns false only for a member that is no object. A faulty element is dropped,
+// because one bad entry must not hide the others.
 bool DecodeElement(const JsonObject& elements, const char* key, const Field& field, void* list) {
   const JsonObject* body = GetObjProperty(elements, key, false);
   if (body == nullptr) return false;
@@ -74,21 +73,20 @@ bool DecodeElement(const JsonObject& elements, const char* key, const Field& fie
   return true;
 }
 
-bool CollectKey(const char* key, Json**, void* keys) {
-  static_cast<std::vector<std::string>*>(keys)->emplace_back(key);
-  return true;
-}
-
 bool DecodeList(const JsonObject& elements, const Field& field, void* list) {
   std::vector<std::string> keys;
-  elements.Members().ForEach("", CollectKey, &keys);
+  const auto collect = [](const char* key, auto, void* collected) {
+    static_cast<std::vector<std::string>*>(collected)->emplace_back(key);
+    return true;
+  };
+  elements.Members().ForEach("", collect, &keys);
   for (const std::string& key : keys) {
     if (!DecodeElement(elements, key.c_str(), field, list)) return false;
   }
   return true;
 }
 
-// The first alternative that stands there as an object decides.
+// The first alternative that is present as an object decides alone.
 bool DecodeUnion(const JsonObject& object, const UnionTable& table, void* choice) {
   std::uint32_t& tag = *table.tag(choice);
   for (std::uint32_t i = 0; i < table.count; ++i) {
@@ -102,7 +100,7 @@ bool DecodeUnion(const JsonObject& object, const UnionTable& table, void* choice
       if (!DecodeRecord(*body, *alternative.record, member)) return false;
       unfinished.Keep();
     }
-    tag = i;
+    tag = alternative.tag;
     return true;
   }
   return false;
@@ -175,22 +173,22 @@ JsonObject* EncodeRecord(const RecordTable& table, const void* record) {
   JsonRef<JsonObject> object(new JsonObject());
   for (std::size_t i = 0; i < table.count; ++i) {
     const Field& field = table.fields[i];
-    if (!EncodeField(*object, field, field.member(Unlocked(record)))) return nullptr;
+    if (!EncodeField(*object, field, field.member(Writable(record)))) return nullptr;
   }
   return object.Detach();
 }
 
 JsonObject* EncodeUnion(const UnionTable& table, const void* choice) {
-  const std::uint32_t tag = *table.tag(Unlocked(choice));
-  JsonRef<JsonObject> object(new JsonObject());
+  const std::uint32_t tag = *table.tag(Writable(choice));
   if (tag >= table.count) {
     ReportTag("EncodeUnion", table, tag);
     return nullptr;
   }
+  JsonRef<JsonObject> object(new JsonObject());
   const Alternative& alternative = table.alternatives[tag];
   const JsonRef<JsonObject> body(
       alternative.record != nullptr
-          ? EncodeRecord(*alternative.record, alternative.member(Unlocked(choice)))
+          ? EncodeRecord(*alternative.record, alternative.member(Writable(choice)))
           : new JsonObject());
   return object->Set(alternative.name.Text(), body.Get()) ? object.Detach() : nullptr;
 }

@@ -10,30 +10,29 @@ namespace Messages {
 
 // The one codec of all messages: plain functions that walk the tables of
 // messages/Fields.h. The named functions beside the records (DecodeStruct_...,
-// EncodeStruct_..., DestroyUnion_..., EncodeUnion_...) are this codec applied
-// to one table.
+// EncodeStruct_..., DestroyUnion_..., EncodeUnion_...) apply it to one table.
 //
-// It holds no state and runs on whichever thread calls it; a record belongs to
-// one thread at a time. Faults are reported through messages/ErrorReport.h and
-// answered; nothing throws but std::bad_alloc, which leaves nothing behind.
+// It has no state and runs on any thread; a record belongs to one thread at a time.
+// Every fault is reported through messages/ErrorReport.h and returned. Nothing
+// throws but std::bad_alloc, which leaks nothing.
 
-// Fills a record, which must be as its constructor left it, from `object`, field
-// by field. The first fault is reported and answers false; the fields before it
-// keep what they got. A record of Presence::Optional reports every fault, leaves
-// the field empty and answers true.
+// Fills a record, which must be as its constructor left it, from `object`, field by
+// field. At the first fault it reports the fault and returns false; the fields
+// before it keep their values. For a record of Presence::Optional it reports every
+// fault, leaves the field empty and returns true.
 [[nodiscard]] bool DecodeRecord(const Vask::JsonObject& object, const RecordTable& table,
                                 void* record);
 
-// A new object with one reference, the caller's; null after a report when a union
-// in it has no alternative. The record must hold neither reals nor lists: no
-// message with those is ever sent (EncodableRecord checks it).
+// Returns a new object with one reference, which the caller owns; null, after a
+// report, if a union in it has no alternative. The record must hold neither reals
+// nor lists: no message with those is sent (EncodableRecord checks it).
 [[nodiscard]] Vask::JsonObject* EncodeRecord(const RecordTable& table, const void* record);
 
-// The object that stands under the union's key, as above.
+// Returns the object that stands under the union's key, or null, as above.
 [[nodiscard]] Vask::JsonObject* EncodeUnion(const UnionTable& table, const void* choice);
 
-// Destroys what the alternative owns and sets the tag to empty. A tag that names
-// nothing is reported.
+// Destroys what the alternative owns and sets the tag to empty. Reports a tag of no
+// alternative.
 void DestroyUnion(const UnionTable& table, void* choice);
 
 constexpr bool EncodableRecord(const RecordTable& table) {

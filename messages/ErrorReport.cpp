@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
 #include "json/JsonRef.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 constinit ErrorReport g_errorReport;
 
-// Holds every text of the codec with a key of common length.
+// Room for every text of the codec with a key of usual length.
 constexpr std::size_t kUsualTextBytes = 512;
 
 }  // namespace
@@ -40,18 +40,16 @@ void ErrorReport::ReportV(const char* format, __builtin_va_list arguments) {
   Vask::IOnError* sink = m_sink.load(std::memory_order_acquire);
   if (sink == nullptr) return;
 
-  va_list again;
-  va_copy(again, arguments);
   char usual[kUsualTextBytes];
-  const int length = std::vsnprintf(usual, sizeof usual, format, arguments);
-  if (length < static_cast<int>(sizeof usual)) {
-    Send(*sink, length < 0 ? format : usual);
-  } else {
-    std::string text(static_cast<std::size_t>(length), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    Send(*sink, text.c_str());
-  }
-  va_end(again);
+  va_list copy;
+  va_copy(copy, arguments);
+  const int length = std::vsnprintf(usual, sizeof usual, format, copy);
+  va_end(copy);
+  if (length < 0) return Send(*sink, format);
+  if (length < static_cast<int>(sizeof usual)) return Send(*sink, usual);
+  std::string text(static_cast<std::size_t>(length), '\0');
+  static_cast<void>(std::vsnprintf(text.data(), text.size() + 1, format, arguments));
+  Send(*sink, text.c_str());
 }
 
 void ErrorReport::SetCurrentMessage(Vask::Json* root) noexcept {
@@ -60,7 +58,8 @@ void ErrorReport::SetCurrentMessage(Vask::Json* root) noexcept {
 
 void ErrorReport::ClearCurrentMessage() noexcept {
   if (m_current.load(std::memory_order_relaxed) == nullptr) return;
-  m_current.store(nullptr);  // in one order with what AddReferenceToCurrent does
+  // Sequentially consistent, like the stores and loads of AddReferenceToCurrent.
+  m_current.store(nullptr);
   if (m_reporting.load()) const CriticalSectionLock untilItHasItsReference(m_reportingLock);
 }
 

@@ -12,33 +12,33 @@ class Json;
 
 namespace Messages {
 
-// Where every fault of a received or sent message goes: the error sink, and the
-// message that is being processed meanwhile. It stands below the codec and the
-// registrar, since both report and the registrar uses the codec; the agent
-// reaches it through the registrar.
+// Reports every fault of a received or sent message to the error sink, together
+// with the message that is being processed. It is apart from the registrar because
+// the codec reports too and the registrar uses the codec. The agent reaches it
+// through the registrar.
 //
-// Every operation may be called from any thread. The one instance is there
-// before any code of the module runs and is never destroyed.
+// Any thread. The one instance exists before any code of the module runs and is
+// never destroyed.
 class ErrorReport {
  public:
   static ErrorReport& Instance() noexcept;
 
-  // Null drops reports from now on. A call to the old sink may still be under
-  // way on another thread when this returns.
+  // Null: reports are dropped. When this returns, another thread may still be in
+  // a call to the old sink.
   void SetSink(Vask::IOnError* sink) noexcept;
 
-  // Formats the text and hands it to the sink, together with the current
-  // message. Without a sink nothing is formatted. The message stays alive
-  // for the call, even if the thread that processes it lets go of it meanwhile.
+  // Formats the text and calls the sink with it and the current message. Without a
+  // sink nothing is formatted. A reference keeps the message alive for the call,
+  // even if the thread that processes it releases it meanwhile.
   void Report(const char* format, ...) VASK_PRINTF_FORMAT(2, 3);
   void ReportV(const char* format, __builtin_va_list arguments) VASK_PRINTF_FORMAT(2, 0);
 
-  // The root object of the message that is processed from now on. It must stay
-  // alive until ClearCurrentMessage has returned.
+  // Sets the root object of the message that is processed from now on. It must
+  // stay alive until ClearCurrentMessage has returned.
   void SetCurrentMessage(Vask::Json* root) noexcept;
 
-  // No message is processed from now on. Reports that still show the last one
-  // hold a reference of their own.
+  // No message is processed from now on. A report that still shows the last one
+  // holds a reference of its own.
   void ClearCurrentMessage() noexcept;
 
  private:
@@ -46,13 +46,14 @@ class ErrorReport {
   Vask::Json* AddReferenceToCurrent();
 
   std::atomic<Vask::IOnError*> m_sink{nullptr};
-  // Whoever processes a message changes m_current for every frame, without a
-  // lock; whoever reports says so in m_reporting while it takes a reference, and
-  // holds the lock then. The one that clears m_current and meets a reporter waits
-  // for the lock, so that the reference is taken before it gives up its own.
+  // The reader thread changes m_current for every frame without a lock. A thread
+  // that reports takes its reference under the lock and sets m_reporting meanwhile.
+  // A thread that clears m_current and finds m_reporting set waits for the lock, so
+  // that the reference is taken before the reader releases the message.
   std::atomic<Vask::Json*> m_current{nullptr};
   std::atomic<bool> m_reporting{false};
-  Vask::Platform::CriticalSection m_reportingLock;  // never held during a call
+  // Never held while the sink is called.
+  Vask::Platform::CriticalSection m_reportingLock{Vask::Platform::LockRank::ErrorReport};
 };
 
 }  // namespace Messages

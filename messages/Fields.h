@@ -4,15 +4,18 @@
 #include <cstdint>
 #include <iterator>
 #include <new>
+#include <string_view>
 #include <type_traits>
 
 #include "json/FoldedKey.h"
+#include "json/KeyFolding.h"
+#include "json/StrDict3.h"
 
 namespace Messages {
 
-// How a record is described. A record is a plain struct; right below it stands
-// its Description: one row per field, in the order in which the fields are
-// read and written.
+// How a record is described. A record is a plain struct. Its Description stands
+// below it: one row per field, in the order in which the fields are read and
+// written.
 //
 //   struct Streams {
 //     std::int32_t m_Count = 0;
@@ -27,9 +30,30 @@ namespace Messages {
 //     };
 //   };
 //
-// The rows become one constant table per record (kRecordTable), which the
-// plain functions of messages/Codec.h walk. Two rows of one name do not compile.
-// Everything here is evaluated by the compiler and may be used from any thread.
+// A union is a struct with a tag and the storage of its alternatives. One word
+// names the tag, the member and the JSON name of an alternative:
+//
+//   struct state {
+//     enum : std::uint32_t { kStopped, kPlaying, kEmpty };
+//     std::uint32_t m_tag = kEmpty;
+//     union {
+//       Level m_Playing;
+//     };
+//   };
+//   template <>
+//   struct Description<state> {
+//     static constexpr char kPath[] = "Program::state";
+//     static constexpr Alternative kAlternatives[] = {
+//         MESSAGES_EMPTY_ALTERNATIVE(state, Stopped),
+//         MESSAGES_ALTERNATIVE(state, Playing),
+//     };
+//   };
+//
+// The rows become one constant table per record and union (kRecordTable,
+// kUnionTable), which the plain functions of messages/Codec.h walk. Two rows of one
+// name do not compile, nor do alternatives that are not in the order of their tags.
+// The compiler evaluates everything here but the functions behind the pointers.
+// Any thread.
 
 struct RecordTable;
 struct UnionTable;
@@ -52,9 +76,9 @@ constexpr Range AtLeast(std::int32_t lower) {
   return {true, false, lower, 0};
 }
 
-// One row. `name` is the JSON key as it stands in the protocol; the member is
-// called m_ and that name. `member` answers the address of the member in a
-// record; of the rest only what belongs to the kind is set.
+// One row. `name` is the JSON key as the protocol spells it; the member is called
+// m_ and that name. `member` returns the address of the member in a record. Of the
+// other values only those of the field's kind are set.
 struct Field {
   Vask::FoldedKey name;
   FieldKind kind;
@@ -67,10 +91,11 @@ struct Field {
 };
 
 // Required: the first fault ends the decode. Optional: the record carries a
-// partial update; what is absent or faulty stays empty and the decode succeeds.
+// partial update; absent and faulty fields stay empty and the decode succeeds.
 enum class Presence : std::uint8_t { Required, Optional };
 
-// `decoder` is the name under which range faults are reported.
+// `decoder` is the name under which range faults are reported; null for a record
+// without ranges.
 struct RecordTable {
   const char* decoder;
   const Field* fields;
@@ -78,9 +103,10 @@ struct RecordTable {
   Presence presence;
 };
 
-// One alternative of a union; its number is its place in the table. One
+// One alternative of a union. `tag` is its place in the table. An alternative
 // without fields has no record and no storage.
 struct Alternative {
+  std::uint32_t tag;
   Vask::FoldedKey name;
   const RecordTable* record = nullptr;
   void* (*member)(void* choice) = nullptr;
@@ -89,7 +115,7 @@ struct Alternative {
 };
 
 // `path` names the union from its outermost record on ("SNMPtrap::trapType");
-// its last part is the JSON key. `tag` answers the address of the tag.
+// `key` is the last part of it, the JSON key. `tag` returns the address of the tag.
 struct UnionTable {
   const char* path;
   const char* key;
@@ -98,39 +124,67 @@ struct UnionTable {
   std::uint32_t* (*tag)(void* choice);
 };
 
-// What a list of unknown elements must be able to do. `insert` takes the
-// element over if it answers true.
+// The operations on a list whose element type the codec does not know. `insert`
+// takes over the element if it returns true.
 struct ListOperations {
   void* (*create)();
   void (*destroy)(void* element);
   bool (*insert)(void* list, const char* key, void* element);
 };
 
-// To be specialised for every record (kDecoder, kRows, and kPresence where it is
-// not Required) and for every union (kPath, kAlternatives).
+// A list field: its elements by the JSON member name of each, folded to lower case.
+// The list owns its elements and belongs to the thread of its record.
+//
+// A record's members are destroyed in reverse order. If a record holds a union and
+// a list, declare the union first, so that the list is destroyed before it.
+template <class E>
+class KeyedList : public Vask::StrDict3<E*> {
+ public:
+  using Element = E;
+
+  KeyedList() = default;
+  ~KeyedList() override {
+    E* element = nullptr;
+    while (this->TakeFirst(element)) delete element;
+  }
+};
+
+// Specialised for every record (kRows; kDecoder if a row has a range; kPresence if
+// it is not Required) and for every union (kPath, kAlternatives).
 template <class T>
 struct Description;
 
-// --- What follows turns descriptions into tables. ---
+// --- Names ---
+
+inline constexpr Vask::KeyFolding kToLower(Vask::KeyFolding::Letters::ToLower);
 
 constexpr char FoldAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return static_cast<char>(kToLower.Fold(c));
 }
 
-constexpr bool SameName(const char* a, const char* b) {
-  for (; FoldAscii(*a) == FoldAscii(*b); ++a, ++b) {
-    if (*a == '\0') return true;
+// Not inlined, so that a sequence of comparisons with many names holds little more
+// than one comparison of lengths for each.
+[[gnu::noinline]] constexpr bool SameLetters(const char* a, const char* b, std::size_t length) {
+  for (std::size_t i = 0; i < length; ++i) {
+    if (FoldAscii(a[i]) != FoldAscii(b[i])) return false;
   }
-  return false;
+  return true;
 }
 
-// Rows is a sequence of anything that has a `name`. Case is ignored, since
-// look-ups ignore it.
+// Without regard to the case of ASCII letters, like every look-up.
+constexpr bool SameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && SameLetters(a.data(), b.data(), b.size());
+}
+constexpr bool SameName(const Vask::FoldedKey& a, const Vask::FoldedKey& b) {
+  return SameName(std::string_view(a.Text()), std::string_view(b.Text()));
+}
+
+// Rows is a sequence of anything that has a `name`.
 template <class Rows>
 constexpr bool HasDuplicateNames(const Rows& rows) {
   for (auto a = std::begin(rows); a != std::end(rows); ++a) {
     for (auto b = std::next(a); b != std::end(rows); ++b) {
-      if (SameName(a->name.Text(), b->name.Text())) return true;
+      if (SameName(a->name, b->name)) return true;
     }
   }
   return false;
@@ -144,6 +198,8 @@ constexpr const char* LastPart(const char* path) {
   }
   return last;
 }
+
+// --- Tables from descriptions ---
 
 template <class M>
 struct MemberOf;
@@ -163,6 +219,15 @@ void* AddressOf(void* owner) {
 }
 
 template <class R>
+constexpr const char* DecoderOf() {
+  if constexpr (requires { Description<R>::kDecoder; }) {
+    return Description<R>::kDecoder;
+  } else {
+    return nullptr;
+  }
+}
+
+template <class R>
 constexpr Presence PresenceOf() {
   if constexpr (requires { Description<R>::kPresence; }) {
     return Description<R>::kPresence;
@@ -171,24 +236,44 @@ constexpr Presence PresenceOf() {
   }
 }
 
+template <class Rows>
+constexpr bool HasRanges(const Rows& rows) {
+  for (const Field& field : rows) {
+    if (field.range.hasLower || field.range.hasUpper) return true;
+  }
+  return false;
+}
+
 template <class R>
 constexpr RecordTable MakeRecordTable() {
   if constexpr (requires { Description<R>::kRows; }) {
-    static_assert(!HasDuplicateNames(Description<R>::kRows), "two fields of one name");
-    return {Description<R>::kDecoder, Description<R>::kRows, std::size(Description<R>::kRows),
-            PresenceOf<R>()};
+    constexpr auto& rows = Description<R>::kRows;
+    static_assert(!HasDuplicateNames(rows), "two fields of one name");
+    static_assert(HasRanges(rows) == (DecoderOf<R>() != nullptr),
+                  "range faults, and nothing else, are reported under the decoder's name");
+    return {DecoderOf<R>(), rows, std::size(rows), PresenceOf<R>()};
   } else {  // a record that holds nothing
-    return {Description<R>::kDecoder, nullptr, 0, Presence::Required};
+    return {nullptr, nullptr, 0, Presence::Required};
   }
 }
 
 template <class R>
 inline constexpr RecordTable kRecordTable = MakeRecordTable<R>();
 
+template <class Alternatives>
+constexpr bool AreInOrderOfTags(const Alternatives& alternatives) {
+  std::uint32_t place = 0;
+  for (const Alternative& alternative : alternatives) {
+    if (alternative.tag != place++) return false;
+  }
+  return true;
+}
+
 template <class U>
 constexpr UnionTable MakeUnionTable() {
   constexpr auto& alternatives = Description<U>::kAlternatives;
   static_assert(!HasDuplicateNames(alternatives), "two alternatives of one name");
+  static_assert(AreInOrderOfTags(alternatives), "an alternative stands at the place of its tag");
   static_assert(U::kEmpty == std::size(alternatives),
                 "the empty tag is the one past the last alternative");
   return {Description<U>::kPath, LastPart(Description<U>::kPath), alternatives, U::kEmpty,
@@ -207,67 +292,76 @@ inline constexpr ListOperations kListOperations = {
     },
 };
 
-// --- The rows themselves. ---
+// --- The rows ---
 
 // char m_x[N + 1]: at most N bytes.
 template <auto Member>
 constexpr Field Text(const char* name) {
   using Array = MemberType<Member>;
   static_assert(std::is_same_v<std::remove_extent_t<Array>, char> && std::extent_v<Array> > 1);
-  return {name, FieldKind::Text, &AddressOf<Member>, std::extent_v<Array> - 1};
+  return {.name = name,
+          .kind = FieldKind::Text,
+          .member = &AddressOf<Member>,
+          .capacity = sizeof(Array) - 1};
 }
 
 template <auto Member>
 constexpr Field Integer(const char* name, Range range = kAnyInteger) {
   static_assert(std::is_same_v<MemberType<Member>, std::int32_t>);
-  return {name, FieldKind::Integer, &AddressOf<Member>, 0, range};
+  return {.name = name, .kind = FieldKind::Integer, .member = &AddressOf<Member>, .range = range};
 }
 
 template <auto Member>
 constexpr Field Real(const char* name) {
   static_assert(std::is_same_v<MemberType<Member>, double>);
-  return {name, FieldKind::Real, &AddressOf<Member>};
+  return {.name = name, .kind = FieldKind::Real, .member = &AddressOf<Member>};
 }
 
 // A record inside the record.
 template <auto Member>
 constexpr Field SubRecord(const char* name) {
-  return {name, FieldKind::Record, &AddressOf<Member>,
-          0,    kAnyInteger,       &kRecordTable<MemberType<Member>>};
+  return {.name = name,
+          .kind = FieldKind::Record,
+          .member = &AddressOf<Member>,
+          .record = &kRecordTable<MemberType<Member>>};
 }
 
-// A KeyedList; its elements' Description names the element decoder.
 template <auto Member>
 constexpr Field List(const char* name) {
   using L = MemberType<Member>;
-  return {name,
-          FieldKind::List,
-          &AddressOf<Member>,
-          0,
-          kAnyInteger,
-          &kRecordTable<typename L::Element>,
-          &kListOperations<L>};
+  return {.name = name,
+          .kind = FieldKind::List,
+          .member = &AddressOf<Member>,
+          .record = &kRecordTable<typename L::Element>,
+          .list = &kListOperations<L>};
 }
 
 // The row takes its JSON key from the union's path.
 template <auto Member>
 constexpr Field Union() {
-  using U = MemberType<Member>;
+  constexpr const UnionTable& table = kUnionTable<MemberType<Member>>;
   return {
-      kUnionTable<U>.key, FieldKind::Union, &AddressOf<Member>, 0, kAnyInteger, nullptr, nullptr,
-      &kUnionTable<U>};
+      .name = table.key, .kind = FieldKind::Union, .member = &AddressOf<Member>, .choice = &table};
 }
 
 // An alternative that carries a record, which lies in the union's storage.
-template <auto Member>
+template <std::uint32_t Tag, auto Member>
 constexpr Alternative Carrying(const char* name) {
   using R = MemberType<Member>;
-  return {name, &kRecordTable<R>, &AddressOf<Member>, [](void* member) { ::new (member) R(); },
-          [](void* member) { static_cast<R*>(member)->~R(); }};
+  return {.tag = Tag,
+          .name = name,
+          .record = &kRecordTable<R>,
+          .member = &AddressOf<Member>,
+          .construct = [](void* member) { ::new (member) R(); },
+          .destroy = [](void* member) { static_cast<R*>(member)->~R(); }};
 }
 
-constexpr Alternative FieldLess(const char* name) {
-  return {name};
-}
+// The two rows of a union: tag, member and JSON name come from one word, so that
+// they cannot be of different alternatives.
+#define MESSAGES_ALTERNATIVE(U, word) ::Messages::Carrying<U::k##word, &U::m_##word>(#word)
+#define MESSAGES_EMPTY_ALTERNATIVE(U, word) \
+  ::Messages::Alternative {                 \
+    .tag = U::k##word, .name = #word        \
+  }
 
 }  // namespace Messages

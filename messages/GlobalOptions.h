@@ -6,8 +6,8 @@
 
 namespace Messages {
 
-// The main process's settings as its first clients know them. Their meaning and
-// units are the main process's own; nothing here limits a number.
+// The settings of the main process, first version. The main process defines their
+// meaning and units; no number has a range.
 struct GlobalOptions {
   char m_adminpass[257] = "";
   char m_adminuser[257] = "";
@@ -29,7 +29,6 @@ struct GlobalOptions {
 
 template <>
 struct Description<GlobalOptions> {
-  static constexpr char kDecoder[] = "DecodeStruct_GlobalOptions";
   static constexpr Field kRows[] = {
       Text<&GlobalOptions::m_adminpass>("adminpass"),
       Text<&GlobalOptions::m_adminuser>("adminuser"),
@@ -51,6 +50,21 @@ struct Description<GlobalOptions> {
 };
 
 inline bool DecodeStruct_GlobalOptions(const Vask::JsonObject& object, GlobalOptions& record) {
+  return Decode(object, record);
+}
+
+// Changes any of the settings of GlobalOptions. An absent field stays empty or 0; a
+// receiver cannot tell it from a field that was sent with that value.
+struct UpdateGlobalOptions : GlobalOptions {};
+
+template <>
+struct Description<UpdateGlobalOptions> {
+  static constexpr Presence kPresence = Presence::Optional;
+  static constexpr auto& kRows = Description<GlobalOptions>::kRows;
+};
+
+inline bool DecodeStruct_UpdateGlobalOptions(const Vask::JsonObject& object,
+                                             UpdateGlobalOptions& record) {
   return Decode(object, record);
 }
 

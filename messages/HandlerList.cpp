@@ -1,91 +1,57 @@
 #include "messages/HandlerList.h"
 
-#include <algorithm>
-
 namespace Messages {
 
-// Keeps the nodes in place while a walk is under way.
-class HandlerList::Walk {
- public:
-  explicit Walk(HandlerList& list) : m_list(list), m_start(++list.m_clock) { ++list.m_walks; }
-  ~Walk() {
-    if (--m_list.m_walks == 0) m_list.FreeRemoved();
-  }
-  Walk(const Walk&) = delete;
-  Walk& operator=(const Walk&) = delete;
+// The handlers that one dispatch has called, the last one first. The chain lies
+// on the stack of the dispatch, so it needs no memory and outlives the nodes.
+struct HandlerList::Called {
+  Function handler;
+  const Called* earlier;
 
-  bool IsDue(const Node& node) const {
-    const bool calledBeforeItMoved = node.added > m_start && node.called > m_start;
-    return !node.removed && !calledBeforeItMoved;
+  static bool Contains(const Called* chain, Function handler) noexcept {
+    while (chain != nullptr && chain->handler != handler) chain = chain->earlier;
+    return chain != nullptr;
   }
-
- private:
-  HandlerList& m_list;
-  const std::uint64_t m_start;
 };
 
 HandlerList::~HandlerList() {
-  while (m_head != nullptr) Unlink(nullptr, m_head);
+  while (m_head != nullptr) Unsubscribe(m_head->handler);
 }
 
 void HandlerList::Subscribe(Function handler) {
-  Node* node = new Node{nullptr, handler, nullptr, false, ++m_clock, LastCallOf(handler)};
-  Unsubscribe(handler);  // only now that nothing can fail
+  Node* node = new Node{nullptr, handler, nullptr};
+  Unsubscribe(handler);  // after the allocation, which may fail
   (m_tail != nullptr ? m_tail->next : m_head) = node;
   m_tail = node;
   m_count.fetch_add(1, std::memory_order_relaxed);
 }
 
-void HandlerList::Unsubscribe(Function handler) {
+void HandlerList::Unsubscribe(Function handler) noexcept {
   Node* previous = nullptr;
-  for (Node* node = m_head; node != nullptr; previous = node, node = node->next) {
-    if (!node->removed && node->handler == handler) {
-      Remove(previous, node);
-      return;
-    }
+  Node* node = m_head;
+  while (node != nullptr && node->handler != handler) {
+    previous = node;
+    node = node->next;
   }
-}
-
-void HandlerList::Dispatch(const void* record, std::int32_t id, Invoke invoke) {
-  const Walk walk(*this);
-  for (Node* node = m_head; node != nullptr; node = node->next) {
-    if (!walk.IsDue(*node)) continue;
-    node->called = ++m_clock;
-    invoke(node->handler, record, id, node->context);
-  }
-}
-
-void HandlerList::Remove(Node* previous, Node* node) {
-  m_count.fetch_sub(1, std::memory_order_relaxed);
-  node->removed = true;
-  if (m_walks == 0) Unlink(previous, node);
-}
-
-void HandlerList::Unlink(Node* previous, Node* node) {
+  if (node == nullptr) return;
   (previous != nullptr ? previous->next : m_head) = node->next;
   if (m_tail == node) m_tail = previous;
   delete node;
+  m_count.fetch_sub(1, std::memory_order_relaxed);
 }
 
-void HandlerList::FreeRemoved() {
-  Node* previous = nullptr;
-  for (Node* node = m_head; node != nullptr;) {
-    Node* next = node->next;
-    if (node->removed) {
-      Unlink(previous, node);
-    } else {
-      previous = node;
-    }
-    node = next;
-  }
+void HandlerList::Dispatch(const void* record, std::int32_t id, Invoke invoke) {
+  DispatchRest({record, id, invoke}, nullptr);
 }
 
-std::uint64_t HandlerList::LastCallOf(Function handler) const {
-  std::uint64_t last = 0;
-  for (const Node* node = m_head; node != nullptr; node = node->next) {
-    if (node->handler == handler) last = std::max(last, node->called);
-  }
-  return last;
+// Recurses once for each handler.
+void HandlerList::DispatchRest(const Message& message, const Called* called) {
+  const Node* node = m_head;
+  while (node != nullptr && Called::Contains(called, node->handler)) node = node->next;
+  if (node == nullptr) return;
+  const Called now{node->handler, called};
+  message.invoke(node->handler, message.record, message.id, node->context);  // may free the node
+  DispatchRest(message, &now);
 }
 
 }  // namespace Messages

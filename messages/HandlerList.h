@@ -6,19 +6,21 @@
 
 namespace Messages {
 
-// The subscribers of one message type, in the order of their subscription. It
-// has no lock of its own: one thread at a time may call it (the registrar holds
-// its lock), Empty() excepted, which any thread may ask at any time.
+// The subscribers of one message type, in the order of their subscription. The
+// list has no lock: the registrar holds its own during every call except Empty()
+// and Count(), which any thread may call at any time.
 //
-// A handler may change the list while Dispatch walks it:
-// - one that is removed before its turn is not called;
-// - one that is added is called in the same walk, since it is added at the end;
-// - no function that the walk has called is called again because it was removed
-//   and added meanwhile (a handler that subscribes itself anew would otherwise
-//   keep the walk going for ever).
+// A handler may change the list and may dispatch again. A dispatch always calls
+// the first handler of the list that it has not called yet, until there is none:
+// - It does not call a handler that was removed before its turn.
+// - It calls a handler that was added meanwhile.
+// - It calls no handler twice, so a handler that subscribes itself again does not
+//   keep the dispatch going for ever.
+// A dispatch within a dispatch has calls of its own and changes none of the
+// outer one's.
 class HandlerList {
  public:
-  // A handler of unknown record type; `Invoke` knows it.
+  // A handler of unknown record type; `Invoke` knows the type.
   using Function = void (*)();
   using Invoke = void (*)(Function handler, const void* record, std::int32_t id, void* context);
 
@@ -27,17 +29,17 @@ class HandlerList {
   HandlerList(const HandlerList&) = delete;
   HandlerList& operator=(const HandlerList&) = delete;
 
-  // Adds the handler at the end, with a null context; if it is there already, it
-  // moves to the end.
+  // Adds the handler at the end, with a null context. A handler that is in the
+  // list moves to the end. Throws std::bad_alloc and then changes nothing.
   void Subscribe(Function handler);
 
-  // Removes the first node with this handler; nothing if there is none.
-  void Unsubscribe(Function handler);
+  // Removes the handler, if it is in the list.
+  void Unsubscribe(Function handler) noexcept;
 
-  // Calls every handler in order.
+  // Calls every handler, as described above.
   void Dispatch(const void* record, std::int32_t id, Invoke invoke);
 
-  [[nodiscard]] bool Empty() const noexcept { return m_count.load(std::memory_order_relaxed) == 0; }
+  [[nodiscard]] bool Empty() const noexcept { return Count() == 0; }
   [[nodiscard]] std::size_t Count() const noexcept {
     return m_count.load(std::memory_order_relaxed);
   }
@@ -47,22 +49,19 @@ class HandlerList {
     Node* next;
     Function handler;
     void* context;
-    bool removed;          // during a walk: stays in the chain until it is over
-    std::uint64_t added;   // moments of m_clock;
-    std::uint64_t called;  // 0: never
   };
-  class Walk;
+  struct Message {
+    const void* record;
+    std::int32_t id;
+    Invoke invoke;
+  };
+  struct Called;
 
-  void Remove(Node* previous, Node* node);
-  void Unlink(Node* previous, Node* node);
-  void FreeRemoved();
-  [[nodiscard]] std::uint64_t LastCallOf(Function handler) const;
+  void DispatchRest(const Message& message, const Called* called);
 
   Node* m_head = nullptr;
   Node* m_tail = nullptr;
-  std::atomic<std::size_t> m_count{0};  // nodes that are not removed
-  std::uint32_t m_walks = 0;            // walks under way, one within the other
-  std::uint64_t m_clock = 0;            // counts additions, calls and walks
+  std::atomic<std::size_t> m_count{0};
 };
 
 }  // namespace Messages

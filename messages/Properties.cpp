@@ -19,15 +19,11 @@ using Vask::JsonRef;
 using Vask::JsonString;
 using Vask::JsonType;
 
-Json* GetProperty(const JsonObject& object, const FoldedKey& name) {
-  return object.Find(name);
-}
-
 bool GetStrProperty(const JsonObject& object, const FoldedKey& name, char* destination,
                     std::uint32_t maximum, bool optional) {
   ErrorReport& report = ErrorReport::Instance();
   destination[0] = '\0';
-  const Json* value = GetProperty(object, name);
+  const Json* value = object.Find(name);
   if (value == nullptr) {
     if (!optional) report.Report("GetStrProperty: Property '%s' not found", name.Text());
     return false;
@@ -51,7 +47,7 @@ bool GetStrProperty(const JsonObject& object, const FoldedKey& name, char* desti
 bool GetIntProperty(const JsonObject& object, const FoldedKey& name, std::int32_t& destination,
                     bool optional) {
   destination = 0;
-  const Json* value = GetProperty(object, name);
+  const Json* value = object.Find(name);
   if (value == nullptr) {
     if (!optional) {
       ErrorReport::Instance().Report("GetIntProperty: Property '%s' not found", name.Text());
@@ -72,7 +68,7 @@ bool GetIntProperty(const JsonObject& object, const FoldedKey& name, std::int32_
 
 bool GetFloatProperty(const JsonObject& object, const FoldedKey& name, double& destination) {
   destination = 0.0;
-  const Json* value = GetProperty(object, name);
+  const Json* value = object.Find(name);
   if (value == nullptr) {
     ErrorReport::Instance().Report("GetFloatProperty: Property '%s' not found", name.Text());
     return false;
@@ -87,7 +83,7 @@ bool GetFloatProperty(const JsonObject& object, const FoldedKey& name, double& d
 }
 
 JsonObject* GetObjProperty(const JsonObject& object, const FoldedKey& name, bool optional) {
-  Json* value = GetProperty(object, name);
+  Json* value = object.Find(name);
   if (value == nullptr) {
     if (!optional) {
       ErrorReport::Instance().Report("GetObjProperty: Property '%s' not found", name.Text());
@@ -99,12 +95,12 @@ JsonObject* GetObjProperty(const JsonObject& object, const FoldedKey& name, bool
 
 void SetStrProperty(JsonObject& object, const char* name, const char* text) {
   const JsonRef<JsonString> value(JsonString::Create(text));
-  object.Set(name, value.Get());
+  static_cast<void>(object.Set(name, value.Get()));  // refuses only null
 }
 
 void SetIntProperty(JsonObject& object, const char* name, std::int32_t value) {
   const JsonRef<JsonNumber> number(JsonNumber::FromInt(value));
-  object.Set(name, number.Get());
+  static_cast<void>(object.Set(name, number.Get()));  // refuses only null
 }
 
 }  // namespace Messages

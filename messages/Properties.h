@@ -5,44 +5,39 @@
 #include "json/FoldedKey.h"
 
 namespace Vask {
-class Json;
 class JsonObject;
-}  // namespace Vask
+}
 
 namespace Messages {
 
-// Typed reading and writing of one member of a JSON object. Names are,
-// in the objects of this system, matched without regard to
-// case. Every fault is reported through messages/ErrorReport.h. The caller's
-// thread must be the only one that changes the object meanwhile.
+// Typed reading and writing of one member of a JSON object. The objects of this
+// system match names without regard to case. Every fault is reported through
+// messages/ErrorReport.h. No other thread may change the object meanwhile.
 //
-// "Optional" silences the report of an absent member; the answer stays false.
-
-// The member's value of whatever kind, or null. Never reports. The value stays
-// owned by the object.
-Vask::Json* GetProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name);
+// An absent member fails a getter with a report, or silently if `optional` is set.
 
 // Copies a text of at most `maximum` bytes and its terminating zero into
-// `destination`, which has room for maximum + 1. A longer one is refused, never
-// cut. The destination is the empty text whenever the answer is false.
-bool GetStrProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name, char* destination,
-                    std::uint32_t maximum, bool optional);
+// `destination`, which must have room for maximum + 1. A longer text is refused and
+// not cut. On failure the destination is the empty text.
+[[nodiscard]] bool GetStrProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
+                                  char* destination, std::uint32_t maximum, bool optional);
 
-// Takes an integral number's low 32 bits. A number written with a decimal point
-// is refused. 0 whenever the answer is false.
-bool GetIntProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
-                    std::int32_t& destination, bool optional);
+// Stores the low 32 bits of an integral number. A number with a decimal point is
+// refused. On failure the destination is 0.
+[[nodiscard]] bool GetIntProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
+                                  std::int32_t& destination, bool optional);
 
-// Takes any number. 0.0 whenever the answer is false.
-bool GetFloatProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
-                      double& destination);
+// Stores any number. On failure the destination is 0.0.
+[[nodiscard]] bool GetFloatProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
+                                    double& destination);
 
-// The nested object, which stays owned by the enclosing one; null when there is
-// none. A member that is not an object is never reported.
-Vask::JsonObject* GetObjProperty(const Vask::JsonObject& object, const Vask::FoldedKey& name,
-                                 bool optional);
+// Returns the nested object, which the enclosing one still owns, or null. A member
+// that is no object is not reported.
+[[nodiscard]] Vask::JsonObject* GetObjProperty(const Vask::JsonObject& object,
+                                               const Vask::FoldedKey& name, bool optional);
 
-// Store a new value under the name; the object holds the only reference to it.
+// Store a new value under the name, to which the object holds the only reference.
+// They throw std::bad_alloc.
 void SetStrProperty(Vask::JsonObject& object, const char* name, const char* text);
 void SetIntProperty(Vask::JsonObject& object, const char* name, std::int32_t value);
 

@@ -9,22 +9,14 @@
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
 #include "json/JsonString.h"
-#include "messages/Confirmation.h"
 #include "messages/ErrorReport.h"
-#include "messages/GetAudioOutputDeviceList.h"
 #include "messages/GlobalOptions.h"
 #include "messages/GlobalOptions2.h"
-#include "messages/ProcessInfo.h"
-#include "messages/ProcessList.h"
-#include "messages/ProcessList2.h"
-#include "messages/ProductVersion.h"
+#include "messages/Processes.h"
 #include "messages/Properties.h"
 #include "messages/SNMPmessage.h"
-#include "messages/SNMPsequence.h"
 #include "messages/SNMPtrap.h"
-#include "messages/UpdateGlobalOptions.h"
-#include "messages/UpdateGlobalOptions2.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 
 namespace Messages {
 
@@ -33,8 +25,8 @@ using Vask::JsonObject;
 using Vask::JsonRef;
 using Vask::Platform::CriticalSectionLock;
 
-// Each text stays until the registrar goes, so that a sender may read the one it
-// found without a lock.
+// Each text stays until the registrar is destroyed, so that a sender may read it
+// without a lock.
 struct Registrar::FromText {
   std::string text;
   FromText* older;
@@ -47,8 +39,8 @@ constexpr Vask::FoldedKey kId("id");
 constexpr Vask::FoldedKey kName("name");
 constexpr Vask::FoldedKey kData("data");
 
-// Makes the root the current message for a scope. It ends before the root's
-// owner lets go of it.
+// Makes the root the current message for a scope, which ends before the root's owner
+// releases it.
 class CurrentMessage {
  public:
   explicit CurrentMessage(Json* root) { ErrorReport::Instance().SetCurrentMessage(root); }
@@ -57,7 +49,7 @@ class CurrentMessage {
   CurrentMessage& operator=(const CurrentMessage&) = delete;
 };
 
-// Decodes a body into a record on the stack and hands that to the handlers.
+// Decodes a body into a record on the stack and calls the handlers with it.
 using Deliver = bool (*)(Registrar& registrar, const JsonObject& data, std::int32_t id);
 
 template <class M, bool (*DecodeM)(const JsonObject&, M&)>
@@ -68,10 +60,20 @@ bool DeliverAs(Registrar& registrar, const JsonObject& data, std::int32_t id) {
   return true;
 }
 
+// The decoder of every message without fields.
+template <class M>
+bool AcceptAny(const JsonObject& /*data*/, M& /*record*/) {
+  return true;
+}
+
 constexpr Deliver kDeliver[] = {
-#define MESSAGES_DELIVER(name, body, role) &DeliverAs<name, DecodeStruct_##name>,
+#define MESSAGES_DECODER_RECORD(name) DecodeStruct_##name
+#define MESSAGES_DECODER_FIELDLESS(name) AcceptAny<name>
+#define MESSAGES_DELIVER(name, body, role) &DeliverAs<name, MESSAGES_DECODER_##body(name)>,
     MESSAGES_CATALOGUE(MESSAGES_DELIVER)
 #undef MESSAGES_DELIVER
+#undef MESSAGES_DECODER_FIELDLESS
+#undef MESSAGES_DECODER_RECORD
 };
 
 }  // namespace
@@ -157,9 +159,9 @@ bool Registrar::OnJsonMessage(Json* root) {
 
 bool Registrar::Process(const JsonObject& message) {
   std::int32_t id = 0;
-  GetIntProperty(message, kId, id, true);
+  static_cast<void>(GetIntProperty(message, kId, id, true));  // id is 0 on failure
 
-  const Json* name = GetProperty(message, kName);
+  const Json* name = message.Find(kName);
   if (name == nullptr) {
     ReportError("Messages::Registrar::OnJsonMessage: Received message missing the 'name' property");
     return false;
@@ -190,7 +192,7 @@ bool Registrar::SendSNMPtrap(const SNMPtrap& trap) {
   return BuildAndSend("SNMPtrap", [&] { return EncodeStruct_SNMPtrap(trap); });
 }
 
-// Want of memory costs the message only, not what the caller does besides.
+// Without memory only the message is lost; the caller's work goes on.
 template <class Build>
 bool Registrar::BuildAndSend(const char* name, Build build) {
   try {
@@ -201,8 +203,7 @@ bool Registrar::BuildAndSend(const char* name, Build build) {
   }
 }
 
-// Takes the caller's reference to `data` over; null is a body that could not be
-// built.
+// Takes over the caller's reference to `data`. Null is a body that could not be built.
 bool Registrar::Send(const char* name, JsonObject* data) {
   const JsonRef<JsonObject> body(data);
   if (data == nullptr) return false;
@@ -212,10 +213,10 @@ bool Registrar::Send(const char* name, JsonObject* data) {
   SetIntProperty(*envelope, "id", 0);
   SetStrProperty(*envelope, "op", "broadcast");
   SetStrProperty(*envelope, "name", name);
-  envelope->Set("data", data);
+  static_cast<void>(envelope->Set("data", data));  // refuses only null
 
   Vask::IOnJsonMessage* sender = m_sender.load(std::memory_order_acquire);
-  if (sender != nullptr) sender->OnJsonMessage(envelope.Get());
+  if (sender != nullptr) static_cast<void>(sender->OnJsonMessage(envelope.Get()));
   return true;
 }
 

@@ -10,7 +10,7 @@
 #include "json/ValueMemory.h"
 #include "messages/Catalogue.h"
 #include "messages/HandlerList.h"
-#include "net/IOnJsonMessageText.h"
+#include "net/LinkInterfaces.h"
 #include "platform/CriticalSection.h"
 
 namespace Vask {
@@ -24,47 +24,46 @@ namespace Messages {
 
 struct SNMPtrap;
 
-// Receives one message: the record, lent for the call; the envelope's id; the
-// subscription's context, which is null. Called on the thread that received the
-// message, with the registrar's lock held: a handler may log, send, subscribe
-// and unsubscribe, and must not wait for a thread that does any of the last two.
+// Receives one message: the record, which is valid during the call; the envelope's
+// id; the context of the subscription, which is null. The thread that received the
+// message calls it and holds the registrar's lock. A handler may log, send, subscribe
+// and unsubscribe. It must not wait for a thread that subscribes or unsubscribes.
 template <class M>
 using Handler = void (*)(const M& record, std::int32_t id, void* context);
 
-// The meeting point between the link and the rest of the agent. Received texts
-// are parsed, their envelope checked, their body decoded and handed to whoever
-// subscribed that type of message; the agent's own messages are put into their
-// envelope and given to the link.
+// Connects the link with the rest of the agent. It parses received texts, checks
+// their envelope, decodes their body and calls the handlers of that type of message.
+// It puts the agent's own messages into their envelope and passes them to the link.
 //
-// Every operation may be called from any thread, also from within a handler.
-// Text comes from one thread, the link's reader; the handlers run there. Sending
-// takes no lock.
+// Any thread may call every operation, also from within a handler, except that texts
+// come from one thread, the link's reader. The handlers run on it. Sending takes no
+// lock.
 class Registrar final : public Vask::IOnJsonMessageText,
                         public Vask::Thread::SingletonRef<Registrar> {
  public:
   Registrar(const Registrar&) = delete;
   Registrar& operator=(const Registrar&) = delete;
 
-  // The three ends to be wired. Each may change at any time; a call to the old
-  // sink or sender may still be under way on another thread afterwards.
+  // Each of these three may change at any time. Afterwards another thread may
+  // still be in a call to the old sink or sender.
   // Null: faults are dropped without formatting.
   void SetErrorSink(Vask::IOnError* sink) noexcept;
   // Null: messages are built and not sent.
   void SetSender(Vask::IOnJsonMessage* sender) noexcept;
-  // The "from" of everything sent from now on; copied. Empty at first. Every change
-  // keeps its text for the registrar's lifetime, since senders read it without a lock.
+  // The "from" of every message sent from now on; copied. Empty at first. Each text
+  // stays for the registrar's lifetime, because senders read it without a lock.
   void SetFrom(const char* from);
 
   // Adds the handler at the end of its type's list; a handler that is already
-  // there moves to the end. What that means during a dispatch stands in
+  // there moves to the end. For the effect during a dispatch see
   // messages/HandlerList.h.
   template <class M>
   void Subscribe(Handler<M> handler) {
     SubscribeAt(kCatalogueIndex<M>, reinterpret_cast<HandlerList::Function>(handler));
   }
 
-  // Removes the handler; nothing if it is not subscribed. When this returns on a
-  // thread that is not dispatching, no call to it is under way any more.
+  // Removes the handler, if it is subscribed. When this returns on a thread that is
+  // not dispatching, no call to the handler is under way any more.
   template <class M>
   void Unsubscribe(Handler<M> handler) {
     UnsubscribeAt(kCatalogueIndex<M>, reinterpret_cast<HandlerList::Function>(handler));
@@ -76,21 +75,21 @@ class Registrar final : public Vask::IOnJsonMessageText,
     DispatchAt(kCatalogueIndex<M>, &record, id, &Invoke<M>);
   }
 
-  // One received text. True when it was processed or, being of no interest,
-  // skipped; false after a fault, which has been reported.
+  // Processes one received text. Returns true also for a message that is unknown or
+  // has no subscriber; false after a fault, which has been reported.
   bool OnJsonMessageText(const char* text) override;
 
-  // The same for a parsed value, which stays the caller's. Null is no object.
+  // The same for a parsed value, which the caller still owns. Null is no object.
   bool OnJsonMessage(Vask::Json* root);
 
-  // printf-style. The sink gets the text together with the message that is being
+  // printf-style. Calls the sink with the text and the message that is being
   // processed, or null.
   void ReportError(const char* format, ...) VASK_PRINTF_FORMAT(2, 3);
 
-  // Build the message and hand it to the sender, if there is one. True when the
-  // message could be built, whatever became of it; a trap without a type cannot,
-  // nor can any without memory, which is reported as
-  // "Messages::Registrar::Send: No memory for a message '%s'".
+  // Build the message and pass it to the sender, if there is one. They return true
+  // if the message could be built; the sender's result is ignored. They fail, after
+  // a report, for a trap without a type and if there is no memory
+  // ("Messages::Registrar::Send: No memory for a message '%s'").
   bool SendSNMPupdate();
   bool SendSNMPtrap(const SNMPtrap& trap);
 
@@ -122,8 +121,8 @@ class Registrar final : public Vask::IOnJsonMessageText,
 
   std::atomic<Vask::IOnJsonMessage*> m_sender{nullptr};
   std::atomic<FromText*> m_from{nullptr};  // newest first
-  Vask::ValueMemory m_memory;              // of the values of the text; for its thread alone
-  Vask::Platform::CriticalSection m_lock;
+  Vask::ValueMemory m_memory;              // of the text's values; the reader thread's
+  Vask::Platform::CriticalSection m_lock{Vask::Platform::LockRank::Registrar};
   HandlerList m_lists[kCatalogueSize] VASK_GUARDED_BY(m_lock);
 };
 

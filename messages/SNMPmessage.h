@@ -7,11 +7,11 @@
 namespace Messages {
 
 // One group of values from the main process: the product, or the counts of
-// streams, stream monitors or audio sources. Which one it is stands in the tag
-// of its only field; only the member of that name may be read then.
+// streams, stream monitors or audio sources. The tag of the only field says which;
+// read only the member of that name.
 struct SNMPmessage {
-  // The sub-records have no initialisers of their own, so that assigning to one
-  // makes it the union's value; the decoder starts each from zeros.
+  // The sub-records have no initialisers, so that assigning to one makes it the
+  // union's value. The decoder sets each to zeros first.
   struct Product {
     char m_Name[129];
     char m_Version[65];
@@ -25,17 +25,15 @@ struct SNMPmessage {
     std::int32_t m_Errors;
     std::int32_t m_Silence;
   };
-  // The catalogue has a message of the same name; that is another type.
+  // Another type than the message of the same name in the catalogue.
   struct AudioSources {
     std::int32_t m_Count;
     std::int32_t m_Errors;
     std::int32_t m_Silence;
   };
 
-  enum : std::uint32_t { kProduct, kStreams, kStreamMonitors, kAudioSources, kEmpty };
-
   struct messageType {
-    static constexpr std::uint32_t kEmpty = SNMPmessage::kEmpty;
+    enum Tag : std::uint32_t { kProduct, kStreams, kStreamMonitors, kAudioSources, kEmpty };
 
     std::uint32_t m_tag = kEmpty;
     union {
@@ -47,16 +45,16 @@ struct SNMPmessage {
 
     ~messageType();  // DestroyUnion_messageType
   };
+  using enum messageType::Tag;
 
   messageType m_messageType;
 };
 
-// What all counts of the SNMP messages keep to.
+// The range of every count of the SNMP messages.
 inline constexpr Range kSnmpCount = Between(0, 1024);
 
 template <>
 struct Description<SNMPmessage::Product> {
-  static constexpr char kDecoder[] = "DecodeStruct_Product";
   static constexpr Field kRows[] = {
       Text<&SNMPmessage::Product::m_Name>("Name"),
       Text<&SNMPmessage::Product::m_Version>("Version"),
@@ -94,18 +92,18 @@ struct Description<SNMPmessage::AudioSources> {
 
 template <>
 struct Description<SNMPmessage::messageType> {
+  using U = SNMPmessage::messageType;
   static constexpr char kPath[] = "SNMPmessage::messageType";
   static constexpr Alternative kAlternatives[] = {
-      Carrying<&SNMPmessage::messageType::m_Product>("Product"),
-      Carrying<&SNMPmessage::messageType::m_Streams>("Streams"),
-      Carrying<&SNMPmessage::messageType::m_StreamMonitors>("StreamMonitors"),
-      Carrying<&SNMPmessage::messageType::m_AudioSources>("AudioSources"),
+      MESSAGES_ALTERNATIVE(U, Product),
+      MESSAGES_ALTERNATIVE(U, Streams),
+      MESSAGES_ALTERNATIVE(U, StreamMonitors),
+      MESSAGES_ALTERNATIVE(U, AudioSources),
   };
 };
 
 template <>
 struct Description<SNMPmessage> {
-  static constexpr char kDecoder[] = "DecodeStruct_SNMPmessage";
   static constexpr Field kRows[] = {
       Union<&SNMPmessage::m_messageType>(),
   };
@@ -130,6 +128,37 @@ inline void DestroyUnion_messageType(SNMPmessage::messageType& choice) {
 }
 inline SNMPmessage::messageType::~messageType() {
   DestroyUnion_messageType(*this);
+}
+
+// A list of entities with the fault of each. The agent does not interpret it.
+struct SNMPsequence {
+  struct entries {
+    char m_friendlyName[65] = "";
+    char m_errorDescription[257] = "";
+  };
+
+  char m_sequenceType[33] = "";
+  KeyedList<entries> m_entries;
+};
+
+template <>
+struct Description<SNMPsequence::entries> {
+  static constexpr Field kRows[] = {
+      Text<&SNMPsequence::entries::m_friendlyName>("friendlyName"),
+      Text<&SNMPsequence::entries::m_errorDescription>("errorDescription"),
+  };
+};
+
+template <>
+struct Description<SNMPsequence> {
+  static constexpr Field kRows[] = {
+      Text<&SNMPsequence::m_sequenceType>("sequenceType"),
+      List<&SNMPsequence::m_entries>("entries"),
+  };
+};
+
+inline bool DecodeStruct_SNMPsequence(const Vask::JsonObject& object, SNMPsequence& record) {
+  return Decode(object, record);
 }
 
 }  // namespace Messages

@@ -6,14 +6,14 @@
 #include "agent/Traps.h"
 #include "agent/Variables.h"
 
-// What management modules and monitoring files say of the agent's variables and
-// traps beyond what the agent's own tables hold.
+// What management modules and monitoring files say about the agent's variables
+// and traps in addition to the agent's own tables.
 
 namespace Mibs {
 
-// The branches under the module's name. The first one holds the notifications
-// too: RFC 3584, section 3.1, makes enterprise.0.<specific trap> of an SNMPv1
-// trap.
+// The branches below the module's identifier. The first one also holds the
+// notifications, because RFC 3584, section 3.1, converts an SNMPv1 trap to
+// enterprise.0.<specific trap>.
 struct Branch {
   const char* name;
   UINT subIdentifier;
@@ -25,18 +25,29 @@ inline constexpr Branch kBranches[] = {
 };
 inline constexpr const Branch& kEvents = kBranches[0];
 
-// The branch of a variable, by the first number of its suffix.
+// The first number of a variable's suffix selects its branch.
 constexpr const Branch& BranchOf(const Agent::VariableRow& variable) {
   for (const Branch& branch : kBranches)
     if (branch.subIdentifier == variable.suffix[0]) return branch;
   throw "no branch for this variable";
 }
 
-// How bad a trap is, in the words of trap translators.
 enum class Severity { Informational, Major, Critical };
-[[nodiscard]] const char* Word(Severity severity);
 
-// `sentence` is whole by itself, since trap translators show nothing else.
+// The severity as trap translators spell it.
+[[nodiscard]] constexpr const char* Word(Severity severity) {
+  switch (severity) {
+    case Severity::Informational:
+      return "INFORMATIONAL";
+    case Severity::Major:
+      return "MAJOR";
+    case Severity::Critical:
+      break;
+  }
+  return "CRITICAL";
+}
+
+// Trap translators show only `sentence`, so it must be understood without `more`.
 struct Notification {
   const char* trap;
   Severity severity;
@@ -80,7 +91,8 @@ constexpr const Notification& NotificationOf(const Agent::TrapRow& trap) {
   throw "no notification for this trap";
 }
 
-// A variable's name as a Prometheus metric: lower case, the thing counted first.
+// A variable's name as a Prometheus metric: lower case, and the counted thing
+// comes first.
 struct Metric {
   const char* variable;
   const char* name;
@@ -102,14 +114,14 @@ constexpr const Metric& MetricOf(const Agent::VariableRow& variable) {
   throw "no metric for this variable";
 }
 
-// Every variable has a branch and a metric and every trap its notification, or
-// this does not compile.
+// This does not compile if a variable has no branch or no metric, or if a trap has
+// no notification.
 consteval bool IsComplete() {
   for (const Agent::VariableRow& variable : Agent::kVariables) {
-    (void)BranchOf(variable);
-    (void)MetricOf(variable);
+    static_cast<void>(BranchOf(variable));
+    static_cast<void>(MetricOf(variable));
   }
-  for (const Agent::TrapRow& trap : Agent::kTraps) (void)NotificationOf(trap);
+  for (const Agent::TrapRow& trap : Agent::kTraps) static_cast<void>(NotificationOf(trap));
   return std::size(kNotifications) == std::size(Agent::kTraps) &&
          std::size(kMetrics) == std::size(Agent::kVariables);
 }

@@ -1,10 +1,15 @@
 #include "mibs/Template.h"
 
+#include <map>
 #include <sstream>
 #include <stdexcept>
-#include <utility>
+#include <string_view>
+#include <vector>
 
-#include "mibs/Facts.h"
+#include "BuildSettings.h"
+#include "agent/AgentProcess.h"
+#include "agent/ObjectIdentifier.h"
+#include "mibs/Definitions.h"
 
 namespace Mibs {
 
@@ -14,12 +19,66 @@ constexpr std::string_view kEach = "@each ";
 constexpr std::string_view kEnd = "@end";
 constexpr std::string_view kOpen = "@{";
 
+// The facts about the agent or about one row of its tables, by their names.
+using Facts = std::map<std::string, std::string, std::less<>>;
+
+std::string Prefix() {
+  Agent::EnterprisePrefix prefix;
+  return Agent::DottedText(prefix.Name());
+}
+
+// From the enterprise number on.
+std::string Tail(const std::string& oid) {
+  return oid.substr(sizeof "1.3.6.1.4.1." - 1);
+}
+
+Facts FactsOf(const Agent::VariableRow& variable) {
+  Agent::EnterprisePrefix prefix;
+  const std::string oid = Agent::DottedText(prefix.Name(), Agent::Lend(variable.suffix));
+  return {{"name", variable.name},
+          {"oid", oid},
+          {"instance", oid + ".0"},
+          {"metric", MetricOf(variable).name},
+          {"meaning", variable.meaning}};
+}
+
+Facts FactsOf(const Agent::TrapRow& trap) {
+  const Notification& notification = NotificationOf(trap);
+  const std::string number = std::to_string(trap.specificTrap);
+  const std::string oid = Prefix() + '.' + std::to_string(kEvents.subIdentifier) + '.' + number;
+  return {{"name", trap.name},
+          {"oid", oid},
+          {"tail", Tail(oid)},
+          {"number", number},
+          {"sentence", notification.sentence},
+          {"more", notification.more},
+          {"severity", Word(notification.severity)},
+          {"raised", trap.raisedWhen}};
+}
+
+Facts AgentFacts() {
+  return {{"enterprise", std::to_string(CORVANE_ENTERPRISE)},
+          {"prefix", Prefix()},
+          {"tail", Tail(Prefix())},
+          {"version", CORVANE_VERSION_TEXT},
+          {"port", std::to_string(Agent::AgentProcess::kLinkPort)},
+          {"log-folder",
+           std::string(Agent::AgentProcess::kProductFolder) + Agent::AgentProcess::kLogsFolder}};
+}
+
 std::vector<Facts> RowsOf(const std::string& kind) {
-  if (kind == "variable") return VariableFacts();
-  if (kind == "number") return NumberFacts();
-  if (kind == "text") return TextFacts();
-  if (kind == "trap") return TrapFacts();
-  throw std::invalid_argument(std::string(kEach) + kind);
+  std::vector<Facts> rows;
+  if (kind == "trap") {
+    for (const Agent::TrapRow& trap : Agent::kTraps) rows.push_back(FactsOf(trap));
+    return rows;
+  }
+  if (kind != "variable" && kind != "number" && kind != "text")
+    throw std::invalid_argument(std::string(kEach) + kind);
+  for (const Agent::VariableRow& variable : Agent::kVariables) {
+    const char* const type = variable.type == Agent::kTypeInt ? "number" : "text";
+    if (kind == "variable" || kind == type) rows.push_back(FactsOf(variable));
+  }
+  return rows;
 }
 
 const std::string& At(const Facts& facts, const std::string& word, const std::string& whole) {
@@ -28,14 +87,15 @@ const std::string& At(const Facts& facts, const std::string& word, const std::st
   return found->second;
 }
 
-// "StreamsErrors.oid": the row of that name, among variables and traps.
+// For "StreamsErrors.oid": the fact "oid" about the variable or trap StreamsErrors.
 std::string NamedFact(const std::string& word, std::size_t dot) {
-  for (const auto& rows : {VariableFacts(), TrapFacts()})
+  for (const auto& rows : {RowsOf("variable"), RowsOf("trap")})
     for (const Facts& row : rows)
       if (row.at("name") == word.substr(0, dot)) return At(row, word.substr(dot + 1), word);
   throw std::invalid_argument(std::string(kOpen) + word + '}');
 }
 
+// `row` is the current row of a block, or null outside of blocks.
 std::string Fact(const std::string& word, const Facts* row) {
   if (const std::size_t dot = word.find('.'); dot != std::string::npos) return NamedFact(word, dot);
   if (row != nullptr && row->contains(word)) return row->at(word);
@@ -57,7 +117,7 @@ std::string FillLine(const std::string& line, const Facts* row) {
   return filled + line.substr(from) + '\n';
 }
 
-// The lines up to "@end", once for each row.
+// Reads the block from `lines` to its end, and repeats it for each row.
 std::string FillBlock(std::istringstream& lines, const std::string& kind) {
   std::vector<std::string> block;
   std::string line;

@@ -11,7 +11,7 @@ bool IsSeparator(char c) {
   return kSeparators.find(c) != std::string_view::npos;
 }
 
-// Server and share of a UNC path, up to the backslash behind the share.
+// Server and share of a UNC path, without the backslash behind the share.
 std::string_view UncRoot(std::string_view path) {
   const std::size_t afterServer = path.find('\\', kUncStart.size());
   if (afterServer == std::string_view::npos) return {};
@@ -27,8 +27,8 @@ bool CanHoldFolders(Platform::DriveKind drive) {
          drive == Platform::DriveKind::Remote || drive == Platform::DriveKind::RamDisk;
 }
 
-// The drive of a root is asked for with a backslash behind it: without one,
-// "C:" would be the current folder of that drive.
+// Adds a backslash to the root, because "C:" alone means the current folder of that
+// drive.
 Platform::DriveKind DriveOf(const CFileName2& root, Platform::Files& files) {
   char withBackslash[CFileName2::kMaxLength + 2] = {};
   const std::string_view text = root.Text();

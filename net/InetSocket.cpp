@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "Src/LogPrinter.h"
+#include "net/InetAddress.h"
 
 namespace Vask {
 
@@ -52,6 +53,21 @@ Platform::SocketHandle InetSocket::TakeHandle() {
   if (!m_connected) return Platform::kInvalidSocket;
   m_connected = false;
   return m_handle.exchange(Platform::kInvalidSocket, std::memory_order_relaxed);
+}
+
+bool InetSocketConnector::Connect(const char* host, std::uint32_t port) {
+  InetAddress peer(m_sockets);
+  if (peer.Set(host, port) != InetAddress::kOk) return false;
+  Close();
+  const Platform::SocketHandle handle = m_sockets.OpenTcp();
+  if (handle == Platform::kInvalidSocket) return false;
+  Adopt(handle);
+  if (!m_sockets.Connect(handle, peer.Address())) {
+    m_sockets.Close(TakeHandle());
+    return false;
+  }
+  m_sockets.SetBlocking(handle);
+  return true;
 }
 
 }  // namespace Vask

@@ -2,10 +2,10 @@
 
 #include <limits>
 
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
-#include "net/FaultReport.h"
-#include "net/FrameWriter.h"
-#include "net/IJsonSocketEvents.h"
+#include "net/Framing.h"
+#include "net/LinkInterfaces.h"
 
 namespace Vask {
 
@@ -13,16 +13,16 @@ namespace {
 
 constexpr char kPeerHost[] = "127.0.0.1";
 
-// Messages up to this size cost one allocation each for text and frame.
+// A message up to this size costs one allocation for the text and one for the frame.
 constexpr std::size_t kUsualMessageBytes = 512;
 
-// How long a stop lets the reader leave by itself. It needs at most one poll,
-// unless it waits in a call of the system.
+// A stop first waits this long for the reader to leave its loop by itself. That takes
+// at most one poll, unless the reader waits in a system call.
 constexpr std::uint32_t kOrderlyStopMs = 2 * JsonSocket::kPollMs;
 
-// After that its calls are ended for it, again and again: one that it was just
-// about to make does not notice the first time. Not for ever, since a thread
-// that the system killed answers nothing.
+// After that a stop shuts the socket down again and again, because one shutdown does not
+// end a call that the reader is about to make. It gives up after these steps, because a
+// thread that the system killed never signals.
 constexpr std::uint32_t kForcedStopStepMs = 20;
 constexpr int kForcedStopSteps = 100;
 
@@ -48,7 +48,7 @@ void JsonSocket::SetErrorSink(IOnError* sink) {
 
 bool JsonSocket::OpenThread() {
   if (Start()) return true;
-  ReportFault(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
+  IOnError::Report(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
   if (!HasThread()) {
     m_running.store(false, std::memory_order_relaxed);
     CloseSocket();
@@ -67,9 +67,9 @@ void JsonSocket::RequestStop() {
   m_socket.Shutdown();
 }
 
-// Called by Start only when it is going to create a thread.
+// Start calls this only if there is no thread yet.
 void JsonSocket::OnStart() {
-  static_cast<void>(m_readerLeft.Ensure());  // without it a stop takes its full time
+  static_cast<void>(m_readerLeft.Ensure());  // without the event a stop takes longer
   m_reader.End();
   m_waitedMs = kRetryMs;
   m_running.store(true, std::memory_order_relaxed);
@@ -92,21 +92,21 @@ void JsonSocket::Run() {
   m_readerLeft.Set();
 }
 
-// False when the connection is of no use any more. A byte that cannot be kept
-// for want of memory, and a listener that throws, cost the connection and not
-// the process.
+// Returns false if the connection must be dropped. That is also the only effect of an
+// exception: of a listener that throws, or of a byte for which there is no memory.
 bool JsonSocket::RunOneRound() {
   try {
     if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) return true;
     return ReadOneByte();
   } catch (...) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::Run: exception!");
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::Run: exception!");
     return false;
   }
 }
 
-// True with a connection, false when it is time to stop.
-// An attempt that throws has failed, and the next one waits as after any other.
+// Returns true with a connection, false if the reader must stop. An exception of
+// OnConnecting or OnConnected leaves m_waitedMs at 0, so the next attempt waits as after
+// any failure.
 bool JsonSocket::ConnectUntilStopped() {
   while (IsRunning()) {
     if (m_waitedMs >= kRetryMs) {
@@ -119,7 +119,7 @@ bool JsonSocket::ConnectUntilStopped() {
   if (!IsRunning()) return false;
   m_reader.Begin();
   if (m_events != nullptr) m_events->OnConnected();
-  m_waitedMs = kRetryMs;  // a loss is followed by an attempt at once
+  m_waitedMs = kRetryMs;  // after a loss the reader tries at once
   return true;
 }
 
@@ -134,7 +134,7 @@ bool JsonSocket::TryToConnect() {
   return false;
 }
 
-// False at the end of the connection and after a fault of the stream.
+// Returns false at the end of the connection and after a fault of the stream.
 bool JsonSocket::ReadOneByte() {
   const Platform::SocketHandle handle = m_socket.Handle();
   const Platform::Readiness readiness = m_sockets.WaitReadable(handle, kPollMs);
@@ -146,13 +146,13 @@ bool JsonSocket::ReadOneByte() {
   return m_reader.ProcessByte(byte);
 }
 
-// The socket stays as it is until the next attempt to connect.
+// The socket stays open until the next attempt to connect.
 void JsonSocket::LoseConnection() {
   m_reader.End();
   if (m_events != nullptr) m_events->OnDisconnected();
 }
 
-// The shutdown frees a sender that holds the lock.
+// The shutdown ends a send that holds the lock.
 void JsonSocket::CloseSocket() {
   m_socket.Shutdown();
   const Platform::CriticalSectionLock lock(m_sendLock);
@@ -167,7 +167,7 @@ void JsonSocket::SetSendable() {
 
 bool JsonSocket::OnJsonMessage(Json* message) {
   if (message == nullptr) {
-    ReportFault(m_errorSink, "Vask::JsonSocket::OnJsonMessageNull message");
+    IOnError::Report(m_errorSink, "Vask::JsonSocket::OnJsonMessageNull message");
     return false;
   }
   std::string body;

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "platform/Sockets.h"
 
 namespace Vask {
 
-// One UDP socket; datagrams are sent on its handle. Not thread-safe.
+// One UDP socket. Its user sends datagrams on the handle. Not thread-safe.
 class UdpSocket3 {
  public:
   // Opens nothing yet. `sockets` is lent.
@@ -16,19 +17,30 @@ class UdpSocket3 {
   UdpSocket3& operator=(const UdpSocket3&) = delete;
   virtual ~UdpSocket3() { Close(); }
 
-  // Closes what is open and opens a socket on which an ICMP port-unreachable
-  // answer fails no later call. False when there is no socket, or when that
-  // could not be set: then it is open all the same.
-  [[nodiscard]] bool Open();
+  // Closes the present socket and opens one on which an ICMP port-unreachable answer
+  // fails no later call. Returns false if there is no socket, or if that setting failed;
+  // in the second case the socket is open all the same.
+  [[nodiscard]] bool Open() {
+    Close();
+    m_handle = m_sockets.OpenUdp();
+    return m_handle != Platform::kInvalidSocket && m_sockets.IgnorePortUnreachable(m_handle);
+  }
 
-  // Binds to a local port, in host order, on all interfaces, sharing it with
-  // others that do so too. False when it cannot, or when nothing is open.
-  [[nodiscard]] bool Bind(std::uint16_t port);
+  // Binds to a local port, in host order, on all interfaces, and shares it with others
+  // that do so too. Returns false if that fails or nothing is open.
+  [[nodiscard]] bool Bind(std::uint16_t port) {
+    if (m_handle == Platform::kInvalidSocket) return false;
+    m_sockets.AllowAddressReuse(m_handle);
+    return m_sockets.Bind(m_handle, port);
+  }
 
-  // Does nothing when nothing is open.
-  void Close();
+  // Does nothing if nothing is open.
+  void Close() {
+    const Platform::SocketHandle handle = std::exchange(m_handle, Platform::kInvalidSocket);
+    if (handle != Platform::kInvalidSocket) m_sockets.Close(handle);
+  }
 
-  // kInvalidSocket when closed. Stays owned by this object.
+  // kInvalidSocket when closed. This object keeps the ownership.
   [[nodiscard]] Platform::SocketHandle Handle() const { return m_handle; }
 
  private:

@@ -17,9 +17,8 @@ struct LocalTime {
   bool operator==(const LocalTime&) const = default;
 };
 
-// Every reading of time in the agent goes through one Clock that is handed in,
-// so that tests can hand in their own. All operations may be called from any
-// thread, none fails, none but SleepMs blocks.
+// The agent reads the time only through a Clock that it is given, so that a test
+// can pass its own. Any thread may call any operation. Only SleepMs blocks.
 class Clock {
  public:
   // Milliseconds since some fixed moment; wraps to 0 after 49.7 days
@@ -32,11 +31,16 @@ class Clock {
   // The present moment in local time.
   virtual LocalTime LocalNow() noexcept = 0;
 
-  // Breaks a moment down in local time, with millisecond 0.
+  // Breaks a moment down in local time, with millisecond 0. All zeros if the
+  // system's calendar does not hold the moment (on Windows: outside the years
+  // 1601 to 30827).
   virtual LocalTime ToLocal(std::int64_t epochSeconds) noexcept = 0;
 
-  // The moment that a local time names; where daylight saving makes it
-  // ambiguous or void, as mktime decides. -1 if it cannot be represented.
+  // The moment that a local time names; every field must be in its range, and
+  // the millisecond is ignored. -1 if the system's calendar does not hold it.
+  // A time that daylight saving repeats is one of the two moments. A time that
+  // it leaves out counts on after the gap: 00:30 is 01:30 on a day that begins
+  // at 01:00.
   virtual std::int64_t FromLocal(const LocalTime& local) noexcept = 0;
 
   // Blocks the calling thread for about that many milliseconds.
@@ -46,7 +50,7 @@ class Clock {
   ~Clock() = default;
 };
 
-// The machine's clock. Lives as long as the process.
+// The machine's clock. The object lives as long as the process.
 Clock& SystemClock() noexcept;
 
 }  // namespace Vask::Platform

@@ -1,47 +1,54 @@
 #pragma once
 
 #include "platform/Threading.h"
+#include "platform/UniqueHandle.h"
 
 namespace Vask::Platform {
 
-// One event, which goes with this object. Set and Wait may be called from any
-// thread; the rest by the owner only.
+// Owns one event. Any thread may call Set and Wait; only the owner calls the
+// rest.
 class Event {
  public:
-  // Creates an event, not signalled, and owns it. Check Valid().
+  // Creates an event that is not signalled. Check Valid().
   explicit Event(EventReset reset, Threading& threading = SystemThreading()) noexcept
-      : m_threading(threading), m_reset(reset), m_handle(threading.CreateEvent(reset)) {}
-
-  ~Event() {
-    if (m_handle != nullptr) m_threading.CloseEvent(m_handle);
-  }
+      : m_threading(threading),
+        m_reset(reset),
+        m_handle(threading.CreateEvent(reset), {&threading}) {}
   Event(const Event&) = delete;
   Event& operator=(const Event&) = delete;
 
-  [[nodiscard]] bool Valid() const noexcept { return m_handle != nullptr; }
+  [[nodiscard]] bool Valid() const noexcept { return m_handle.Valid(); }
 
-  // Valid(), for which it tries once more to create an event that could not be had
-  // before. Not while another thread may use this object.
+  // Tries once more to create an event that could not be created before, and
+  // returns Valid(). No other thread may use this object meanwhile.
   [[nodiscard]] bool Ensure() noexcept {
-    if (m_handle == nullptr) m_handle = m_threading.CreateEvent(m_reset);
-    return m_handle != nullptr;
+    if (!Valid()) m_handle.Reset(m_threading.CreateEvent(m_reset));
+    return Valid();
   }
 
-  // Both do nothing, and Wait answers false at once, on an event that is not valid.
+  // On an event that is not valid, both do nothing and Wait returns false at
+  // once.
   void Set() noexcept {
-    if (m_handle != nullptr) m_threading.SetEvent(m_handle);
+    if (Valid()) m_threading.SetEvent(Handle());
   }
   [[nodiscard]] bool Wait(std::uint32_t timeoutMs) noexcept {
-    return m_handle != nullptr && m_threading.WaitEvent(m_handle, timeoutMs);
+    return Valid() && m_threading.WaitEvent(Handle(), timeoutMs);
   }
 
   // Stays owned by this object.
-  [[nodiscard]] NativeHandle Handle() const noexcept { return m_handle; }
+  [[nodiscard]] NativeHandle Handle() const noexcept { return m_handle.Get(); }
 
  private:
+  struct Policy {
+    using Type = NativeHandle;
+    static constexpr Type None() noexcept { return nullptr; }
+    void Close(Type event) const noexcept { threading->CloseEvent(event); }
+    Threading* threading = nullptr;
+  };
+
   Threading& m_threading;
   const EventReset m_reset;
-  NativeHandle m_handle;
+  UniqueHandle<Policy> m_handle;
 };
 
 }  // namespace Vask::Platform

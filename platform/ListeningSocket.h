@@ -6,37 +6,32 @@
 
 namespace Vask::Platform {
 
-// The server side of TCP, which the agent itself does not have: a socket that
-// listens on 127.0.0.1. Used by the simulator and by tests.
+// A TCP socket that listens on 127.0.0.1. The simulator and tests use it; the
+// agent itself is a client only.
 //
-// One thread at a time.
+// For one thread at a time.
 class ListeningSocket {
  public:
-  ListeningSocket() = default;
-  ~ListeningSocket() { Close(); }
-  ListeningSocket(const ListeningSocket&) = delete;
-  ListeningSocket& operator=(const ListeningSocket&) = delete;
-
   // Listens on a port of 127.0.0.1, 0 for any free one. `backlog` connections
-  // may wait to be accepted. False when the port cannot be had. Connections that
-  // were made through the port before do not keep it from being had again.
+  // may wait to be accepted. False if the port is not available. Connections
+  // that an earlier listener accepted do not make it unavailable.
   [[nodiscard]] bool Open(std::uint16_t port, int backlog = 16);
 
-  [[nodiscard]] bool IsOpen() const { return m_handle != kInvalidSocket; }
+  [[nodiscard]] bool IsOpen() const { return m_socket.Valid(); }
   // The port in host order; 0 before Open.
   [[nodiscard]] std::uint16_t Port() const { return m_port; }
 
-  // Waits for a connection and answers its handle, which is the caller's to
-  // close. kInvalidSocket when the time is over. What is sent on it goes out at
-  // once, small pieces too.
+  // Waits for a connection and returns its handle, which the caller must close.
+  // kInvalidSocket after the timeout. Sent bytes leave at once, small pieces
+  // too.
   [[nodiscard]] SocketHandle Accept(std::uint32_t timeoutMs);
 
-  // From now on connections are refused; those accepted go on, those that still
-  // wait are reset.
-  void Close();
+  // The system then refuses new connections and resets those that still wait.
+  // Accepted connections continue.
+  void Close() { m_socket.Reset(); }
 
  private:
-  SocketHandle m_handle = kInvalidSocket;
+  SystemSocket m_socket;
   std::uint16_t m_port = 0;
 };
 

@@ -1,13 +1,13 @@
-# Building through the presets. To be sourced after console.sh.
+# Builds through the presets. To be sourced after console.sh.
 
-# ccache, where there is one, makes the second build a short one. Precompiled
-# headers are none of its business unless it is told that they are.
+# ccache, if it is installed, makes the second build short. These settings let it
+# cache sources that use a precompiled header.
 if command -v ccache >/dev/null; then
   export CCACHE_SLOPPINESS=pch_defines,time_macros
   export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER:-ccache}
 fi
 
-# configure_and_build PRESET [TARGET...]: everything when no target is named.
+# configure_and_build PRESET [TARGET...]: without a TARGET it builds everything.
 configure_and_build() {
   local preset=$1 targets=()
   shift

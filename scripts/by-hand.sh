@@ -1,5 +1,5 @@
-# What run-agent does after its tour: shows how to go on by hand, passes on what
-# is typed to the simulated server, and prints traps, until Ctrl-C.
+# What run-agent does after its tour, until Ctrl-C: it prints commands to try, passes
+# typed lines to the simulated server, and prints traps. To be sourced after stand.sh.
 
 print_commands_to_try() {
   show "Now by hand; Ctrl-C ends it"
@@ -16,8 +16,8 @@ Traps appear here as they arrive.
 TEXT
 }
 
-# Follows a growing number of traps, and the server's own lines.
-print_what_happens() {
+# Prints each trap that arrives, until it is ended.
+print_new_traps() {
   local shown count
   shown=$(received_traps | wc -l)
   while sleep 0.5; do
@@ -27,19 +27,32 @@ print_what_happens() {
   done
 }
 
+# read_typed_line SECONDS: succeeds if a line of standard input is complete within that
+# time, and leaves it in typed_line. "read" can time out in the middle of a line and has
+# then consumed its first characters: these stay in typed_part for the next call.
+typed_line='' typed_part=''
+read_typed_line() {
+  local part='' complete=true
+  IFS= read -r -t "$1" part || complete=false
+  typed_part+=$part
+  [[ "$complete" == true ]] || return 1
+  typed_line=$typed_part
+  typed_part=''
+}
+
 serve_by_hand() {
-  local line stopped=false
+  local stopped=false
   trap 'stopped=true' INT TERM
   print_commands_to_try
-  print_what_happens &
+  print_new_traps &
   local printer=$!
   tail -n 0 -f "$simulator_said" > >(sed -u 's/^/server: /') &
   local follower=$!
   while [[ "$stopped" == false ]]; do
-    if [[ -t 0 ]] && read -r -t 1 line; then
-      tell "$line"
-    elif [[ ! -t 0 ]]; then
+    if [[ ! -t 0 ]]; then
       sleep 1 || true
+    elif read_typed_line 1; then
+      tell "$typed_line"
     fi
     kill -0 "$host" 2>/dev/null || break
   done

@@ -1,7 +1,7 @@
-# Test cases in a bash script: each compares one answer whole. To be sourced.
+# Test cases in a bash script: each compares a whole text. To be sourced.
 #
-#   expect NAME ACTUAL EXPECTED    one case; prints both when they differ
-#   close_cases                    the closing line; status 1 if a case failed
+#   expect NAME ACTUAL EXPECTED    one case; prints both if they differ
+#   close_cases                    prints the closing line; status 1 if a case failed
 
 cases_passed=0
 cases_failed=0
@@ -17,9 +17,9 @@ expect() {
   fi
 }
 
-# expect_eventually NAME EXPECTED COMMAND...: asks again and again until the
-# command prints what is expected. Two minutes are more than a busy machine needs
-# for anything; how soon things come is measured elsewhere, by clocks.
+# expect_eventually NAME EXPECTED COMMAND...: repeats the command until it prints the
+# expected text. It gives up after two minutes, which is enough on a busy machine. Other
+# tests measure how soon things happen.
 expect_eventually() {
   local deadline=$((SECONDS + 120)) name=$1 expected=$2 actual
   shift 2

@@ -1,16 +1,15 @@
-# net-snmp's tools, away from the system's settings: no configuration files, no
-# MIB files unless asked for, names as numbers. To be sourced; needs $work, a
-# folder of its own.
+# net-snmp's tools, independent of the system's settings: without configuration files,
+# without MIB files by default, and with names as numbers. To be sourced; needs $work, a
+# folder for its files.
 
 export MIBS='' SNMPCONFPATH=/nonexistent SNMP_PERSISTENT_DIR=$work/net-snmp
 mkdir -p "$SNMP_PERSISTENT_DIR/cert_indexes"
 
-# Debian ships the base modules, SNMPv2-SMI and its kin, with Erlang's SNMP
-# library only.
+# In Debian, only Erlang's SNMP library contains SNMPv2-SMI and the other base modules.
 base_mibs=$(echo /usr/lib/erlang/lib/snmp-*/mibs)
 
-# write_mib PROGRAM: the module that goes with this build. After it, a tool
-# that is given "${through_mib[@]}" reads and prints names.
+# write_mib PROGRAM: writes the module of this build. Afterwards a tool with the options
+# "${through_mib[@]}" reads and prints names.
 mib_name=VELTRIN-CORVANE-MIB
 write_mib() {
   mkdir -p "$work/mibs"
@@ -18,7 +17,7 @@ write_mib() {
   through_mib=(-M "$base_mibs:$work/mibs" -m "$mib_name")
 }
 
-# A UDP port of the loopback that nobody listens on, starting at a random one.
+# Prints a free UDP port of the loopback. The search starts at a random port.
 free_udp_port() {
   local port=$((20000 + RANDOM % 20000))
   while ss -Hlun "sport = :$port" | grep -q .; do
@@ -27,8 +26,8 @@ free_udp_port() {
   echo "$port"
 }
 
-# start_trap_receiver PORT FILE: one line for each SNMPv1 trap:
-# "enterprise generic specific time-stamp". Leaves its process id in trap_receiver.
+# start_trap_receiver PORT FILE: writes a line to FILE for each SNMPv1 trap:
+# "enterprise generic specific time-stamp". Sets trap_receiver to the process id.
 start_trap_receiver() {
   printf 'disableAuthorization yes\nformat1 %s\nformat2 %s\n' \
     '%N %w %q %T\n' 'notification %V, %v\n' >"$work/snmptrapd.conf"
@@ -38,8 +37,8 @@ start_trap_receiver() {
   trap_receiver=$!
 }
 
-# ask TOOL VERSION ARGUMENT...: one question to the agent at $address. On one
-# line the names and values, and then the error's name if there is one.
+# ask TOOL VERSION ARGUMENT...: sends one request to the agent at $address. Prints names
+# and values on one line, and the name of an error after them.
 ask() {
   local tool=$1 version=$2
   shift 2
@@ -48,7 +47,7 @@ ask() {
     cat "$work/answer" - | paste -sd'|'
 }
 
-# stop_process ID: ends it and waits for it; its exit status is the result.
+# stop_process ID: ends the process, waits for it and returns its exit status.
 stop_process() {
   kill "$1" 2>/dev/null || true
   wait "$1"

@@ -1,4 +1,4 @@
-# Memory, handles and threads of a soak over time. Wants: table, plot_file, what.
+# Plots memory, handles and threads of a soak over time. Needs: table, plot_file, what.
 set terminal pngcairo size 1000,700
 set output plot_file
 set multiplot layout 2,1 title 'Soak: '.what

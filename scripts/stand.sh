@@ -1,19 +1,18 @@
-# The whole road of data, standing: corvane-sim as the Corvane server,
-# snmphost with the agent's module, snmptrapd as the receiver of traps. Every
-# process is known by its id and ended by it; each is started in a session of
-# its own, so that Ctrl-C reaches the script alone. To be sourced after
-# console.sh.
+# The stand: corvane-sim as the Corvane server, snmphost with the agent's module, and
+# snmptrapd as the receiver of traps. The stand ends each process by its id. Each
+# process has a session of its own, so that Ctrl-C reaches only the script. To be sourced
+# after console.sh.
 #
-# Needs: top (the repository), kind (native or wine), work (a folder to be
-# filled), snmp_port and trap_port.
+# Needs: top (the repository), kind (native or wine), work (a folder for its files),
+# snmp_port and trap_port.
 
 source "$top/scripts/wine.sh"
 source "$top/scripts/snmp.sh"
 
 release=$top/build/release
-link_port=16969  # the agent's own, fixed
+link_port=16969  # the agent's fixed port
 address=127.0.0.1:$snmp_port
-simulator= host= trap_receiver=
+simulator='' host='' trap_receiver=''
 simulator_said=$work/simulator.out
 traps=$work/traps
 host_said=$work/host.out
@@ -30,7 +29,7 @@ else
 fi
 log_folder="$data_folder/Veltrin Systems/Corvane/SNMP/Logs"
 
-# Fails, saying which, when a port that the stand needs is taken.
+# Ends the command if another program uses a port of the stand.
 check_ports() {
   if ss -Hltn "sport = :$link_port" | grep -q .; then
     fail "TCP port $link_port is in use: a Corvane server or another run is there"
@@ -43,12 +42,12 @@ check_ports() {
   done
 }
 
-# Fails when a process that was just started does not stay.
+# stays ID NAME OUTPUT: ends the command if the process has ended already.
 stays() {
   kill -0 "$1" 2>/dev/null || fail "$2 did not start: $(tail -n 3 "$3")"
 }
 
-# await COMMAND...: until the command succeeds, a minute at most; its status.
+# await COMMAND...: repeats the command until it succeeds. Fails after a minute.
 await() {
   local deadline=$((SECONDS + 60))
   until "$@" >/dev/null 2>&1; do
@@ -67,7 +66,7 @@ start_simulator() {
   stays "$simulator" corvane-sim "$simulator_said"
 }
 
-# tell COMMAND...: one command for the simulator.
+# tell COMMAND...: sends one command to the simulator.
 tell() {
   echo "$*" >&"$simulator_input"
 }
@@ -79,7 +78,7 @@ start_trap_receiver_here() {
 }
 trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
 
-# start_host [OPTION...]: the log of an earlier run is thrown away first.
+# start_host [OPTION...]: removes the log of an earlier run and starts snmphost.
 start_host() {
   rm -rf "$log_folder"
   mkdir -p "$data_folder"
@@ -94,7 +93,7 @@ host_is_up() { grep -q '^Serving' "$host_said" || ! kill -0 "$host"; }
 
 now_ms() { date +%s%3N; }
 
-# Asks the host to end; its exit status.
+# Ends the host and returns its exit status.
 stop_host() {
   local status=0 ended=$host
   host=
@@ -107,15 +106,16 @@ stop_stand() {
   for process in "$host" "$simulator" "$trap_receiver"; do
     [[ -z "$process" ]] || stop_process "$process" || true
   done
-  host= simulator= trap_receiver=
+  host='' simulator='' trap_receiver=''
 }
 
-# What the build knows: the prefix, and the names of variables and traps from
-# the agent's own tables.
+# Values from the build: the prefix, and the names of variables and traps from the
+# agent's own tables.
 declare -A variable_oid variable_name trap_name
 variables=()
 load_names() {
   local kind number name
+  # shellcheck source=/dev/null
   source "$release/generated/build-settings.sh"
   prefix=$CORVANE_PREFIX
   while read -r kind number name; do
@@ -130,12 +130,12 @@ load_names() {
   write_mib "$release/mib-module"
 }
 
-# read_variable NAME: its value alone.
+# read_variable NAME: prints its value.
 read_variable() {
   snmpget -v2c -c public -t 5 -r 2 -Oqv "$address" "${variable_oid[$1]}"
 }
 
-# All their values on one line.
+# Prints the values of all variables on one line.
 variable_values() {
   local name values=()
   for name in "${variables[@]}"; do
@@ -144,18 +144,18 @@ variable_values() {
   (IFS='|' && echo "${values[*]}")
 }
 
-# All variables as a manager with the MIB walks them.
+# Prints the walk of a manager that has the MIB.
 print_walk() {
   snmpwalk "${through_mib[@]}" -v1 -c public -t 5 -r 2 "$address" "$mib_name::corvane" |
     grep -v '^End of MIB'
 }
 
-# The traps that have arrived: "enterprise generic .specific time-stamp" a line.
+# Prints a line for each trap: "enterprise generic .specific time-stamp".
 received_traps() {
   grep "^\.$prefix " "$traps" || true
 }
 
-# trap_names [SKIP]: the names of the traps that have arrived, on one line.
+# trap_names [SKIP]: prints the names of the traps on one line, without the first SKIP.
 trap_names() {
   local enterprise generic specific stamp names=()
   while read -r enterprise generic specific stamp; do
@@ -164,12 +164,12 @@ trap_names() {
   echo "${names[*]:${1-0}}"
 }
 
-# What the simulated server was told of traps.
+# Prints the reports of traps that the simulated server received.
 reported_traps() {
   grep '^received SNMPtrap ' "$simulator_said" || true
 }
 
-# time_stamps_are_plausible STAMPS: rising, and no later than now.
+# time_stamps_are_plausible STAMPS: prints yes if they ascend and none is in the future.
 time_stamps_are_plausible() {
   local stamp last=0 highest=$(($(now_ms) - host_started_ms))
   for stamp in $1; do
@@ -182,8 +182,8 @@ time_stamps_are_plausible() {
   echo yes
 }
 
-# print_traps FROM: those from that line on, as a manager with the MIB names
-# them: an SNMPv1 trap's name is its enterprise, 0 and its specific number.
+# print_traps FROM: prints the traps from this line on, with the names of the MIB. The
+# name of an SNMPv1 trap is its enterprise, 0 and its specific number.
 print_traps() {
   local enterprise generic specific stamp
   received_traps | tail -n "+$1" | while read -r enterprise generic specific stamp; do
@@ -193,12 +193,12 @@ print_traps() {
 }
 name_of() { snmptranslate "${through_mib[@]}" "$1"; }
 
-# log_count LINE: how often the log holds this line.
+# log_count LINE: prints how many times the log contains this line.
 log_count() {
   log_lines | grep -cxF -- "$1" || true
 }
 
-# The agent's log, without its time stamps and line ends.
+# Prints the agent's log without time stamps and carriage returns.
 log_lines() {
   cat "$log_folder"/Log*.log | tr -d '\r' | sed -E 's/^[0-9:.]{12}: //'
 }

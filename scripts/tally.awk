@@ -1,9 +1,9 @@
-# Reads the output of `ctest -V` (or, with -v single=NAME -v status=N, that of
-# one program) and prints "PASSED FAILED", then one line for each program that
-# did not end well. Counts the cases inside the programs: GoogleTest's closing
-# lines, and the "N passed, N failed" of a script. A program that fails without
-# saying so in its closing line (a crash, a time-out, a sanitizer's report), or
-# that has no closing line, counts as one failed case.
+# Reads the output of `ctest -V` (with -v single=NAME -v status=N: the output of one
+# program). Prints "PASSED FAILED", then one line for each program that failed. It counts
+# the cases inside the programs: the closing lines of GoogleTest, and "N passed, N failed"
+# of a script. A program without a closing line is one failed case, and so is a program
+# that fails although its closing line names no failure (a crash, a timeout, a
+# sanitizer's report).
 
 { sub(/\r$/, "") }
 
@@ -23,7 +23,7 @@ function note(id, text) {
 function numberAfter(text, prefix) { return substr(text, length(prefix) + 1) + 0 }
 
 function close_program(id, name, good, how) {
-  if (checkOnly[id]) {  # a script of CMake's own says it all with its exit status
+  if (checkOnly[id]) {  # a CMake script has only its exit status
     closed[id] = 1
     if (good) passed[id] = 1
   }

@@ -1,10 +1,10 @@
-# Adds up test cases over all programs and steps. To be sourced after console.sh.
+# Counts the test cases of all programs and steps. To be sourced after console.sh.
 
 total_passed=0
 total_failed=0
 complaints=()
 
-# add_tally: takes the lines of tally.awk from standard input.
+# add_tally STEP: reads the lines of tally.awk from standard input.
 add_tally() {
   local passed failed line
   read -r passed failed
@@ -17,14 +17,14 @@ add_tally() {
   done
 }
 
-# A step that could not even be built or prepared: one failed case.
+# add_failure TEXT: counts one failed case, for a step that cannot be built or prepared.
 add_failure() {
   total_failed=$((total_failed + 1))
   complaints+=("$1")
 }
 
-# run_ctest STEP BUILD-FOLDER CTEST-ARGUMENTS...: runs the programs that ctest
-# knows of, shows each one's verdict as it ends, and adds their cases.
+# run_ctest STEP BUILD-FOLDER CTEST-ARGUMENTS...: runs the programs of ctest, prints the
+# result of each one, and adds their cases.
 run_ctest() {
   local step=$1 folder=$2 log="$top/build/logs/$1.log"
   shift 2
@@ -41,8 +41,8 @@ fail_step() {
   add_failure "$1: $2"
 }
 
-# run_program STEP COMMAND...: one program or script that closes with a line of
-# its own; its output is shown as it comes.
+# run_program STEP COMMAND...: runs one program that ends with a line "N passed, N failed",
+# prints its output, and adds its cases.
 run_program() {
   local step=$1 log="$top/build/logs/$1.log" status=0
   shift
@@ -52,7 +52,7 @@ run_program() {
   add_tally "$step" < <(awk -v single="$step" -v status="$status" -f "$top/scripts/tally.awk" "$log")
 }
 
-# close_tally: the last line of all; status 1 if anything failed.
+# close_tally: prints the last line; status 1 if anything failed.
 close_tally() {
   local line
   for line in "${complaints[@]}"; do

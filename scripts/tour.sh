@@ -1,7 +1,7 @@
-# The tour through a standing agent: what is asked, what must come. Every answer
-# is compared whole. To be sourced after stand.sh and cases.sh.
+# The tour through the stand: requests to the agent, and the answers that must come. It
+# compares each answer as a whole. To be sourced after stand.sh and cases.sh.
 
-# show TITLE: a heading between the answers.
+# show TITLE: prints a heading.
 show() {
   printf '\n--- %s\n' "$*"
 }
@@ -24,7 +24,7 @@ await_first_update() {
   say "First update received after $waited s"
 }
 
-# One line that counts on a terminal, one line in five seconds elsewhere.
+# On a terminal it prints one line that counts, elsewhere a line every five seconds.
 show_waiting() {
   if [[ -t 1 ]]; then
     printf '\r         waiting %2d s ' "$1"
@@ -47,8 +47,8 @@ walk_text() {
     "AudioSourcesCount = INTEGER: $6" "AudioSourcesErrors = INTEGER: $7" "AudioSourcesSilence = INTEGER: $8"
 }
 
-# change VARIABLE VALUE GROUP TRAP: sets a value at the server, which sends the
-# group; the variable must follow and the trap arrive.
+# change VARIABLE VALUE GROUP TRAP: sets a value at the server, which sends the group.
+# The variable must get the value, and the trap must arrive.
 change() {
   local variable=$1 value=$2 group=$3 wanted=$4 before
   before=$(received_traps | wc -l)
@@ -59,18 +59,18 @@ change() {
   expect_next_trap "$before" "$wanted"
 }
 
-# expect_next_trap BEFORE NAME: the one trap that came after so many.
+# expect_next_trap BEFORE NAME: exactly one trap arrives after the first BEFORE traps.
 expect_next_trap() {
   local printed
   expect_eventually "trap $2" "$2" trap_names "$1"
   printed=$(print_traps "$(($1 + 1))")
   expect "trap $2 has a name in the MIB" "${printed%%,*}" "$mib_name::corvane$2"
-  sed 's/^/  trap: /' <<<"$printed"
+  echo "  trap: ${printed//$'\n'/$'\n  trap: '}"
 }
 
 tour() {
   await_first_update || return 0
-  # 15000 comes first: the trap cannot be earlier, in milliseconds.
+  # The list starts with 15000 ms, because the first trap cannot be earlier.
   expect 'the time stamp is in milliseconds' \
     "$(time_stamps_are_plausible "15000 $(received_traps | awk '{print $4}')")" yes
 
@@ -102,27 +102,27 @@ tour() {
   echo "$answer"
   expect 'a Set is refused' "$answer" 'notWritable (That object does not support modification)'
 
-  show "The server sends what the agent does not subscribe to"
-  # The first two would not decode, and would say so.
+  show "The server sends messages to which the agent does not subscribe"
+  # The agent could not decode the first two, and would log an error if it tried.
   tell message GlobalOptions '{"adminpass": 5}'
   tell message SNMPsequence '{}'
   tell message ProcessList '{"processes": {"encoder": {}, "monitor": {}}}'
 
-  show "The server drops the connection; the agent comes back by itself"
+  show "The server drops the connection; the agent connects again"
   local before
   before=$(received_traps | wc -l)
   tell drop
   expect_next_trap "$before" TrapSoftwareLinkDown
   expect_next_trap $((before + 1)) TrapSoftwareLinkUp
 
-  # All that was sent before the drop has been read by now.
-  expect 'what nobody subscribes to is skipped without decoding' \
+  # The agent has read all that the server sent before the drop.
+  expect 'a message without a subscriber is skipped without decoding' \
     "$(cat "$log_folder"/Log*.log | grep -c 'Error: ')" 0
 
   show "The variables now"
   check_walk "$(walk_text 'up(0)' 'Corvane Main' 2.1 24 0 8 0 0)"
 
-  show "The end of the agent's log without the requests; it lies in $log_folder"
+  show "The end of the agent's log in $log_folder, without the requests"
   cat "$log_folder"/Log*.log | grep -vE ': (GetRequest|GetNextRequest|GetStoredVar)' | tail -n 12
   check_log
 }

@@ -1,11 +1,10 @@
-# A private Wine prefix, and one Wine process that is kept alive: the first
-# program to start in a prefix waits seconds for Wine's services, the ones
-# beside it start at once. To be sourced after console.sh.
+# A private Wine prefix, and one Wine process that keeps Wine's services running. Without
+# it each program waits seconds for them. To be sourced after console.sh.
 
 export WINEPREFIX=${CORVANE_WINEPREFIX:-$top/build/wine-prefix}
 export WINEDEBUG=-all
 export WINEARCH=win64
-# No crash dialogue, no offers to install Mono and Gecko.
+# No crash dialogue, and no requests to install Mono and Gecko.
 export WINEDLLOVERRIDES='winedbg.exe=d;mscoree=d;mshtml=d'
 
 wine_holder=
@@ -17,8 +16,8 @@ create_wine_prefix() {
   touch "$WINEPREFIX/.prepared"
 }
 
-# One at a time: tests that run side by side may each be the first to need it. The
-# lock is kept from Wine's own processes, which outlive this.
+# Tests that run at the same time may all need the prefix first, so a lock admits one at a
+# time. Wine's own processes, which run on, must not inherit the lock.
 prepare_wine_prefix() {
   mkdir -p "$(dirname "$WINEPREFIX")"
   (
@@ -27,15 +26,15 @@ prepare_wine_prefix() {
   ) 9>"$WINEPREFIX.lock"
 }
 
-# Ended by stop_wine_holder. Wine's services run when this returns, and none of them
-# has an output of the caller's: they live on, and whoever read it would wait for
-# its end.
+# Starts the process that stop_wine_holder ends. Wine's services run when this returns.
+# They must not inherit an output of the caller: they run on, and a reader of that output
+# would wait for its end.
 start_wine_holder() {
   local pipe="$WINEPREFIX/holder.pipe"
   rm -f "$pipe"
   mkfifo "$pipe"
-  # The pipe's writing end stays open with the Wine process itself, so that
-  # the command interpreter waits for a line that never comes.
+  # The Wine process itself holds the writing end of the pipe open, so the command
+  # interpreter waits for a line that never comes.
   wine cmd.exe <>"$pipe" >/dev/null 2>&1 &
   wine_holder=$!
   wine cmd.exe /c exit </dev/null >/dev/null 2>&1

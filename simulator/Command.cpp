@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/Session.h"
 #include "simulator/Text.h"
 
@@ -18,8 +18,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Bytes that are to be sent, made when their turn has come: values may have
-// changed since the line was read.
+// Makes the bytes to send when the command runs, because values may change after
+// the line was read.
 using Bytes = std::function<std::string(const CorvaneServer& server)>;
 
 constexpr std::uint32_t kAwaitMs = 30'000;
@@ -33,7 +33,7 @@ bool Fail(std::string& error, std::string text) {
   return false;
 }
 
-// ---- what is sent
+// ---- sending
 
 bool ParseGroup(std::string_view rest, Bytes& bytes, std::string& error) {
   for (const Group group : kGroups) {
@@ -49,9 +49,9 @@ bool ParseGroup(std::string_view rest, Bytes& bytes, std::string& error) {
     bytes = [](const CorvaneServer& server) { return server.FramesOfUpdate(); };
     return true;
   }
-  return Fail(error, "no group is called " + InQuotes(rest) +
-                         "; there are Product Streams StreamMonitors AudioSources, Finished and "
-                         "Update (all of them)");
+  return Fail(error, "unknown group " + InQuotes(rest) +
+                         "; the groups are Product Streams StreamMonitors AudioSources, Finished "
+                         "and Update (all of them)");
 }
 
 bool ParseMessage(std::string_view rest, Bytes& bytes, std::string& error) {
@@ -127,7 +127,7 @@ Command SplitCommand(Positions positions, Bytes bytes) {
       return Fail(error, "position " + std::to_string(positions.back()) +
                              " does not lie within the " + std::to_string(text.size()) + " bytes");
     }
-    // Every position at once would take its time with the usual pause.
+    // With the usual pause, cutting at every position would take too long.
     const bool everywhere = positions.empty();
     const Positions& cuts = everywhere ? EveryPosition(text.size()) : positions;
     const bool done =
@@ -140,7 +140,7 @@ bool ParseSending(std::string_view line, Bytes& bytes, std::string& error);
 
 bool ParseSplit(std::string_view rest, Command& command, std::string& error) {
   const std::string_view where = TakeWord(rest);
-  Positions positions;  // none: everywhere
+  Positions positions;  // empty: everywhere
   Bytes bytes;
   if (where != "*" && !ParsePositions(where, positions, error)) return false;
   if (!ParseSending(rest, bytes, error)) return false;
@@ -155,8 +155,8 @@ std::string_view WithoutQuotes(std::string_view text) {
   return quoted ? text.substr(1, text.size() - 2) : text;
 }
 
-// Tried on a set of its own first: a line that cannot be done is refused before
-// anything runs.
+// Tries the value on a separate set first, so that a bad line is refused before
+// any command runs.
 bool ParseSet(std::string_view rest, Command& command, std::string& error) {
   const std::string name(TakeWord(rest));
   std::string text;
@@ -256,7 +256,7 @@ bool ParseAwait(std::string_view rest, Command& command, std::string& error) {
       came = session.AwaitMessage(what, patience);
     }
     return came ||
-           Fail(fault, "waited " + std::to_string(patience.count()) + " ms in vain for " + what);
+           Fail(fault, what + " did not come within " + std::to_string(patience.count()) + " ms");
   };
   return true;
 }
@@ -282,8 +282,9 @@ bool ParseQuit(std::string_view, Command& command, std::string&) {
 struct Verb {
   const char* name;
   const char* arguments;
-  const char* help;  // line feeds continue it
-  // Exactly one of the two is set: a command that sends can be split.
+  const char* help;  // may hold line feeds
+  // Exactly one of the two is set. A command that sends sets the second one and
+  // can be split.
   bool (*parse)(std::string_view rest, Command& command, std::string& error);
   bool (*parseBytes)(std::string_view rest, Bytes& bytes, std::string& error);
 };
@@ -291,33 +292,32 @@ struct Verb {
 constexpr std::array kVerbs{
     Verb{"set", "NAME VALUE",
          "set a value; a text may stand in quotes and hold the escapes of `raw`\n"
-         "(limits of the agent are not checked: it can be sent what it must refuse)",
+         "(the agent's limits are not checked, so you can send values that it refuses)",
          ParseSet, nullptr},
     Verb{"show", "", "print all values", ParseShow, nullptr},
     Verb{"send", "GROUP",
-         "send one group as it stands: Product, Streams, StreamMonitors,\n"
+         "send one group with its present values: Product, Streams, StreamMonitors,\n"
          "AudioSources, Finished, or Update for all of them",
          nullptr, ParseGroup},
-    Verb{"message", "NAME [JSON]", "send any message, with a body of {} or the given one", nullptr,
+    Verb{"message", "NAME [JSON]", "send any message, with the body JSON or {}", nullptr,
          ParseMessage},
-    Verb{"frame", "TEXT", "send a text as a frame, whatever it is; escapes as in `raw`", nullptr,
-         ParseFrame},
-    Verb{"raw", "BYTES", "send bytes; \\n \\r \\t \\0 \\\\ and \\xHH stand for single bytes",
-         nullptr, ParseRaw},
+    Verb{"frame", "TEXT", "send any text as a frame; escapes as in `raw`", nullptr, ParseFrame},
+    Verb{"raw", "BYTES", "send bytes; \\n \\r \\t \\0 \\\\ and \\xHH are single bytes", nullptr,
+         ParseRaw},
     Verb{"split", "POSITIONS COMMAND",
-         "send what a sending command (the four above) sends, in pieces: cut\n"
-         "after byte 3 and byte 7 for 3,7, after every byte for *",
+         "run one of the four commands above, but send its bytes in pieces: 3,7 cuts\n"
+         "after byte 3 and byte 7, * cuts after every byte",
          ParseSplit, nullptr},
     Verb{"drop", "", "end the connection in order", ParseDrop, nullptr},
-    Verb{"refuse", "MS", "refuse connections for so long; the present one is kept", ParseRefuse,
+    Verb{"refuse", "MS", "refuse connections for MS milliseconds; the present one stays",
+         ParseRefuse, nullptr},
+    Verb{"answer", "on|off", "answer SNMPupdate with all groups (at start: on)", ParseAnswer,
          nullptr},
-    Verb{"answer", "on|off", "answer SNMPupdate with all groups (at first: on)", ParseAnswer,
-         nullptr},
-    Verb{"read", "on|off", "read what the agent sends (at first: on)", ParseRead, nullptr},
-    Verb{"wait", "MS", "do nothing for so long", ParseWait, nullptr},
+    Verb{"read", "on|off", "read what the agent sends (at start: on)", ParseRead, nullptr},
+    Verb{"wait", "MS", "do nothing for MS milliseconds", ParseWait, nullptr},
     Verb{"await", "WHAT [MS]",
-         "wait, 30000 ms if not told, for `connected`, `disconnected`, or the next\n"
-         "message of the name WHAT; fails when it does not come",
+         "wait for `connected`, `disconnected`, or the next message with the name\n"
+         "WHAT; fails after MS milliseconds (default: 30000)",
          ParseAwait, nullptr},
     Verb{"help", "", "print this list", ParseHelp, nullptr},
     Verb{"quit", "", "end the program", ParseQuit, nullptr},
@@ -351,10 +351,10 @@ bool ParseCommand(std::string_view line, Command& command, std::string& error) {
   }
   const Verb* const verb = FindVerb(name);
   if (verb == nullptr) {
-    return Fail(error, "no command is called " + InQuotes(name) + "; `help` shows them");
+    return Fail(error, "unknown command " + InQuotes(name) + "; `help` lists the commands");
   }
   if (*verb->arguments == '\0' && !rest.empty()) {
-    return Fail(error, std::string(verb->name) + " takes nothing, not " + InQuotes(rest));
+    return Fail(error, std::string(verb->name) + " takes no argument, not " + InQuotes(rest));
   }
   if (verb->parse != nullptr) return verb->parse(rest, command, error);
   Bytes bytes;

@@ -6,10 +6,6 @@ namespace Simulator {
 
 using Vask::Platform::SystemSockets;
 
-Connection::~Connection() {
-  SystemSockets().Close(m_handle);
-}
-
 bool Connection::Send(std::string_view bytes) {
   const std::lock_guard lock(m_sendLock);
   return SendLocked(bytes);
@@ -27,7 +23,7 @@ bool Connection::SendInPieces(const std::vector<std::string_view>& pieces,
 
 bool Connection::SendLocked(std::string_view bytes) {
   while (!bytes.empty()) {
-    const int sent = SystemSockets().Send(m_handle, bytes.data(), bytes.size());
+    const int sent = SystemSockets().Send(m_socket.Get(), bytes.data(), bytes.size());
     if (sent <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(sent));
   }
@@ -35,15 +31,15 @@ bool Connection::SendLocked(std::string_view bytes) {
 }
 
 Vask::Platform::Readiness Connection::WaitReadable(std::uint32_t timeoutMs) {
-  return SystemSockets().WaitReadable(m_handle, timeoutMs);
+  return SystemSockets().WaitReadable(m_socket.Get(), timeoutMs);
 }
 
 int Connection::Receive(char* bytes, std::size_t capacity) {
-  return SystemSockets().Receive(m_handle, bytes, capacity);
+  return SystemSockets().Receive(m_socket.Get(), bytes, capacity);
 }
 
 void Connection::Shutdown() {
-  SystemSockets().Shutdown(m_handle);
+  SystemSockets().Shutdown(m_socket.Get());
 }
 
 }  // namespace Simulator

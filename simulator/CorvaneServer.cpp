@@ -2,7 +2,12 @@
 
 #include <utility>
 
-#include "net/FrameWriter.h"
+#include "json/Json.h"
+#include "json/JsonObject.h"
+#include "json/JsonParser.h"
+#include "json/JsonRef.h"
+#include "json/JsonString.h"
+#include "net/Framing.h"
 #include "simulator/Text.h"
 
 namespace Simulator {
@@ -11,7 +16,7 @@ using Vask::Platform::Readiness;
 
 namespace {
 
-// How long the server thread waits in one place before it looks round.
+// The longest time that the server thread waits in one call.
 constexpr std::uint32_t kSliceMs = 20;
 
 const char* EndLine(End end) {
@@ -25,10 +30,32 @@ const char* EndLine(End end) {
     case End::NoFrame:
       break;
   }
-  return "disconnected: what came was no frame";
+  return "disconnected: the agent sent no valid frame";
 }
 
 }  // namespace
+
+std::string WriteEnvelope(std::string_view name, std::string_view data) {
+  return "{\"data\":" + std::string(data) +
+         ",\"from\":\"Corvane\",\"id\":0,\"name\":" + Quoted(name) + ",\"op\":\"broadcast\"}";
+}
+
+Message ReadEnvelope(const std::string& text) {
+  Message noEnvelope{"", text};
+  Vask::ParseResult result;
+  const Vask::JsonRef<Vask::Json> root(Vask::Parse(result, text.c_str()));
+  if (!root || root->Type() != Vask::JsonType::Object) return noEnvelope;
+  const auto& envelope = static_cast<const Vask::JsonObject&>(*root);
+  const Vask::Json* const name = envelope.Find("name");
+  const Vask::Json* const data = envelope.Find("data");
+  if (name == nullptr || name->Type() != Vask::JsonType::String || data == nullptr) {
+    return noEnvelope;
+  }
+  Message message;
+  message.name = static_cast<const Vask::JsonString*>(name)->Text();
+  data->Write(message.data);
+  return message;
+}
 
 CorvaneServer::CorvaneServer(ServerOptions options)
     : m_options(std::move(options)), m_answering(m_options.answerUpdates) {
@@ -161,8 +188,8 @@ void CorvaneServer::Run() {
   m_listener.Close();
 }
 
-// Only the server thread touches the listener, which another thread must not
-// close under a wait.
+// Only the server thread uses the listener, because another thread must not close
+// it during a wait.
 void CorvaneServer::FollowRefusal() {
   bool changed = false;
   {
@@ -192,7 +219,8 @@ void CorvaneServer::AcceptOne() {
     m_connection = std::make_shared<Connection>(handle);
     m_dropping = false;
   }
-  // Whoever reads the line may send; whoever waits for the record has read it.
+  // Prints first: a caller that has waited for the record finds the line printed,
+  // and a caller that has read the line may already send.
   Print("connected");
   const std::lock_guard lock(m_lock);
   ++m_record.connections;
@@ -256,7 +284,7 @@ bool CorvaneServer::OnJsonMessageText(const char* text) {
 }
 
 void CorvaneServer::OnError(Vask::Json*, const char* text) {
-  Print("received what is no frame: " + Escaped(text));
+  Print("received an invalid frame: " + Escaped(text));
 }
 
 std::shared_ptr<Connection> CorvaneServer::CurrentConnection() const {

@@ -13,30 +13,43 @@
 #include <thread>
 #include <vector>
 
-#include "Src/IOnError.h"
-#include "net/FrameReader.h"
-#include "net/IOnJsonMessageText.h"
+#include "Src/ErrReporter.h"
+#include "net/Framing.h"
+#include "net/LinkInterfaces.h"
 #include "platform/ListeningSocket.h"
 #include "simulator/Connection.h"
-#include "simulator/Envelope.h"
 #include "simulator/Values.h"
 
 namespace Simulator {
 
+// A message on the link: its name, and its body as JSON.
+struct Message {
+  std::string name;
+  std::string data;
+};
+
+// Returns the text of a message from the Corvane process. `data` is copied into
+// it unchanged.
+[[nodiscard]] std::string WriteEnvelope(std::string_view name, std::string_view data);
+
+// Splits a received text. If the text is no envelope, the name is empty and
+// `data` is the whole text.
+[[nodiscard]] Message ReadEnvelope(const std::string& text);
+
 // How a connection ended.
 enum class End {
   InOrder,  // the agent closed it
-  Reset,    // the agent broke it off
-  Dropped,  // this side closed it, as told
-  NoFrame,  // this side closed it, since what came was no frame
+  Reset,    // the agent reset it
+  Dropped,  // this side closed it on request
+  NoFrame,  // this side closed it because the agent sent no valid frame
 };
 
-// What has happened so far.
+// The events so far.
 struct Record {
-  std::size_t connections = 0;    // accepted
+  std::size_t connections = 0;    // number of accepted ones
   std::vector<End> ends;          // of connections, in order
-  std::vector<Message> messages;  // received, in order, if kept
-  std::string bytes;              // everything received, as it came, if kept
+  std::vector<Message> messages;  // received ones, in order, if kept
+  std::string bytes;              // all received bytes, if kept
   bool Connected() const { return connections > ends.size(); }
 };
 
@@ -44,19 +57,19 @@ struct ServerOptions {
   std::uint16_t port = 0;     // 0: any free one
   bool answerUpdates = true;  // answer SNMPupdate with all groups and the finish
   bool keepBytes = true;      // Record::bytes is filled
-  // Gets every event as a line of its own without a line end, on the thread on
-  // which it happened, one at a time.
+  // Gets each event as a line without a line end, on the thread of the event, one
+  // call at a time.
   std::function<void(const std::string& line)> print;
   bool keepMessages = true;  // Record::messages is filled
 };
 
-// The Corvane process's side of the link: a server on 127.0.0.1 that serves one
-// agent at a time (the next one waits until it is gone), answers requests for an
-// update from its Values, records what it receives, and sends whatever it is
-// told to.
+// The Corvane process's side of the link. This server listens on 127.0.0.1 and
+// serves one agent at a time; the next one waits until the first has gone. It
+// answers update requests from its Values, records what it receives, and sends
+// what its caller passes.
 //
-// Start and Stop are the owner's; everything else may be called from any thread.
-// A thread of its own accepts and reads.
+// Only the owner calls Start and Stop; any thread may call the rest. A thread of
+// the server accepts and reads.
 class CorvaneServer final : private Vask::IOnJsonMessageText, private Vask::IOnError {
  public:
   static constexpr std::chrono::seconds kPatience{60};
@@ -66,44 +79,44 @@ class CorvaneServer final : private Vask::IOnJsonMessageText, private Vask::IOnE
   CorvaneServer(const CorvaneServer&) = delete;
   CorvaneServer& operator=(const CorvaneServer&) = delete;
 
-  // False when the port cannot be had.
+  // False if the port is not available.
   [[nodiscard]] bool Start();
-  // Ends the connection in order and the thread with it.
+  // Ends the connection in order and joins the thread.
   void Stop();
-  // The port that it listens on; after Start.
+  // The port of the server, after Start.
   [[nodiscard]] std::uint16_t Port() const { return m_port; }
 
   // See Values.
   [[nodiscard]] bool Set(std::string_view name, std::string_view text, std::string& error);
   [[nodiscard]] std::vector<std::string> ValueLines() const;
 
-  // The frames that answer a request for an update.
+  // The frames that answer an update request.
   [[nodiscard]] std::string FrameOfGroup(Group group) const;
   [[nodiscard]] static std::string FrameOfFinish();
   [[nodiscard]] std::string FramesOfUpdate() const;
   [[nodiscard]] static std::string FrameOfMessage(std::string_view name, std::string_view data);
 
-  // Sends bytes as they are. False without a connection, or when it ends
-  // meanwhile. Blocks while the agent does not read.
+  // Sends bytes unchanged. False if there is no connection or it ends meanwhile.
+  // Blocks while the agent does not read.
   bool Send(std::string_view bytes);
-  // Cuts the bytes at the given positions, counted from their start, and pauses
-  // at each cut. Positions ascend and lie within the bytes.
+  // Sends the bytes in pieces, with a pause at each position. Positions count from
+  // the start, ascend and lie within the bytes.
   bool SendSplit(std::string_view bytes, const std::vector<std::size_t>& positions,
                  std::chrono::milliseconds pause = std::chrono::milliseconds{20});
 
-  // Ends the connection in order; false when there is none. The agent is gone
-  // from the record when this returns.
+  // Ends the connection in order; false if there is none. The record shows the
+  // end when this returns.
   bool Drop();
-  // Refuses connections for that long; the one that stands is kept. Refusing has
-  // begun when this returns.
+  // Refuses new connections for that time; the present one stays. The server
+  // refuses already when this returns.
   void RefuseFor(std::chrono::milliseconds time);
   void SetAnswering(bool on) { m_answering = on; }
-  // Off: what the agent sends stays in the system's buffers.
+  // If off, the bytes that the agent sends stay in the system's buffers.
   void SetReading(bool on) { m_reading = on; }
 
   [[nodiscard]] Record GetRecord() const;
-  // Waits until the record is as `wanted` asks, at most that long. `wanted` is
-  // called with the server locked and must only look.
+  // Waits until `wanted` returns true, or for `patience`. The server holds its
+  // lock while it calls `wanted`, which must only read the record.
   [[nodiscard]] bool WaitFor(const std::function<bool(const Record&)>& wanted,
                              std::chrono::milliseconds patience = kPatience) const;
   [[nodiscard]] bool WaitForConnections(std::size_t count) const;
@@ -134,11 +147,11 @@ class CorvaneServer final : private Vask::IOnJsonMessageText, private Vask::IOnE
   std::atomic<bool> m_dropping{false};
   std::mutex m_printLock;
 
-  // The server thread's own.
+  // Only the server thread uses these.
   Vask::Platform::ListeningSocket m_listener;
   Vask::FrameReader m_reader;
 
-  // Everything below belongs to m_lock; m_changed tells of each change.
+  // m_lock guards everything below; m_changed reports each change.
   mutable std::mutex m_lock;
   mutable std::condition_variable m_changed;
   Values m_values;

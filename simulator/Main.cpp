@@ -5,16 +5,15 @@
 #include <string>
 #include <vector>
 
-#include "platform/StandardInput.h"
+#include "platform/Files.h"
+#include "simulator/Console.h"
 #include "simulator/Program.h"
-#include "simulator/StandardInputLines.h"
-#include "simulator/StopSignal.h"
 
 namespace {
 
 void PrintTo(std::FILE* file, const std::string& line) {
-  (void)std::fputs((line + '\n').c_str(), file);
-  (void)std::fflush(file);
+  static_cast<void>(std::fputs((line + '\n').c_str(), file));
+  static_cast<void>(std::fflush(file));
 }
 
 int Serve(const Simulator::ProgramOptions& options) {
@@ -39,12 +38,12 @@ int main(int count, char** arguments) {
     return 2;
   }
   if (options.help || options.version) {
-    (void)std::fputs((options.help ? Simulator::HelpText() : Simulator::VersionText()).c_str(),
-                     stdout);
+    const std::string text = options.help ? Simulator::HelpText() : Simulator::VersionText();
+    static_cast<void>(std::fputs(text.c_str(), stdout));
     return 0;
   }
   const int status = Serve(options);
-  // Standard input's thread may still wait in a read: nothing that it uses may
-  // be destroyed.
+  // The thread of standard input may still wait in a read, so nothing that it
+  // uses may be destroyed.
   std::_Exit(status);
 }

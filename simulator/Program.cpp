@@ -4,15 +4,26 @@
 #include <cstddef>
 #include <fstream>
 #include <utility>
-#include <vector>
 
+#include "BuildSettings.h"
 #include "simulator/Command.h"
 #include "simulator/CorvaneServer.h"
 #include "simulator/Session.h"
+#include "simulator/Text.h"
 
 namespace Simulator {
 
 namespace {
+
+bool ParsePort(const std::string& text, std::uint16_t& port, std::string& error) {
+  std::uint32_t number = 0;
+  if (!ParseCount(text, number) || number > 0xFFFF) {
+    error = "--port expects a number from 0 to 65535, not \"" + text + '"';
+    return false;
+  }
+  port = static_cast<std::uint16_t>(number);
+  return true;
+}
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
@@ -20,7 +31,7 @@ constexpr int kNotUnderstood = 2;
 
 constexpr std::chrono::milliseconds kServingSlice{200};
 
-// The lines of a scenario and what each asks for.
+// The commands of a scenario, one for each line.
 struct Scenario {
   std::vector<Command> commands;
 };
@@ -42,7 +53,7 @@ class Program {
     if (!m_options.script.empty() && !Load(scenario)) return kNotUnderstood;
     if (!m_server.Start()) {
       Complain("cannot listen on 127.0.0.1:" + std::to_string(m_options.port) +
-               "; is something else listening there?");
+               " (is another program using it?)");
       return kFailed;
     }
     m_surroundings.print("listening on 127.0.0.1:" + std::to_string(m_server.Port()));
@@ -58,7 +69,7 @@ class Program {
 
   void Complain(const std::string& text) { m_surroundings.printError("corvane-sim: " + text); }
 
-  // Reads all of it before any of it runs, and complains of every bad line.
+  // Reads the whole file before any command runs, and reports every bad line.
   bool Load(Scenario& scenario) {
     std::ifstream file(m_options.script);
     if (!file) {
@@ -103,7 +114,7 @@ class Program {
     }
   }
 
-  // A wait that a stop request cut short is no failure.
+  // A wait that a stop request ended is no failure.
   void Fail(const std::string& text) {
     if (m_session.StopRequested()) return;
     Complain(text);
@@ -118,6 +129,59 @@ class Program {
 };
 
 }  // namespace
+
+bool ParseOptions(const std::vector<std::string>& arguments, ProgramOptions& options,
+                  std::string& error) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& name = arguments[i];
+    if (name == "--help" || name == "-h") {
+      options.help = true;
+    } else if (name == "--version") {
+      options.version = true;
+    } else if (name != "--port" && name != "--script") {
+      error = "unknown option \"" + name + "\"; --help lists the options";
+      return false;
+    } else if (++i == arguments.size()) {
+      error = name + " expects a value";
+      return false;
+    } else if (name == "--script") {
+      options.script = arguments[i];
+    } else if (!ParsePort(arguments[i], options.port, error)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+std::string HelpText() {
+  return "usage: corvane-sim [--port PORT] [--script FILE] [--help] [--version]\n"
+         "\n"
+         "Simulates the Corvane process's side of the SNMP agent's link: listens on\n"
+         "127.0.0.1, answers the agent's update requests, and prints what it receives.\n"
+         "\n"
+         "  --port PORT    listen on this port, 0 for any free port (default: 16969, the\n"
+         "                 agent's port)\n"
+         "  --script FILE  run the commands in FILE first. If FILE holds a bad line, the\n"
+         "                 program runs none of them and ends\n"
+         "  --help         print this text\n"
+         "  --version      print the version\n"
+         "\n"
+         "The program reads commands from FILE, then from standard input, one per line:\n"
+         "\n" +
+         CommandHelp() +
+         "\n\n"
+         "If a line is bad or its command fails, the program reports the line with its\n"
+         "number, changes nothing and reads the next line. The program ends on `quit`, on\n"
+         "SIGINT (Ctrl-C) or SIGTERM, and at the end of input that is typed at a terminal.\n"
+         "When other input ends (a pipe, a file, /dev/null), the program continues to serve.\n"
+         "\n"
+         "Exit status: 0 on success; 1 if a command failed or the port is not available; 2 if\n"
+         "the command line or FILE has an error.\n";
+}
+
+std::string VersionText() {
+  return "corvane-sim " CORVANE_VERSION_TEXT "\n";
+}
 
 int RunProgram(const ProgramOptions& options, ProgramSurroundings surroundings) {
   return Program(options, std::move(surroundings)).Run();

@@ -11,7 +11,7 @@ namespace Simulator {
 
 namespace {
 
-// How soon a stop request is noticed.
+// The longest time until a wait notices a stop request.
 constexpr std::chrono::milliseconds kSlice{50};
 
 }  // namespace

@@ -12,7 +12,7 @@
 
 namespace Simulator {
 
-// The state that commands share, and the waits that a stop request ends. One
+// The state that commands share, and the waits that a stop request ends. For one
 // thread.
 class Session {
  public:
@@ -27,18 +27,18 @@ class Session {
   void Print(const std::string& line) { m_surroundings.print(line); }
   bool StopRequested() const { return m_surroundings.stopRequested(); }
 
-  // Told to end by `quit`.
+  // The command `quit` calls Quit.
   void Quit() { m_quit = true; }
   bool HasQuit() const { return m_quit; }
 
-  // Understands a line and does it. On failure `error` says why, as a phrase.
+  // Parses a line and runs it. On failure `error` is a phrase with the reason.
   [[nodiscard]] bool Execute(std::string_view line, std::string& error);
 
-  // Each ends early when a stop is requested. The answer of the Await functions
-  // is whether it came to pass.
+  // A stop request ends each of these early. The Await functions return false if
+  // the event did not come.
   void Wait(std::chrono::milliseconds time);
   [[nodiscard]] bool AwaitConnected(bool connected, std::chrono::milliseconds patience);
-  // The next message of that name, after the one that was awaited last.
+  // Waits for the next message of that name after the last awaited one.
   [[nodiscard]] bool AwaitMessage(std::string_view name, std::chrono::milliseconds patience);
 
  private:
@@ -47,7 +47,7 @@ class Session {
   CorvaneServer& m_server;
   Surroundings m_surroundings;
   bool m_quit = false;
-  std::size_t m_nextMessage = 0;  // the first that no await has passed yet
+  std::size_t m_nextMessage = 0;  // the first one after the last awaited one
 };
 
 }  // namespace Simulator

@@ -33,8 +33,8 @@ Vask::JsonRef<Vask::Json> Parsed(const std::string& text) {
   return Vask::JsonRef<Vask::Json>(Vask::Parse(result, text.c_str()));
 }
 
-// The letter after a backslash, and for 'x' the two digits behind it, which are
-// taken off `rest`. False for anything else.
+// Reads the letter after a backslash and, for 'x', two digits, which it removes
+// from `rest`. False for anything else.
 bool UnescapeOne(char letter, std::string_view& rest, char& byte) {
   constexpr std::string_view kLetters = "nrt0\\";
   constexpr std::string_view kBytes("\n\r\t\0\\", 5);
@@ -102,9 +102,9 @@ std::string Quoted(std::string_view text) {
   return out + '"';
 }
 
-// The parser ignores what follows the first value. Within an array nothing is
-// ignored: [text] must hold one element, and [text,@] must fail, which it does
-// not when the text itself closes the array.
+// The parser ignores everything after the first value, but nothing within an
+// array. So [text] must hold one element. [text,@] must fail; it does not fail if
+// the text itself closes the array.
 bool IsOneJsonValue(const std::string& text) {
   const auto array = Parsed('[' + text + ']');
   if (!array || static_cast<const Vask::JsonArray&>(*array).Count() != 1) return false;

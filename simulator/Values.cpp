@@ -70,7 +70,7 @@ bool Values::Set(std::string_view name, std::string_view text, std::string& erro
     m_texts[i] = text;
     return true;
   }
-  error = "no value is called \"" + std::string(name) + "\"; there are " + Names();
+  error = "unknown value \"" + std::string(name) + "\"; the values are " + Names();
   return false;
 }
 

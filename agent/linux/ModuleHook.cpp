@@ -1,10 +1,9 @@
-// What the dynamic loader calls when the module goes: the agent is stopped
-// here. See Lifecycle for what may be waited for.
+// The dynamic loader calls this when it unloads the module; AgentProcess.h says
+// what the stop of the agent may wait for.
 //
-// A destructor function runs both when the module is unloaded and when the
-// process ends. Exit handlers tell the two apart: those that the module has
-// registered run before its destructor functions at the end of the process, and
-// after them at an unload.
+// A destructor function runs both at an unload and at the end of the process. An
+// exit handler tells the two apart: it runs before the module's destructor
+// functions at the end of the process, and after them at an unload.
 
 #include <cstdlib>
 
@@ -15,19 +14,20 @@ namespace {
 
 constinit bool g_processEnds = false;
 
+// Without the exit handler, the end of the process is handled like an unload.
 [[gnu::constructor]] void OnLoad() {
-  std::atexit([] { g_processEnds = true; });
+  static_cast<void>(std::atexit([] { g_processEnds = true; }));
 }
 
 void Stop(Agent::Ending ending) noexcept {
   try {
     Agent::AgentProcess::Instance().Stop(ending);
-  } catch (...) {  // the loader could do nothing about it
+  } catch (...) {  // the loader cannot handle a failure
   }
 }
 
-// At the end of the process the module's threads still run, and it stays
-// mapped: nothing is destroyed under them.
+// At the end of the process the module's threads still run, and the module stays
+// mapped, so this destroys nothing.
 [[gnu::destructor]] void OnUnload() {
   if (g_processEnds) {
     Stop(Agent::Ending::kProcessEnd);

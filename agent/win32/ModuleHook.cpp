@@ -1,17 +1,17 @@
-// What Windows calls when the module comes and goes, under the loader's lock:
-// at the end of its stay the agent is stopped here. See Lifecycle for what may
-// be waited for.
+// Windows calls this when it loads and unloads the module, under the loader's
+// lock. An unload and the end of the process stop the agent here; AgentProcess.h
+// says what the stop may wait for.
 
 #include <windows.h>
 
 #include "Src/SingletonRef.h"
 #include "agent/AgentProcess.h"
-#include "agent/win32/ThreadExceptions.h"
+#include "agent/win32/RuntimeMemory.h"
 #include "platform/ProcessExit.h"
 
 namespace __gnu_cxx {
-// Gives back the memory that the C++ library keeps for exceptions in need. The
-// library is part of this module, so nobody else uses it.
+// Frees the memory that the C++ library reserves for exceptions. The library is
+// part of this module, so no other module uses that memory.
 void __freeres();
 }  // namespace __gnu_cxx
 
@@ -20,7 +20,7 @@ namespace {
 void Stop(Agent::Ending ending) noexcept {
   try {
     Agent::AgentProcess::Instance().Stop(ending);
-  } catch (...) {  // the loader could do nothing about it
+  } catch (...) {  // the loader cannot handle a failure
   }
 }
 
@@ -30,8 +30,8 @@ void Unload() noexcept {
   __gnu_cxx::__freeres();
 }
 
-// Every other thread was killed wherever it stood. Nothing is destroyed: the
-// memory goes with the process, and locks may be held for ever.
+// Windows has killed every other thread, wherever it stood. This destroys
+// nothing: the memory goes with the process, and a dead thread may hold a lock.
 void EndProcess() noexcept {
   Vask::Platform::MarkProcessExiting();
   Stop(Agent::Ending::kProcessEnd);

@@ -1,19 +1,19 @@
-// Memory for the C++ library itself when the system has none left.
-//
-// Want of memory is told by an exception, and the library, which is part of this
-// module, asks the C library for memory to throw one: for the exception, and for
-// the lock of what it keeps in reserve. A refusal of the latter is one more
-// exception, and so on until the stack is at its end. So what the library is
-// refused is served from here, and the module's own allocations, through operator
-// new below, fail as they should. The module is linked so that malloc and its kin
-// mean these.
+#include "agent/win32/RuntimeMemory.h"
+
+#include <windows.h>
+
+#include <cxxabi.h>
 
 #include <atomic>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <new>
+
+// The slots: what malloc refuses to the library comes from here. The module's own
+// allocations, by operator new below, still fail.
 
 extern "C" {
 void* __real_malloc(std::size_t bytes);
@@ -29,7 +29,7 @@ void __wrap_free(void* block);
 
 namespace {
 
-// A slot holds any exception of ours; a thread needs one or two at a time.
+// A slot holds any exception of this module; a thread needs one or two at a time.
 constexpr std::size_t kSlotBytes = 512;
 constexpr std::size_t kSlots = 64;
 
@@ -66,7 +66,7 @@ void* __wrap_malloc(std::size_t bytes) {
   return block != nullptr ? block : TakeSlot(bytes);
 }
 
-// The library asks for one thing at a time: `count` is 1 or `bytes` is.
+// The library asks for one object at a time: `count` or `bytes` is 1.
 void* __wrap_calloc(std::size_t count, std::size_t bytes) {
   void* const block = __real_calloc(count, bytes);
   if (block != nullptr || (count != 1 && bytes != 1)) return block;
@@ -96,3 +96,71 @@ void* operator new(std::size_t bytes) {
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
   return __real_malloc(bytes);
 }
+
+// The lists of exceptions.
+
+namespace {
+
+// The library's own layout (Itanium C++ ABI, "Exception Handling", 2.2.2).
+struct Exceptions {
+  void* caught = nullptr;
+  unsigned uncaught = 0;
+};
+
+struct Record {
+  std::atomic<DWORD> thread{0};  // 0: free
+  Exceptions exceptions;
+};
+
+// For the living threads that have met an exception; a service has a handful.
+constexpr std::size_t kRecords = 256;
+constinit Record g_records[kRecords];
+
+// Returns null if the thread has no record.
+Record* FindRecord(DWORD thread) noexcept {
+  for (Record& record : g_records)
+    if (record.thread.load(std::memory_order_relaxed) == thread) return &record;
+  return nullptr;
+}
+
+// Returns null if no record is free.
+Record* TakeRecord(DWORD thread) noexcept {
+  for (Record& record : g_records) {
+    DWORD nobody = 0;
+    if (record.thread.compare_exchange_strong(nobody, thread)) return &record;
+  }
+  return nullptr;
+}
+
+Exceptions* OfThisThread() noexcept {
+  const DWORD thread = GetCurrentThreadId();
+  Record* record = FindRecord(thread);
+  if (record == nullptr) record = TakeRecord(thread);
+  if (record == nullptr) std::abort();
+  return &record->exceptions;
+}
+
+}  // namespace
+
+namespace Agent {
+
+void ForgetThreadExceptions() noexcept {
+  Record* const record = FindRecord(GetCurrentThreadId());
+  if (record == nullptr) return;
+  record->exceptions = {};
+  record->thread.store(0, std::memory_order_release);
+}
+
+}  // namespace Agent
+
+namespace __cxxabiv1 {
+
+extern "C" __cxa_eh_globals* __cxa_get_globals() noexcept {
+  return reinterpret_cast<__cxa_eh_globals*>(OfThisThread());
+}
+
+extern "C" __cxa_eh_globals* __cxa_get_globals_fast() noexcept {
+  return reinterpret_cast<__cxa_eh_globals*>(OfThisThread());
+}
+
+}  // namespace __cxxabiv1

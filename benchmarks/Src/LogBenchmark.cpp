@@ -11,11 +11,10 @@
 #include "Src/LogPrinter.h"
 #include "tests/support/TempFolder.h"
 
-// One line of the log, each of its three pieces on its way to the disk when the
-// call returns, against the bare system calls that this takes, and against
-// spdlog's daily file sink with a flush after every line (which is one system
-// call, and none for the history). Each has written some lines before it is
-// timed: the history then has all its chunks, the file its first page.
+// Times one line of the log, which makes three system calls. Compares it with the bare
+// system calls, and with spdlog's daily file sink with a flush after every line, which
+// makes one system call and keeps no history. Each writes some lines before it is timed,
+// so that the history has all its chunks and the file its first page.
 
 namespace {
 

@@ -1,49 +1,35 @@
-// Requests with the log open, as the SNMP service makes them, against the log
-// lines that they write.
+// Requests of the SNMP service with the log open, and beside them the log lines
+// that they write.
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <iterator>
 #include <string>
 
-#include "Src/DailyLog.h"
 #include "Src/LogPrinter.h"
-#include "agent/SNMPExtensionAgent.h"
 #include "agent/Variables.h"
-#include "platform/Clock.h"
-#include "platform/Threading.h"
+#include "tests/support/DataFolder.h"
+#include "tests/support/WholeAgent.h"
 
 namespace {
 
 using Agent::SNMPExtensionAgent;
 using Vask::LogPrinter;
 
-// One agent with its variables for all benchmarks, and a log in a temporary
-// folder that goes with the program.
+// One started agent for all benchmarks. It has no threads; its log is in a
+// temporary folder, which the program deletes at its end.
 class World {
  public:
-  World() {
-    std::filesystem::create_directories(m_folder);
-    std::string path = m_folder.string();
-    std::replace(path.begin(), path.end(), '/', '\\');
-    if (!m_log.Open(path.c_str())) std::abort();
-    LogPrinter::Instance().SetTarget(&m_log);
-    Agent::RegisterVariables(m_agent.Variables());
-  }
-  ~World() {
-    LogPrinter::Instance().SetTarget(nullptr);
-    std::filesystem::remove_all(m_folder);
-  }
+  // Start returns false, because there is no thread for the link.
+  World() { static_cast<void>(m_whole.process.Start()); }
 
-  SNMPExtensionAgent& Agent() { return m_agent; }
+  SNMPExtensionAgent& Agent() { return m_whole.process.Extension(); }
 
-  // A name under the prefix, in the service's own memory.
+  // A name under the prefix, in memory of the SNMP utility functions.
   AsnObjectIdentifier Name(UINT group, UINT variable) {
     UINT ids[10];
-    const AsnObjectIdentifier prefix = m_agent.Prefix();
+    const AsnObjectIdentifier prefix = Agent().Prefix();
     std::copy(prefix.ids, prefix.ids + 8, ids);
     ids[8] = group;
     ids[9] = variable;
@@ -54,10 +40,12 @@ class World {
   }
 
  private:
-  std::filesystem::path m_folder =
-      std::filesystem::temp_directory_path() / "corvane-agent-benchmark";
-  Vask::DailyLog m_log;
-  SNMPExtensionAgent m_agent{Vask::Platform::SystemClock(), Vask::Platform::SystemThreading()};
+  Vask::Platform::Clock& m_clock = Vask::Platform::SystemClock();
+  Vask::Tests::DataFolder m_files;
+  Agent::Tests::NoNetwork m_sockets;
+  Agent::Tests::NoThreads m_threading;
+  Agent::Tests::WholeAgent m_whole{
+      {m_clock, m_files, m_sockets, m_threading, m_clock, m_threading}};
 };
 
 World& TheWorld() {
@@ -69,7 +57,7 @@ std::string Dotted(const AsnObjectIdentifier& name) {
   return Agent::DottedText(name);
 }
 
-// The last variable: the longest way through the list.
+// The last variable is the last in the list that a request walks.
 void GetNumber(benchmark::State& state) {
   World& world = TheWorld();
   SnmpVarBind binding{world.Name(2, 4), {}};

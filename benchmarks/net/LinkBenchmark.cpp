@@ -1,9 +1,8 @@
-// Processor time of the link's reader thread, beside that of a bare thread that
-// makes the same calls on the same kind of socket and does nothing else: waits
-// of 100 ms, and for each byte a wait and a receive.
+// Measures the processor time of the link's reader thread. Compares it with a bare thread
+// that only makes the same calls on the same kind of socket: waits of 100 ms, and for
+// each byte a wait and a receive.
 //
-// The figures are times of the reading thread alone, as the thread's own clock
-// has them, whatever else the machine does.
+// The figures come from the reading thread's own clock, so other load does not count.
 
 #include <benchmark/benchmark.h>
 
@@ -17,10 +16,10 @@
 #include <string>
 #include <thread>
 
-#include "net/FrameWriter.h"
-#include "net/IOnJsonMessageText.h"
-#include "net/InetSocketConnector.h"
+#include "net/Framing.h"
+#include "net/InetSocket.h"
 #include "net/JsonSocket.h"
+#include "net/LinkInterfaces.h"
 #include "platform/ListeningSocket.h"
 #include "platform/Sockets.h"
 
@@ -47,11 +46,10 @@ const std::string& Frame() {
   return frame;
 }
 
-// Counts frames on the reading thread and notes its time after the last one
-// that was asked for.
+// Counts frames on the reading thread and records its time after the last expected one.
 class Marker {
  public:
-  // From the owner's thread, before the frames are sent.
+  // The owner's thread calls this before it sends the frames.
   void Expect(std::size_t frames) {
     m_left = frames;
     m_reached = false;
@@ -124,21 +122,21 @@ class BareReader {
 
 // A reader and the end of the connection that feeds it.
 template <class Reader>
-class Road {
+class Feed {
  public:
-  Road() {
+  Feed() {
     if (!m_listener.Open(0)) std::abort();
     m_reader.emplace(m_listener);
     m_handle = m_listener.Accept(10'000);
     if (m_handle == Vask::Platform::kInvalidSocket) std::abort();
   }
-  ~Road() {
+  ~Feed() {
     m_reader.reset();
     SystemSockets().Close(m_handle);
   }
 
-  // Sends frames in bursts of `burst`, `pause` apart, and answers the reading
-  // thread's time after the last.
+  // Sends frames in bursts of `burst`, `pause` apart. Returns the reading thread's time
+  // after the last frame.
   double Send(std::size_t frames, std::size_t burst, std::chrono::microseconds pause) {
     std::string bytes;
     for (std::size_t i = 0; i < burst; ++i) bytes += Frame();
@@ -161,33 +159,33 @@ class Road {
 template <class Reader>
 void Idle(benchmark::State& state) {
   for (auto _ : state) {
-    Road<Reader> road;
-    const double before = road.SendOne();
+    Feed<Reader> feed;
+    const double before = feed.SendOne();
     std::this_thread::sleep_for(std::chrono::seconds{2});
-    state.SetIterationTime(road.SendOne() - before);
+    state.SetIterationTime(feed.SendOne() - before);
   }
 }
 
-// Frames that come one by one, each alone.
+// Frames that arrive one at a time.
 template <class Reader>
 void PacedFrame(benchmark::State& state) {
   constexpr std::size_t kFrames = 50;
   for (auto _ : state) {
-    Road<Reader> road;
-    const double before = road.SendOne();
-    const double after = road.Send(kFrames, 1, std::chrono::milliseconds{2});
+    Feed<Reader> feed;
+    const double before = feed.SendOne();
+    const double after = feed.Send(kFrames, 1, std::chrono::milliseconds{2});
     state.SetIterationTime((after - before) / kFrames);
   }
 }
 
-// Frames that are all there already.
+// Frames that have all arrived before they are read.
 template <class Reader>
 void StreamedFrame(benchmark::State& state) {
   constexpr std::size_t kFrames = 500;
   for (auto _ : state) {
-    Road<Reader> road;
-    const double before = road.SendOne();
-    const double after = road.Send(kFrames, kFrames, {});
+    Feed<Reader> feed;
+    const double before = feed.SendOne();
+    const double after = feed.Send(kFrames, kFrames, {});
     state.SetIterationTime((after - before) / kFrames);
   }
 }

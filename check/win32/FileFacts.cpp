@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "agent/Lifecycle.h"
+#include "agent/AgentProcess.h"
 #include "check/Verdicts.h"
 #include "check/win32/Gather.h"
 
@@ -160,7 +160,8 @@ void GatherAgent(Facts& facts) {
 void GatherLog(Facts& facts) {
   LogFolderFacts& folder = facts.logFolder;
   LogFacts& log = facts.log;
-  folder.path = CommonData() + Agent::Lifecycle::kProductFolder + Agent::Lifecycle::kLogsFolder;
+  folder.path =
+      CommonData() + Agent::AgentProcess::kProductFolder + Agent::AgentProcess::kLogsFolder;
   log.today = LocalText(Now()).substr(0, 10);
   log.minuteAgo = MinuteAgo();
   const DWORD error = AttributesError(folder.path);

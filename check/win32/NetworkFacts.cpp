@@ -8,7 +8,7 @@
 
 #include <map>
 
-#include "agent/Lifecycle.h"
+#include "agent/AgentProcess.h"
 #include "check/Verdicts.h"
 #include "check/win32/Gather.h"
 
@@ -57,11 +57,11 @@ u_short PortOf(DWORD networkOrder) {
 void TakeRow(const MIB_TCPROW_OWNER_PID& row, LinkFacts& link) {
   const TcpSocket socket{AddressText(AF_INET, &row.dwLocalAddr), row.dwOwningPid, {}};
   if (row.dwState == MIB_TCP_STATE_LISTEN &&
-      PortOf(row.dwLocalPort) == Agent::Lifecycle::kLinkPort) {
+      PortOf(row.dwLocalPort) == Agent::AgentProcess::kLinkPort) {
     link.listeners.push_back(socket);
   }
   if (row.dwState == MIB_TCP_STATE_ESTAB &&
-      PortOf(row.dwRemotePort) == Agent::Lifecycle::kLinkPort &&
+      PortOf(row.dwRemotePort) == Agent::AgentProcess::kLinkPort &&
       row.dwRemoteAddr == htonl(INADDR_LOOPBACK)) {
     link.connections.push_back(socket);
   }
@@ -80,7 +80,7 @@ DWORD ReadSockets(LinkFacts& link) {
   for (DWORD i = 0; i < table6.dwNumEntries; ++i) {
     const MIB_TCP6ROW_OWNER_PID& row = table6.table[i];
     if (row.dwState == MIB_TCP_STATE_LISTEN &&
-        PortOf(row.dwLocalPort) == Agent::Lifecycle::kLinkPort) {
+        PortOf(row.dwLocalPort) == Agent::AgentProcess::kLinkPort) {
       link.listeners.push_back({AddressText(AF_INET6, row.ucLocalAddr), row.dwOwningPid, {}});
     }
   }

@@ -2,7 +2,6 @@
 
 #include <time.h>
 
-#include "platform/BrokenDownTime.h"
 #include "platform/linux/PresentQuarter.h"
 
 namespace Vask::Platform {
@@ -22,10 +21,9 @@ class PosixClock final : public Clock {
 
   [[gnu::hot]] std::int64_t EpochSeconds() noexcept override { return time(nullptr); }
 
-  // By the coarse clock, as time() is: with the fine one, which is up to 4 ms
-  // ahead, a day would begin twice. Files get their times from it too. A line of
-  // the log reads these clocks four times, and the fine one takes five times as
-  // long.
+  // Reads the coarse clock, which time() and the times of files use as well. The
+  // fine clock is up to 4 ms ahead, so a day would begin twice. It also takes five
+  // times as long, and a line of the log reads these clocks four times.
   [[gnu::hot]] LocalTime LocalNow() noexcept override {
     timespec now{};
     clock_gettime(CLOCK_REALTIME_COARSE, &now);
@@ -37,7 +35,14 @@ class PosixClock final : public Clock {
   LocalTime ToLocal(std::int64_t epochSeconds) noexcept override { return BreakDown(epochSeconds); }
 
   std::int64_t FromLocal(const LocalTime& local) noexcept override {
-    tm broken = AsBrokenDown(local);
+    tm broken{};
+    broken.tm_year = static_cast<int>(local.year) - 1900;
+    broken.tm_mon = static_cast<int>(local.month) - 1;
+    broken.tm_mday = static_cast<int>(local.day);
+    broken.tm_hour = static_cast<int>(local.hour);
+    broken.tm_min = static_cast<int>(local.minute);
+    broken.tm_sec = static_cast<int>(local.second);
+    broken.tm_isdst = -1;  // mktime determines it
     return mktime(&broken);
   }
 
@@ -45,7 +50,7 @@ class PosixClock final : public Clock {
     timespec rest{};
     rest.tv_sec = milliseconds / kMsPerSecond;
     rest.tv_nsec = static_cast<long>(milliseconds % kMsPerSecond * kNsPerMs);
-    // Only an interruption leaves a rest.
+    // A rest remains only after an interruption.
     while (clock_nanosleep(CLOCK_MONOTONIC, 0, &rest, &rest) != 0) {
     }
   }

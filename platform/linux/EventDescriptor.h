@@ -4,14 +4,14 @@
 
 #include "platform/Threading.h"
 
-// How an event's NativeHandle carries an eventfd on systems that have no event
-// handles. The handle is a number and no address: twice the descriptor plus
-// one, and one more for a manual event. So null stays free for "no event", and
-// a program on the other side of the extension-agent contract, which gets the
-// trap event as a HANDLE, can put the descriptor into its own poll loop.
+// Linux has no event handles, so the NativeHandle of an event is a number that holds
+// an eventfd: (descriptor + 1) * 2, plus 1 for a manual event. Null remains free for
+// "no event". A program on the other side of the extension-agent contract, which
+// gets the trap event as a HANDLE, can wait for the descriptor in its own poll loop.
 namespace Vask::Platform {
 
-// The eventfd, readable while the event is signalled. Stays the event's.
+// Returns the eventfd, which is readable while the event is signalled. The event
+// still owns it.
 inline int EventDescriptor(NativeHandle event) noexcept {
   return static_cast<int>(reinterpret_cast<std::uintptr_t>(event) / 2) - 1;
 }

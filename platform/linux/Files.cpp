@@ -31,8 +31,9 @@ bool IsDriveLetter(char c) noexcept {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-// A path of the agent as the system's own: "C:\a\b" is "/a/b". There is one
-// tree here, so a drive says nothing. Empty when it is too long.
+// Converts a path of the agent to the system's form: "C:\a\b" becomes "/a/b".
+// The drive is ignored, because this system has one tree. Empty if the path is
+// too long.
 class NativePath {
  public:
   explicit NativePath(const char* path) noexcept {
@@ -49,7 +50,7 @@ class NativePath {
   char m_text[kPathCapacity] = "";
 };
 
-// The other way; false when it does not fit or nothing is left of it.
+// Converts a path to the agent's form. False if it does not fit or is empty.
 bool ToAgentPath(const char* nativePath, char* path, std::size_t capacity) noexcept {
   std::size_t length = std::strlen(nativePath);
   while (length > 0 && nativePath[length - 1] == '/') --length;
@@ -64,8 +65,8 @@ bool IsNativeFolder(const char* nativePath) noexcept {
   return stat(nativePath, &state) == 0 && S_ISDIR(state.st_mode);
 }
 
-// Whether a name matches a pattern of *, ? and plain characters. On a mismatch
-// the last * takes one character more; earlier ones need no second look.
+// Whether a name matches a pattern of *, ? and plain characters. After a mismatch
+// the last * takes one more character; earlier ones need not change.
 bool Matches(const char* pattern, const char* name) noexcept {
   const char* afterStar = nullptr;
   const char* retry = nullptr;
@@ -87,7 +88,7 @@ bool Matches(const char* pattern, const char* name) noexcept {
   return *pattern == '\0';
 }
 
-// False for what is no file.
+// False if it is not a file.
 bool Describe(int folder, const char* name, FileEntry& entry) noexcept {
   struct statx state {};
   if (statx(folder, name, 0, STATX_TYPE | STATX_MTIME | STATX_BTIME, &state) != 0) return false;
@@ -103,8 +104,8 @@ class PosixFiles final : public Files {
     return IsNativeFolder(NativePath(path).Text());
   }
 
-  // The one tree is always there; a server's share would have to be mounted
-  // under its own name.
+  // The tree always exists. A server's share exists if it is mounted under its own
+  // name.
   DriveKind Drive(const char* root) noexcept override {
     return IsFolder(root) ? DriveKind::Fixed : DriveKind::NoRoot;
   }
@@ -166,13 +167,14 @@ class PosixFiles final : public Files {
   bool CommonApplicationData(char* path, std::size_t capacity) noexcept override {
     const char* folder = std::getenv("CORVANE_DATA");
     if (folder == nullptr || *folder == '\0') folder = "/var/lib";
-    // Where it cannot be created, using it tells.
+    // If this fails, the use of the folder fails and is reported.
     static_cast<void>(mkdir(folder, kFolderMode));
     return ToAgentPath(folder, path, capacity);
   }
 
  private:
-  // Opens the folder that the path names before its last slash, if it has one.
+  // Opens the folder before the last slash of the path, or the current folder if
+  // there is no slash.
   static DIR* OpenFolderOf(NativePath& path, char* slash) noexcept {
     if (slash == nullptr) return opendir(".");
     if (slash == path.Text()) return opendir("/");
@@ -187,6 +189,10 @@ constinit PosixFiles g_files;
 
 Files& SystemFiles() noexcept {
   return g_files;
+}
+
+bool StandardInputIsTerminal() noexcept {
+  return isatty(STDIN_FILENO) != 0;
 }
 
 }  // namespace Vask::Platform

@@ -3,14 +3,15 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <unistd.h>
+
+#include <utility>
 
 namespace Vask::Platform {
 
 namespace {
 
 bool BindToLoopback(int socket, std::uint16_t port) {
-  // Without it, closed connections that linger would keep the port.
+  // Otherwise closed connections that linger would keep the port.
   const int on = 1;
   setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
   sockaddr_in address{};
@@ -33,30 +34,22 @@ bool ListeningSocket::Open(std::uint16_t port, int backlog) {
   Close();
   const int handle = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   if (handle < 0) return false;
-  if (!BindToLoopback(handle, port) || listen(handle, backlog) != 0) {
-    close(handle);
-    return false;
-  }
-  m_handle = static_cast<SocketHandle>(handle);
+  SystemSocket opened(static_cast<SocketHandle>(handle));
+  if (!BindToLoopback(handle, port) || listen(handle, backlog) != 0) return false;
+  m_socket = std::move(opened);
   m_port = PortOf(handle);
   return true;
 }
 
 SocketHandle ListeningSocket::Accept(std::uint32_t timeoutMs) {
-  if (!IsOpen() || SystemSockets().WaitReadable(m_handle, timeoutMs) != Readiness::Readable) {
+  if (!IsOpen() || SystemSockets().WaitReadable(m_socket.Get(), timeoutMs) != Readiness::Readable) {
     return kInvalidSocket;
   }
-  const int connection = accept4(static_cast<int>(m_handle), nullptr, nullptr, SOCK_CLOEXEC);
+  const int connection = accept4(static_cast<int>(m_socket.Get()), nullptr, nullptr, SOCK_CLOEXEC);
   if (connection < 0) return kInvalidSocket;
   const int on = 1;
   setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   return static_cast<SocketHandle>(connection);
-}
-
-void ListeningSocket::Close() {
-  if (!IsOpen()) return;
-  close(static_cast<int>(m_handle));
-  m_handle = kInvalidSocket;
 }
 
 }  // namespace Vask::Platform

@@ -1,4 +1,4 @@
-#include "platform/linux/Snmp.h"
+#include "platform/Snmp.h"
 
 #include <algorithm>
 #include <cstdlib>

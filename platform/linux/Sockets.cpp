@@ -43,7 +43,7 @@ const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
-// As poll answers for the one socket; a handle that is none is an error too.
+// Returns what poll returns for this socket. A bad handle is an error, too.
 int PollFor(SocketHandle socket, short events, int timeoutMs) noexcept {
   pollfd waited{Descriptor(socket), events, 0};
   if (waited.fd < 0) return errno = EBADF, -1;
@@ -51,7 +51,7 @@ int PollFor(SocketHandle socket, short events, int timeoutMs) noexcept {
   return (waited.revents & POLLNVAL) != 0 ? (errno = EBADF, -1) : ready;
 }
 
-// An interrupted connect goes on by itself; its outcome is waited for here.
+// An interrupted connect continues in the system. Waits for its result.
 bool FinishConnect(SocketHandle socket) noexcept {
   while (PollFor(socket, POLLOUT, -1) < 0) {
     if (errno != EINTR) return false;
@@ -61,8 +61,8 @@ bool FinishConnect(SocketHandle socket) noexcept {
   return getsockopt(Descriptor(socket), SOL_SOCKET, SO_ERROR, &error, &length) == 0 && error == 0;
 }
 
-// Reads what has arrived, without waiting: bytes that nobody read would turn
-// the close into a reset, and the peer might lose what was sent to it.
+// Reads the bytes that have arrived, without waiting. Unread bytes would turn the
+// close into a reset, and the peer could lose the bytes that were sent to it.
 void Drain(SocketHandle socket) noexcept {
   char scratch[4096];
   for (std::size_t drained = 0; drained < kMostDrainedBytes;) {
@@ -112,8 +112,8 @@ class PosixSockets final : public Sockets {
     return static_cast<int>(got);
   }
 
-  // poll and not select: a host may have more descriptors open than fit into
-  // an fd_set.
+  // Uses poll, because a host may have more open descriptors than fit into an
+  // fd_set.
   Readiness WaitReadable(SocketHandle socket, std::uint32_t timeoutMs) noexcept override {
     const auto timeout = static_cast<int>(std::min<std::uint32_t>(timeoutMs, INT_MAX));
     const int ready = PollFor(socket, POLLIN, timeout);
@@ -127,7 +127,8 @@ class PosixSockets final : public Sockets {
     return Disconnection::Done;
   }
 
-  // Leaves what is unread to Close: this may run beside a connect or a receive.
+  // Does not read unread bytes (Close does), because another thread may be in a
+  // connect or a receive.
   void Shutdown(SocketHandle socket) noexcept override { shutdown(Descriptor(socket), SHUT_RDWR); }
 
   void Close(SocketHandle socket) noexcept override {
@@ -135,7 +136,7 @@ class PosixSockets final : public Sockets {
     close(Descriptor(socket));
   }
 
-  // A socket without a fixed peer hears of no such answer here.
+  // Linux reports such messages only to a socket with a fixed peer.
   bool IgnorePortUnreachable(SocketHandle) noexcept override { return true; }
 
   void AllowAddressReuse(SocketHandle socket) noexcept override {
@@ -156,7 +157,7 @@ class PosixSockets final : public Sockets {
                                    AsSockaddr(destination), sizeof destination));
   }
 
-  // getaddrinfo, since gethostbyname keeps its answer in memory that all
+  // Uses getaddrinfo, because gethostbyname keeps its result in memory that all
   // threads of the host share.
   bool LookUp(const char* name, std::uint32_t& addressNetworkOrder) noexcept override {
     addrinfo wanted{};

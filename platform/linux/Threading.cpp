@@ -17,9 +17,9 @@ namespace Vask::Platform {
 
 namespace {
 
-// A manual event's eventfd is a semaphore: a waiter takes one and puts it back.
-// Signalling adds this much, more than there can be waiters at a time, so that
-// the event is never seen unsignalled in between.
+// The eventfd of a manual event is a semaphore: a waiter takes one and adds it
+// again. A signal adds this number, which is larger than the number of waiters can
+// be, so that no waiter sees the event unsignalled in between.
 constexpr std::uint64_t kManualSignal = std::uint64_t{1} << 32;
 
 void WriteCount(int descriptor, std::uint64_t count) noexcept {
@@ -27,7 +27,7 @@ void WriteCount(int descriptor, std::uint64_t count) noexcept {
   }
 }
 
-// Takes the event if it is signalled.
+// Returns whether the event is signalled, and resets an automatic one.
 bool TryTake(NativeHandle event) noexcept {
   const int descriptor = EventDescriptor(event);
   std::uint64_t count = 0;
@@ -40,7 +40,7 @@ bool TryTake(NativeHandle event) noexcept {
   return true;
 }
 
-// Waits for one readiness of the descriptor; -1 waits without limit.
+// Waits until the descriptor is readable; -1 waits without limit.
 void PollOnce(int descriptor, int timeoutMs) noexcept {
   pollfd waited{descriptor, POLLIN, 0};
   poll(&waited, 1, timeoutMs);
@@ -60,8 +60,8 @@ void* ThreadMain(void* record) noexcept {
   return reinterpret_cast<void*>(std::uintptr_t{1});
 }
 
-// The host's signal handlers run on the host's threads: ours take only the
-// signals that a fault of their own raises.
+// The host's signal handlers must run on the host's threads, so the agent's threads
+// block every signal except those of their own faults.
 sigset_t ForeignSignals() noexcept {
   sigset_t signals;
   sigfillset(&signals);
@@ -118,9 +118,9 @@ class PosixThreading final : public Threading {
     return nullptr;
   }
 
-  // The thread's true end is waited for: it needs no lock that a caller could
-  // hold here, and nothing else proves that none of the module's code is left
-  // on its stack.
+  // Waits for the true end of the thread. On this system it needs no lock that the
+  // caller could hold, and nothing else proves that no code of the module remains
+  // on the thread's stack.
   void JoinThread(NativeHandle handle, NativeHandle) noexcept override {
     auto* const thread = static_cast<Thread*>(handle);
     if (!thread->joined) thread->joined = pthread_join(thread->id, nullptr) == 0;

@@ -8,7 +8,7 @@ namespace Vask::Platform {
 
 namespace {
 
-// A null pointer is an SRWLOCK at rest.
+// A null pointer is an SRWLOCK that no thread holds.
 SRWLOCK* AsSlimLock(void*& lock) noexcept {
   static_assert(sizeof(SRWLOCK) == sizeof(void*));
   return reinterpret_cast<SRWLOCK*>(&lock);
@@ -16,8 +16,8 @@ SRWLOCK* AsSlimLock(void*& lock) noexcept {
 
 }  // namespace
 
-// Only its own thread ever stores a thread's id, so a relaxed look suffices to
-// know whether it is the holder.
+// A thread's id is stored only by that thread, so a relaxed load tells it whether it is
+// the holder.
 void CriticalSection::Lock() noexcept {
   if (ProcessIsExiting()) return;
   const DWORD self = GetCurrentThreadId();

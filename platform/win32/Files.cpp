@@ -1,25 +1,22 @@
 #include "platform/Files.h"
 
 #include <windows.h>
-// After the system's base header that they build on:
+// They need the base header before them:
 #include <objbase.h>
 #include <shlobj.h>
 
 #include <cstring>
 
 #include "platform/UniqueHandle.h"
+#include "platform/win32/FileTime.h"
 
 namespace Vask::Platform {
 
 namespace {
 
-// A text that needs no more than this with its line ends doubled is written in
-// one piece.
+// A text that fits into this buffer with its line ends doubled is written in one
+// piece.
 constexpr std::size_t kTextBufferBytes = 8192;
-
-// From FILETIME's 1601-01-01 to 1970-01-01, in its units of 100 ns.
-constexpr std::int64_t kEpochAsFileTime = 116'444'736'000'000'000;
-constexpr std::int64_t kFileTimePerSecond = 10'000'000;
 
 struct Search {
   using Type = HANDLE;
@@ -41,10 +38,9 @@ FileHandle FromHandle(HANDLE handle) noexcept {
   return handle == nullptr ? kNoFile : reinterpret_cast<FileHandle>(handle);
 }
 
-// Some file systems keep no creation time and answer 0.
-std::int64_t ToEpochSeconds(const FILETIME& time) noexcept {
-  const auto units = (static_cast<std::int64_t>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
-  return units == 0 ? -1 : (units - kEpochAsFileTime) / kFileTimePerSecond;
+// File systems that keep no creation time report 0.
+std::int64_t FileSeconds(const FILETIME& time) noexcept {
+  return FileTimeUnits(time) == 0 ? -1 : ToEpochSeconds(time);
 }
 
 bool WriteBytes(HANDLE file, const char* data, std::size_t length) noexcept {
@@ -100,8 +96,8 @@ class WindowsFiles final : public Files {
     if (!search.Valid()) return true;
     do {
       if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
-      const FileEntry entry{found.cFileName, ToEpochSeconds(found.ftCreationTime),
-                            ToEpochSeconds(found.ftLastWriteTime)};
+      const FileEntry entry{found.cFileName, FileSeconds(found.ftCreationTime),
+                            FileSeconds(found.ftLastWriteTime)};
       if (!visit(entry, context)) return false;
     } while (FindNextFileA(search.Get(), &found));
     return true;
@@ -136,7 +132,7 @@ class WindowsFiles final : public Files {
 
   void Close(FileHandle file) noexcept override { CloseHandle(AsHandle(file)); }
 
-  // A service has none.
+  // A service has no standard output.
   FileHandle StandardOutput() noexcept override {
     return FromHandle(GetStdHandle(STD_OUTPUT_HANDLE));
   }
@@ -168,6 +164,13 @@ constinit WindowsFiles g_files;
 
 Files& SystemFiles() noexcept {
   return g_files;
+}
+
+// The run-time library's isatty takes every character device for a terminal, NUL
+// too. Only a console has a mode.
+bool StandardInputIsTerminal() noexcept {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
 }
 
 }  // namespace Vask::Platform

@@ -2,6 +2,8 @@
 
 #include <winsock2.h>
 
+#include <utility>
+
 namespace Vask::Platform {
 
 namespace {
@@ -26,32 +28,25 @@ std::uint16_t PortOf(SOCKET socket) {
 bool ListeningSocket::Open(std::uint16_t port, int backlog) {
   Close();
   if (!SystemSockets().StartUp()) return false;
-  const SOCKET handle = socket(AF_INET, SOCK_STREAM, 0);
-  if (handle == INVALID_SOCKET) return false;
-  if (!BindToLoopback(handle, port) || listen(handle, backlog) != 0) {
-    closesocket(handle);
+  SystemSocket opened(socket(AF_INET, SOCK_STREAM, 0));
+  if (!opened.Valid() || !BindToLoopback(opened.Get(), port) ||
+      listen(opened.Get(), backlog) != 0) {
     return false;
   }
-  m_handle = static_cast<SocketHandle>(handle);
-  m_port = PortOf(handle);
+  m_socket = std::move(opened);
+  m_port = PortOf(m_socket.Get());
   return true;
 }
 
 SocketHandle ListeningSocket::Accept(std::uint32_t timeoutMs) {
-  if (!IsOpen() || SystemSockets().WaitReadable(m_handle, timeoutMs) != Readiness::Readable) {
+  if (!IsOpen() || SystemSockets().WaitReadable(m_socket.Get(), timeoutMs) != Readiness::Readable) {
     return kInvalidSocket;
   }
-  const SOCKET connection = accept(static_cast<SOCKET>(m_handle), nullptr, nullptr);
+  const SOCKET connection = accept(m_socket.Get(), nullptr, nullptr);
   if (connection == INVALID_SOCKET) return kInvalidSocket;
   const BOOL on = TRUE;
   setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
-  return static_cast<SocketHandle>(connection);
-}
-
-void ListeningSocket::Close() {
-  if (!IsOpen()) return;
-  closesocket(static_cast<SOCKET>(m_handle));
-  m_handle = kInvalidSocket;
+  return connection;
 }
 
 }  // namespace Vask::Platform

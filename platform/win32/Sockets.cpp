@@ -1,7 +1,7 @@
 #include "platform/Sockets.h"
 
 #include <winsock2.h>
-// After the socket declarations that they build on:
+// They need the socket declarations before them:
 #include <mstcpip.h>
 #include <mswsock.h>
 
@@ -30,12 +30,12 @@ constexpr std::size_t kMostDrainedBytes = 1024 * 1024;
 constexpr WORD kWinsockVersion = MAKEWORD(2, 2);
 
 // std::call_once would leave handles behind in every load cycle.
-constinit CriticalSection g_startUpLock;
+constinit CriticalSection g_startUpLock(LockRank::SocketStartUp);
 constinit bool g_startUpTried VASK_GUARDED_BY(g_startUpLock) = false;
 constinit bool g_started VASK_GUARDED_BY(g_startUpLock) = false;
 
-// At the end of the process Winsock's own locks may be held by killed threads,
-// and the system takes everything back by itself.
+// At the end of the process, killed threads may hold Winsock's own locks, and the
+// system frees everything itself.
 void CleanUp() {
   if (!ProcessIsExiting()) WSACleanup();
 }
@@ -48,10 +48,10 @@ const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
-// Reads what has arrived, without waiting: bytes that nobody read would turn
-// the close into a reset, and the peer might lose what was sent to it. To ask
-// first whether there are any would be no promise that they still are at the
-// read: another thread may take them, or be killed while it does.
+// Reads the bytes that have arrived, without waiting. Unread bytes would turn the
+// close into a reset, and the peer could lose the bytes that were sent to it. The
+// socket must not block: if this asked first whether there are bytes, another
+// thread could take them before the read, or be killed while it does.
 void Drain(SocketHandle socket) noexcept {
   u_long nonBlocking = 1;
   if (ioctlsocket(socket, static_cast<long>(FIONBIO), &nonBlocking) != 0) return;
@@ -81,7 +81,7 @@ class WindowsSockets final : public Sockets {
       g_startUpTried = true;
       WSADATA data{};
       g_started = WSAStartup(kWinsockVersion, &data) == 0;
-      // Runs when the module is unloaded or, in a program, when it ends.
+      // Runs at the unload of the module or, in a program, at its end.
       if (g_started) std::atexit(CleanUp);
     }
     return g_started;
@@ -132,9 +132,9 @@ class WindowsSockets final : public Sockets {
     return Disconnection::Done;
   }
 
-  // First the sending side alone, so that the end reaches the peer in order:
-  // Winsock resets a connection whose receiving side ends with bytes unread.
-  // A connect that is still under way counts as unconnected and is cancelled.
+  // Ends the sending side first, so that the peer sees an orderly end: Winsock resets
+  // a connection if its receiving side ends with bytes unread. A pending connect is
+  // not connected yet; CancelIoEx ends it.
   void Shutdown(SocketHandle socket) noexcept override {
     shutdown(socket, SD_SEND);
     Drain(socket);

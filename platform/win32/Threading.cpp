@@ -4,15 +4,15 @@
 
 #include <new>
 
-#undef CreateEvent  // the operation's own name, which <windows.h> makes a macro
+#undef CreateEvent  // <windows.h> makes the operation's name a macro
 
 namespace Vask::Platform {
 
 namespace {
 
-// Everything that a thread does in this module but its last step. Answers the
-// event to signal, or null for a thread without an argument. Never inlined:
-// ThreadMain keeps no frame of its own only as long as it holds nothing else.
+// Does everything that a thread does in this module but its last step. Returns the
+// event to signal, or null for a thread without an argument. It must not be inlined:
+// ThreadMain needs no stack frame only as long as it contains nothing else.
 [[gnu::noinline]] HANDLE RunEntry(void* record) noexcept {
   const ThreadEntry entry = *static_cast<const ThreadEntry*>(record);
   delete static_cast<ThreadEntry*>(record);
@@ -21,12 +21,11 @@ namespace {
   return entry.finished;
 }
 
-// The thread's first and last function in this module. Whoever waits for the
-// finished event may unmap the module as soon as it is signalled, so that not
-// one instruction may follow here: the call of SetEvent has to be a jump, which
-// returns straight to the system. Its result, TRUE, is the exit code 1. The
-// attributes make the jump in unoptimised builds too; a test looks for it in
-// the machine code.
+// The thread's first and last function in this module. A thread that waits for the
+// finished event may unmap the module as soon as the event is signalled, so no
+// instruction may follow here: the call of SetEvent must be a jump, which returns
+// directly to the system. Its result, TRUE, is the exit code 1. The attributes
+// produce the jump in unoptimised builds, too; a test finds it in the machine code.
 [[gnu::optimize("O2"), gnu::no_stack_protector]] DWORD WINAPI ThreadMain(void* record) {
   const HANDLE finished = RunEntry(record);
   if (finished == nullptr) return 0;

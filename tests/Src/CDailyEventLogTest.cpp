@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -107,7 +108,7 @@ TEST_F(CDailyEventLogTest, AFailedRotationLeavesTheLogWithoutAFileUntilItIsOpene
   EXPECT_EQ(Bytes(kTomorrow), "T P x\n");
 }
 
-TEST_F(CDailyEventLogTest, AFolderThatVanishesFailsTheRotationAndComesBackWithOpen) {
+TEST_F(CDailyEventLogTest, AFolderThatVanishesFailsTheRotationAndIsCreatedByOpen) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   files.folders.erase("C:\\logs");
   files.files.clear();
@@ -203,7 +204,7 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepBeforeOpenOpensNothingAndOpenKeeps30Days
 constexpr char kStopped50[] =
     "\nWARNING: File size limit of 50 bytes reached! Logging stopped until next day.\n\n";
 
-TEST_F(CDailyEventLogTest, ThePieceThatReachesTheLimitAndAllLaterOnesAreDropped) {
+TEST_F(CDailyEventLogTest, ThePieceThatExceedsTheLimitAndAllLaterOnesAreDropped) {
   log.SetSizeLimit(50);
   ASSERT_TRUE(log.Open("C:\\logs"));
   const std::string fits(49 - 4, 'f');
@@ -220,7 +221,7 @@ TEST_F(CDailyEventLogTest, APieceThatJustReachesTheLimitIsDropped) {
   EXPECT_EQ(Bytes(kToday), std::string("T P ") + kStopped50);
 }
 
-TEST_F(CDailyEventLogTest, WhatTheFileHeldBeforeCounts) {
+TEST_F(CDailyEventLogTest, TheBytesAlreadyInTheFileCount) {
   files.files[kToday].bytes = std::string(49, 'b');
   log.SetSizeLimit(50);
   ASSERT_TRUE(log.Open("C:\\logs"));
@@ -239,13 +240,35 @@ TEST_F(CDailyEventLogTest, TheNextDayStartsAgainAfterAStop) {
   EXPECT_EQ(Bytes(kTomorrow), std::string("T P x\nT P ") + kStopped50);
 }
 
+// A warning leaves the file shorter than the limit, so its length alone would let
+// short lines in again.
 TEST_F(CDailyEventLogTest, OpeningTheSameDayAgainDoesNotLiftAStop) {
-  log.SetSizeLimit(50);
-  ASSERT_TRUE(log.Open("C:\\logs"));
-  Write(std::string(60, 'l').c_str());
-  log.SetDaysToKeep(10);
-  Write("x\n");
-  EXPECT_EQ(Bytes(kToday), std::string("T P ") + kStopped50);
+  constexpr char kStopped1000[] =
+      "\nWARNING: File size limit of 1000 bytes reached! Logging stopped until next day.\n\n";
+  const struct {
+    const char* name;
+    std::function<void()> openAgain;
+  } rows[] = {
+      {"SetDaysToKeep", [this] { log.SetDaysToKeep(10); }},
+      {"Open of the same folder", [this] { ASSERT_TRUE(log.Open("C:\\logs")); }},
+      {"Open of the same folder after stdout",
+       [this] {
+         ASSERT_TRUE(log.Open("stdout"));
+         ASSERT_TRUE(log.Open("C:\\logs\\"));
+       }},
+  };
+  log.SetSizeLimit(1000);
+  for (const auto& row : rows) {
+    clock.Advance(kDayMs);
+    const std::string path =
+        "C:\\logs\\Log2018-05-" + std::to_string(clock.LocalNow().day) + ".log";
+    ASSERT_TRUE(log.Open("C:\\logs"));
+    Write(std::string(1000, 'l').c_str());
+    row.openAgain();
+    Write("x\n");
+    Write(std::string(1000, 'l').c_str());
+    EXPECT_EQ(Bytes(path), std::string("T P ") + kStopped1000) << row.name;
+  }
 }
 
 TEST_F(CDailyEventLogTest, WithoutALimitNothingStops) {
@@ -310,7 +333,7 @@ TEST_F(CDailyEventLogTest, AFolderIsTooLongWhenTheFilesPathDoesNotFit) {
   EXPECT_TRUE(files.files.contains(longest + "\\Log2018-05-14.log"));
   EXPECT_FALSE(log.Open((longest + "d").c_str()));
   EXPECT_FALSE(log.Open(std::string(100'000, 'd').c_str()));
-  EXPECT_FALSE(files.folders.contains(longest + "d")) << "nothing is made for it";
+  EXPECT_FALSE(files.folders.contains(longest + "d")) << "no folder is created";
   EXPECT_FALSE(log.IsOpen());
 }
 

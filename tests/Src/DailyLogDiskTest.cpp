@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "Src/DailyLog.h"
+#include "Src/LogHead.h"
 #include "Src/LogPrinter.h"
-#include "Src/TimeStamp.h"
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
@@ -26,8 +26,8 @@ namespace fs = std::filesystem;
 constexpr std::uint32_t kDayMs = 86'400'000;
 constexpr char kTodaysName[] = "Log2018-05-14.log";
 
-// The daily log on the machine's own disk. Its clock says 14 May 2018, noon,
-// unless a test sets it.
+// The daily log on the machine's own disk. Its clock shows 14 May 2018, noon, unless a
+// test sets it.
 class DailyLogDiskTest : public testing::Test {
  protected:
   static std::string Line(const std::string& text) {
@@ -49,7 +49,7 @@ TEST_F(DailyLogDiskTest, EveryLineIsInTheFileWithTheSystemsLineEndBeforeTheCallR
   EXPECT_EQ(folder.Bytes(kTodaysName), Line("one") + Line("two") + "lines" + TempFolder::kLineEnd);
 }
 
-TEST_F(DailyLogDiskTest, TheNoteOfAStopHasTheSystemsLineEndsToo) {
+TEST_F(DailyLogDiskTest, TheWarningOfASizeStopHasTheSystemsLineEnds) {
   log.SetSizeLimit(1);
   ASSERT_TRUE(log.Open(folder.Path().c_str()));
   log.Info("one\n");
@@ -77,7 +77,7 @@ TEST_F(DailyLogDiskTest, OpeningCreatesTheFolderWithItsParentsAndAppendsLater) {
   EXPECT_EQ(folder.Bytes("a/b/c/Log2018-05-14.log"), Line("one") + Line("two"));
 }
 
-// The disk's clock cannot be set, so the log's goes ahead of it.
+// A test cannot set the disk's clock, so it sets the log's clock ahead.
 TEST_F(DailyLogDiskTest, FilesOlderThanTheDaysToKeepAreDeletedAndOthersStay) {
   clock.epochMilliseconds = Platform::SystemClock().EpochSeconds() * 1'000;
   std::ofstream(folder.NativePath() / "LogOld.log") << "old";
@@ -106,8 +106,8 @@ TEST_F(DailyLogDiskTest, EnumerationFindsTheDaysFiles) {
   EXPECT_EQ(found, (std::vector<std::string>{kTodaysName, folder.Path(kTodaysName)}));
 }
 
-// Systems that let no open file go keep the folder: then the log just goes on.
-TEST_F(DailyLogDiskTest, AFolderThatVanishesCostsTheFileUntilTheLogIsOpenedAgain) {
+// A system that does not remove an open file keeps the folder. Then the log goes on.
+TEST_F(DailyLogDiskTest, AFolderThatVanishesEndsTheFileUntilTheLogIsOpenedAgain) {
   const std::string logs = folder.Path("logs");
   ASSERT_TRUE(log.Open(logs.c_str()));
   std::error_code stillThere;
@@ -116,14 +116,14 @@ TEST_F(DailyLogDiskTest, AFolderThatVanishesCostsTheFileUntilTheLogIsOpenedAgain
   log.Info("into the file that has lost its name\n");
   clock.Advance(kDayMs);
   log.Info("no file for this day\n");
-  EXPECT_EQ(Exists("logs"), kept) << "a line makes no folder";
+  EXPECT_EQ(Exists("logs"), kept) << "a line creates no folder";
   ASSERT_TRUE(log.Open(logs.c_str()));
   const std::string before = folder.Bytes("logs/Log2018-05-15.log");
   log.Info("again\n");
   EXPECT_EQ(folder.Bytes("logs/Log2018-05-15.log"), before + Line("again"));
 }
 
-// Whoever tidies up may do so while the log has its file open.
+// An operator may rename and remove files while the log has them open.
 TEST_F(DailyLogDiskTest, AFileThatIsRenamedWhileOpenKeepsTheDaysLines) {
   ASSERT_TRUE(log.Open(folder.Path().c_str()));
   log.Info("before\n");
@@ -136,7 +136,7 @@ TEST_F(DailyLogDiskTest, AFileThatIsRenamedWhileOpenKeepsTheDaysLines) {
   EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("next day"));
 }
 
-TEST_F(DailyLogDiskTest, AFileThatIsRemovedWhileOpenTakesItsDayAlongAndNoOther) {
+TEST_F(DailyLogDiskTest, AFileThatIsRemovedWhileOpenLosesOnlyItsDay) {
   ASSERT_TRUE(log.Open(folder.Path().c_str()));
   log.Info("before\n");
   ASSERT_TRUE(fs::remove(folder.NativePath() / kTodaysName));
@@ -147,15 +147,15 @@ TEST_F(DailyLogDiskTest, AFileThatIsRemovedWhileOpenTakesItsDayAlongAndNoOther) 
   EXPECT_EQ(folder.Bytes("Log2018-05-15.log"), Line("next day"));
 }
 
-// Runs the program beside this one that writes lines to the log in a folder, and
-// answers its exit status.
-int RunLogWriter(const TempFolder& folder, const char* word) {
+// Runs the program log_writer on the log of this name. `rest` is the rest of its
+// command line. Returns its exit status.
+int RunLogWriter(const std::string& log, const std::string& rest) {
   const fs::path self = testing::internal::GetInjectableArgvs().at(0);
   const fs::path writer =
       self.parent_path() / fs::path("log_writer").replace_extension(self.extension());
-  std::string command = '"' + writer.string() + "\" \"" + folder.Path() + "\" " + word + " 300";
+  std::string command = '"' + writer.string() + "\" \"" + log + "\" " + rest;
 #if defined(_WIN32)
-  command = '"' + command + '"';  // cmd takes the outermost quotes away
+  command = '"' + command + '"';  // cmd removes the outermost quotes
 #endif
   return std::system(command.c_str());
 }
@@ -168,7 +168,7 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
-// The log's files one after the other: one day's, or two around midnight.
+// The bytes of all files of the log in order: one day's file, or two around midnight.
 std::string AllBytes(const TempFolder& folder) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder.NativePath())) {
@@ -180,11 +180,11 @@ std::string AllBytes(const TempFolder& folder) {
   return bytes;
 }
 
-TEST_F(DailyLogDiskTest, TwoProcessesHaveTheFileOpenAndEachAppendsBehindTheOther) {
+TEST_F(DailyLogDiskTest, TwoProcessesAppendToTheSameFileInTurn) {
   DailyLog mine;
   ASSERT_TRUE(mine.Open(folder.Path().c_str()));
   mine.Info("before\n");
-  EXPECT_EQ(RunLogWriter(folder, "other"), 0);
+  EXPECT_EQ(RunLogWriter(folder.Path(), "other 300"), 0);
   mine.Info("after\n");
   const std::string bytes = AllBytes(folder);
   const std::string end = TempFolder::kLineEnd;
@@ -194,14 +194,25 @@ TEST_F(DailyLogDiskTest, TwoProcessesHaveTheFileOpenAndEachAppendsBehindTheOther
   EXPECT_EQ(bytes.size(), 302 * (kTimeStampLength + 6 + end.size()) + 300 * 5 + 6 + 5);
 }
 
+TEST_F(DailyLogDiskTest, ALogNamedStdoutWritesToTheStandardOutputOfTheProcess) {
+  const std::string output = (folder.NativePath() / "output.txt").string();
+  EXPECT_EQ(RunLogWriter("stdout", "word 2 > \"" + output + '"'), 0);
+  const std::string bytes = folder.Bytes("output.txt");
+  const std::string line = std::string("Info: word") + TempFolder::kLineEnd;
+  EXPECT_EQ(bytes.find(line), kTimeStampLength);
+  EXPECT_EQ(CountOf(bytes, line), 2u);
+  EXPECT_EQ(bytes.size(), 2 * (kTimeStampLength + line.size()));
+  EXPECT_FALSE(fs::exists("stdout")) << "no folder of that name";
+}
+
 #if !defined(_WIN32)
-// Not under Wine, whose appending looks for the end and then writes there, with
-// time between for another process (seen: one piece in 30 runs written over).
-// NTFS appends in one step, as POSIX systems do.
+// Not under Wine, which appends in two steps: it looks for the end and then writes
+// there. Another process may write in between (seen: one piece in 30 runs was
+// overwritten). NTFS appends in one step, and so do POSIX systems.
 TEST_F(DailyLogDiskTest, TwoProcessesAppendAtTheSameTimeAndLoseNothing) {
   int firstStatus = -1;
-  std::thread first([&] { firstStatus = RunLogWriter(folder, "first"); });
-  const int secondStatus = RunLogWriter(folder, "second");
+  std::thread first([&] { firstStatus = RunLogWriter(folder.Path(), "first 300"); });
+  const int secondStatus = RunLogWriter(folder.Path(), "second 300");
   first.join();
   EXPECT_EQ(firstStatus, 0);
   EXPECT_EQ(secondStatus, 0);

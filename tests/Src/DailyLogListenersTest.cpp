@@ -17,7 +17,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-// Keeps what it heard last, and does what a test asks for while it hears.
+// Keeps the messages of its last call, and does in its call what a test wants.
 class Listener final : public IDailyLog::IListener {
  public:
   Texts calls;  // "warning" and "error"
@@ -54,7 +54,7 @@ class DailyLogListenersTest : public testing::Test {
   Listener b;
 };
 
-TEST_F(DailyLogListenersTest, OnlyWarningsAndErrorsAreTold) {
+TEST_F(DailyLogListenersTest, OnlyWarningsAndErrorsCallListeners) {
   log.AddListener(&a);
   log.Info("i\n");
   log.Trace("t\n");
@@ -67,7 +67,7 @@ TEST_F(DailyLogListenersTest, OnlyWarningsAndErrorsAreTold) {
   EXPECT_EQ(a.totalLength, 22u + 23u + 25u + 23u);
 }
 
-TEST_F(DailyLogListenersTest, With25MessagesAWarningBringsTheNewest20OldestFirst) {
+TEST_F(DailyLogListenersTest, After25MessagesAWarningPassesTheNewest20OldestFirst) {
   log.AddListener(&a);
   Texts newest;
   for (int i = 1; i <= 24; ++i) {
@@ -80,7 +80,7 @@ TEST_F(DailyLogListenersTest, With25MessagesAWarningBringsTheNewest20OldestFirst
   EXPECT_EQ(a.messages, newest);
 }
 
-TEST_F(DailyLogListenersTest, AllListenersHearAndOneThatIsRemovedDoesNot) {
+TEST_F(DailyLogListenersTest, EveryListenerIsCalledUntilItIsRemoved) {
   log.AddListener(&a);
   log.AddListener(&b);
   log.Warning("1\n");
@@ -90,7 +90,7 @@ TEST_F(DailyLogListenersTest, AllListenersHearAndOneThatIsRemovedDoesNot) {
   EXPECT_EQ(b.calls.size(), 2u);
 }
 
-TEST_F(DailyLogListenersTest, AListenerAddedTwiceHearsTwiceAndIsRemovedOnceAtATime) {
+TEST_F(DailyLogListenersTest, AListenerAddedTwiceIsCalledTwiceAndRemovedOneAtATime) {
   log.AddListener(&a);
   log.AddListener(&a);
   log.Error("1\n");
@@ -114,7 +114,7 @@ TEST_F(DailyLogListenersTest, AFreedPlaceIsUsedAgainBeforeTheListGrows) {
   EXPECT_EQ(order, (Texts{"c", "b"}));
 }
 
-TEST_F(DailyLogListenersTest, RemovingAStrangerDoesNothing) {
+TEST_F(DailyLogListenersTest, RemovingAnUnknownListenerDoesNothing) {
   log.RemoveListener(&a);
   log.AddListener(&b);
   log.RemoveListener(&a);
@@ -122,7 +122,7 @@ TEST_F(DailyLogListenersTest, RemovingAStrangerDoesNothing) {
   EXPECT_EQ(b.calls.size(), 1u);
 }
 
-TEST_F(DailyLogListenersTest, WhatAListenerLogsTellsNobodyButIsLogged) {
+TEST_F(DailyLogListenersTest, AMessageOfAListenerIsLoggedButCallsNoListener) {
   log.AddListener(&a);
   log.AddListener(&b);
   a.onCall = [this] {
@@ -139,10 +139,10 @@ TEST_F(DailyLogListenersTest, WhatAListenerLogsTellsNobodyButIsLogged) {
             "12:00:00.000: Error: from the listener\n");
   a.onCall = nullptr;
   log.Warning("y\n");
-  EXPECT_EQ(a.calls.size(), 2u) << "later ones are told again";
+  EXPECT_EQ(a.calls.size(), 2u) << "later messages call the listener again";
 }
 
-TEST_F(DailyLogListenersTest, WhatAListenerGetsIsNotRecycledWhileItReads) {
+TEST_F(DailyLogListenersTest, TheMessagesStayValidDuringAListenersCall) {
   log.AddListener(&a);
   a.onCall = [this] {
     for (int i = 0; i < 100; ++i) log.Info("recycles every slot of the history\n");
@@ -151,7 +151,7 @@ TEST_F(DailyLogListenersTest, WhatAListenerGetsIsNotRecycledWhileItReads) {
   EXPECT_EQ(a.messages, Texts{"12:00:00.000: Warning: kept\n"});
 }
 
-TEST_F(DailyLogListenersTest, OneThatWasRemovedDuringTheRoundIsNotCalled) {
+TEST_F(DailyLogListenersTest, AListenerRemovedDuringTheRoundIsNotCalled) {
   log.AddListener(&a);
   log.AddListener(&b);
   a.onCall = [this] { log.RemoveListener(&b); };
@@ -159,7 +159,7 @@ TEST_F(DailyLogListenersTest, OneThatWasRemovedDuringTheRoundIsNotCalled) {
   EXPECT_TRUE(b.calls.empty());
 }
 
-TEST_F(DailyLogListenersTest, OneThatWasAddedDuringTheRoundWaitsForTheNext) {
+TEST_F(DailyLogListenersTest, AListenerAddedDuringTheRoundWaitsForTheNext) {
   log.AddListener(&a);
   a.onCall = [this] { log.AddListener(&b); };
   log.Error("x\n");
@@ -178,14 +178,14 @@ TEST_F(DailyLogListenersTest, ListenersAreCalledWithoutTheLock) {
   EXPECT_EQ(a.calls, Texts{"warning"});
 }
 
-TEST_F(DailyLogListenersTest, AWarningOfAnotherThreadDuringTheRoundTellsNobody) {
+TEST_F(DailyLogListenersTest, AWarningOfAnotherThreadDuringTheRoundCallsNoListener) {
   log.AddListener(&a);
   a.onCall = [this] { std::thread([this] { log.Warning("meanwhile\n"); }).join(); };
   log.Warning("x\n");
   EXPECT_EQ(a.calls.size(), 1u);
 }
 
-TEST_F(DailyLogListenersTest, ListenersComeAndGoWhileOthersLog) {
+TEST_F(DailyLogListenersTest, ListenersAreAddedAndRemovedWhileOtherThreadsLog) {
   std::thread logging([this] {
     for (int i = 0; i < 300; ++i) log.Warning("x\n");
   });

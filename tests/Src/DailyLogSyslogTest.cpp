@@ -22,10 +22,10 @@ class DailyLogSyslogTest : public testing::Test {
  protected:
   DailyLogSyslogTest() { sockets.names["known"] = 0x0700000Au; }  // 10.0.0.7 on the wire
 
-  // What the sockets were asked for since the last time.
+  // The calls of the sockets since the last time.
   Texts Calls() { return std::exchange(sockets.calls, {}); }
 
-  // What one more line asks of the sockets.
+  // The calls of the sockets for one more line.
   Texts CallsOfALine() {
     sockets.calls.clear();
     log.Info("x\n");
@@ -40,7 +40,7 @@ class DailyLogSyslogTest : public testing::Test {
 
 TEST_F(DailyLogSyslogTest, IsOffAtFirst) {
   log.Info("x\n");
-  EXPECT_EQ(Calls(), Texts{}) << "no socket before it is needed";
+  EXPECT_EQ(Calls(), Texts{}) << "no socket is opened before it is needed";
 }
 
 TEST_F(DailyLogSyslogTest, TheServerIsAHostWithOrWithoutAPort) {
@@ -58,7 +58,7 @@ TEST_F(DailyLogSyslogTest, TheServerIsAHostWithOrWithoutAPort) {
   }
 }
 
-TEST_F(DailyLogSyslogTest, AServerThatCannotBeHadChangesNothing) {
+TEST_F(DailyLogSyslogTest, AServerThatCannotBeResolvedChangesNothing) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
   for (const char* host : {"10.0.0.6:0", "unknown", "", ":600"}) {
     sockets.calls.clear();
@@ -100,7 +100,7 @@ TEST_F(DailyLogSyslogTest, ThePortToSendFromIsBoundUnlessItIs0) {
   }
 }
 
-TEST_F(DailyLogSyslogTest, WhetherThePortCouldBeBoundIsNotLookedAt) {
+TEST_F(DailyLogSyslogTest, APortThatCannotBeBoundIsIgnored) {
   sockets.binds = false;
   EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 5140));
   EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.5:514"});
@@ -121,13 +121,13 @@ TEST_F(DailyLogSyslogTest, WithoutASocketItIsNotEnabled) {
   EXPECT_EQ(CallsOfALine(), Texts{});
 }
 
-TEST_F(DailyLogSyslogTest, ASocketThatStillHearsOfClosedPortsServesAllTheSame) {
+TEST_F(DailyLogSyslogTest, ASocketThatReportsClosedPortsIsUsedToo) {
   sockets.ignoresPortUnreachable = false;
   EXPECT_TRUE(log.EnableSyslog("10.0.0.5", 0));
   EXPECT_EQ(CallsOfALine(), Texts{"SendTo 10.0.0.5:514"});
 }
 
-TEST_F(DailyLogSyslogTest, LosingTheSocketSendsNothingAnyMore) {
+TEST_F(DailyLogSyslogTest, WithoutItsSocketNothingIsSent) {
   ASSERT_TRUE(log.EnableSyslog("10.0.0.5", 0));
   sockets.nextHandle = Platform::kInvalidSocket;
   EXPECT_FALSE(log.EnableSyslog("10.0.0.6", 0));
@@ -143,7 +143,7 @@ TEST_F(DailyLogSyslogTest, DisablingClosesTheSocketOnce) {
   EXPECT_EQ(CallsOfALine(), Texts{});
 }
 
-TEST_F(DailyLogSyslogTest, TheSocketIsClosedWithTheLog) {
+TEST_F(DailyLogSyslogTest, TheLogsDestructorClosesTheSocket) {
   {
     DailyLog mortal{clock, files, sockets};
     ASSERT_TRUE(mortal.EnableSyslog("10.0.0.5", 0));
@@ -152,7 +152,7 @@ TEST_F(DailyLogSyslogTest, TheSocketIsClosedWithTheLog) {
   EXPECT_EQ(Calls(), Texts{"Close 7"});
 }
 
-// Real datagrams: a receiver on a port of its own, and the machine's sockets.
+// Real datagrams: a receiver on its own port, and the machine's sockets.
 class DailyLogDatagramTest : public testing::Test {
  protected:
   DailyLogDatagramTest() {
@@ -198,7 +198,7 @@ TEST_F(DailyLogDatagramTest, AWarningOf2000CharactersArrivesAs1024Bytes) {
   EXPECT_EQ(datagram, "<132>Warning: " + std::string(1'024 - 14, 'w'));
 }
 
-TEST_F(DailyLogDatagramTest, AServerThatDoesNotListenHarmsNothing) {
+TEST_F(DailyLogDatagramTest, AServerThatDoesNotListenChangesNothing) {
   ASSERT_TRUE(log.EnableSyslog("127.0.0.1:9", 0));
   for (int i = 0; i < 5; ++i) log.Info("lost\n");
   ASSERT_TRUE(log.EnableSyslog(Server().c_str(), -1));

@@ -27,7 +27,7 @@ class DailyLogTest : public testing::Test {
   DailyLog log{clock, files, sockets};
 };
 
-TEST_F(DailyLogTest, EveryLineHasItsTimeAndLevelAndNoLineEndOfTheLogs) {
+TEST_F(DailyLogTest, EveryLineHasItsTimeAndLevelAndTheLogAddsNoLineEnd) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   log.Info("one\n");
   clock.Advance(1'234);
@@ -72,7 +72,7 @@ TEST_F(DailyLogTest, WithoutAFileTheConsoleAndSyslogStillGetEveryLine) {
   EXPECT_EQ(sockets.datagrams, std::vector<std::string>{"<134>Info: x\n"});
 }
 
-TEST_F(DailyLogTest, ThePrinterWritesToItAndItTakesItselfOutWhenItGoes) {
+TEST_F(DailyLogTest, ThePrinterWritesToItUntilItIsDestroyed) {
   std::optional<DailyLog> mortal(std::in_place, clock, files, sockets);
   LogPrinter printer{clock, files};
   LogPrinter::Instance().SetTarget(&*mortal);
@@ -86,7 +86,7 @@ TEST_F(DailyLogTest, ThePrinterWritesToItAndItTakesItselfOutWhenItGoes) {
   EXPECT_EQ(files.files[kToday].bytes, "12:00:00.000: Info: through the printer\n");
 }
 
-TEST_F(DailyLogTest, APrinterTextThatIsCutKeepsItsCut) {
+TEST_F(DailyLogTest, ATextThatThePrinterCutIsLoggedAsItIs) {
   LogPrinter printer{clock, files};
   printer.SetTarget(&log);
   ASSERT_TRUE(log.Open("C:\\logs"));
@@ -109,7 +109,7 @@ TEST_F(DailyLogTest, EnumerationCallsBackWithoutTheLock) {
   const auto noteAndLog = [](const char* name, const char* path, void* opaque) {
     auto& found = *static_cast<Context*>(opaque);
     found.names.push_back(name);
-    // From another thread, which would wait for ever for a lock held here.
+    // Another thread would wait for ever if this thread held the lock.
     std::thread([&found, path] { found.log.Info(path); }).join();
     return false;
   };

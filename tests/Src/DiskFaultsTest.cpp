@@ -1,5 +1,5 @@
-// The daily log on a file system that is full or read-only. Runs natively, by
-// in-own-mounts.sh, which makes both.
+// The daily log on a file system that is full or read-only. Runs natively only, through
+// in-own-mounts.sh, which creates both.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A folder that the script has mounted a file system on.
+// A folder on which the script has mounted a file system.
 fs::path Mounted(const char* name) {
   const char* const mounts = std::getenv("CORVANE_MOUNTS");
   return mounts == nullptr ? fs::path() : fs::path(mounts) / name;
@@ -52,7 +52,7 @@ class DiskFaultsTest : public testing::Test {
   DailyLog log{clock};
 };
 
-TEST_F(DiskFaultsTest, FullFileSystemCostsTheLinesThatItDoesNotTakeAndNoOther) {
+TEST_F(DiskFaultsTest, FullFileSystemLosesOnlyTheLinesThatItCannotStore) {
   const fs::path folder = Mounted("full");
   const fs::path ballast = folder / "ballast";
   std::ofstream(ballast) << std::string(32 * 1024, 'b');
@@ -74,7 +74,7 @@ TEST_F(DiskFaultsTest, FullFileSystemCostsTheLinesThatItDoesNotTakeAndNoOther) {
   EXPECT_EQ(later.substr(full.size()), all);
 }
 
-TEST_F(DiskFaultsTest, FullFileSystemAtMidnightCostsNoLineOnceThereIsRoom) {
+TEST_F(DiskFaultsTest, FullFileSystemAtMidnightLosesNoLineOnceThereIsSpace) {
   const fs::path folder = Mounted("full");
   const fs::path ballast = folder / "ballast";
   ASSERT_TRUE(log.Open(AgentPath(folder).c_str()));
@@ -87,7 +87,7 @@ TEST_F(DiskFaultsTest, FullFileSystemAtMidnightCostsNoLineOnceThereIsRoom) {
   EXPECT_EQ(Bytes(folder / "Log2018-05-15.log"), Line(2) + Line(3));
 }
 
-TEST_F(DiskFaultsTest, ReadOnlyFileSystemHasNoLogAndHarmsNothing) {
+TEST_F(DiskFaultsTest, ReadOnlyFileSystemHasNoLogAndNoOtherEffect) {
   EXPECT_FALSE(log.Open(AgentPath(Mounted("read-only")).c_str()));
   Write(1);
   EXPECT_FALSE(log.Open(AgentPath(Mounted("read-only") / "new" / "folder").c_str()));

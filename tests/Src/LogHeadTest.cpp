@@ -8,6 +8,24 @@
 namespace Vask::Tests {
 namespace {
 
+TEST(TimeStampTest, HasLeadingZerosAndEndsInColonAndBlank) {
+  const struct {
+    const char* name;
+    Platform::LocalTime time;
+    const char* stamp;
+  } rows[] = {
+      {"start of the day", {2018, 5, 14, 0, 0, 0, 0}, "00:00:00.000: "},
+      {"one digit each", {2018, 5, 14, 9, 5, 3, 7}, "09:05:03.007: "},
+      {"two digits of milliseconds", {2018, 5, 14, 10, 20, 30, 40}, "10:20:30.040: "},
+      {"end of the day", {2018, 5, 14, 23, 59, 59, 999}, "23:59:59.999: "},
+  };
+  for (const auto& row : rows) {
+    char stamp[kTimeStampLength];
+    FormatTimeStamp(row.time, stamp);
+    EXPECT_EQ(std::string(stamp, sizeof stamp), row.stamp) << row.name;
+  }
+}
+
 using Platform::LocalTime;
 
 constexpr LocalTime kNoon{2018, 5, 14, 12, 0, 0, 7};
@@ -38,7 +56,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, LogHeads,
                                          LevelRow{"Trace", LogLevel::Trace, "TRACE: "}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// The rows follow one another on one maker.
+// All rows use the same maker, one after the other.
 TEST(LogHeadMakerTest, MakesAHeadAnewForEveryOtherTimeAndLevel) {
   const struct {
     const char* name;
@@ -66,7 +84,7 @@ TEST(LogHeadMakerTest, MakesAHeadAnewForEveryOtherTimeAndLevel) {
     EXPECT_EQ(heads.Make(row.time, row.level).Both(), row.head) << row.name;
 }
 
-// A clock that fails says so.
+// A clock that fails returns a time of zeros.
 TEST(LogHeadMakerTest, ATimeOfZerosHasItsHeadFromTheStart) {
   LogHeadMaker heads;
   EXPECT_EQ(heads.Make({}, LogLevel::Info).Both(), "00:00:00.000: Info: ");

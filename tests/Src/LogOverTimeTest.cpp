@@ -1,5 +1,5 @@
-// The log through days and nights: whatever the clock does, every line is in the
-// files, whole, and once.
+// The log over many days. Whatever the clock does, every line must be in the files,
+// whole and once.
 
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ class LogOverTimeTest : public testing::Test {
     log.WriteLine("T ", "P ", lines.back());
   }
 
-  // A line every so often.
+  // Writes a line at regular times.
   void WriteFor(std::int64_t timeMs, std::uint32_t everyMs) {
     for (std::int64_t passed = 0; passed < timeMs; passed += everyMs) {
       Write();
@@ -44,7 +44,7 @@ class LogOverTimeTest : public testing::Test {
     return files.files["C:\\logs\\Log" + date + ".log"].bytes;
   }
 
-  // Every line that was written is in one of the files, and nothing else is.
+  // Expects every written line in one of the files, and nothing else there.
   void ExpectEveryLineOnce() {
     std::size_t total = 0;
     std::string all;
@@ -65,7 +65,7 @@ class LogOverTimeTest : public testing::Test {
   std::vector<std::string> lines;
 };
 
-TEST_F(LogOverTimeTest, NoLineIsLostOrWrittenTwiceHoweverLongTheDays) {
+TEST_F(LogOverTimeTest, NoLineIsLostOrWrittenTwiceOnLongAndShortDays) {
   const struct {
     const char* name;
     LocalTime opened;
@@ -90,7 +90,7 @@ TEST_F(LogOverTimeTest, NoLineIsLostOrWrittenTwiceHoweverLongTheDays) {
   }
 }
 
-TEST_F(LogOverTimeTest, ClockThatIsSetBackADayGoesOnInTheSameFile) {
+TEST_F(LogOverTimeTest, ClockSetBackADayGoesOnInTheSameFile) {
   SetTime({2018, 5, 14, 12, 0, 0, 0});
   ASSERT_TRUE(log.Open("C:\\logs"));
   Write();
@@ -106,7 +106,7 @@ TEST_F(LogOverTimeTest, ClockThatIsSetBackADayGoesOnInTheSameFile) {
   ExpectEveryLineOnce();
 }
 
-TEST_F(LogOverTimeTest, ClockThatIsSetBackRightAfterMidnightRotatesNoSecondTime) {
+TEST_F(LogOverTimeTest, ClockSetBackRightAfterMidnightDoesNotRotateAgain) {
   SetTime({2018, 5, 14, 23, 59, 59, 0});
   ASSERT_TRUE(log.Open("C:\\logs"));
   Write();

@@ -13,7 +13,7 @@
 namespace Vask::Tests {
 namespace {
 
-// 3,072 characters, as a literal, since only those are accepted as formats.
+// 3,072 characters, as a literal, because the compiler accepts only literals as formats.
 #define TIMES_8(text) text text text text text text text text
 #define LONG_FORMAT TIMES_8(TIMES_8(TIMES_8("format")))
 
@@ -77,7 +77,7 @@ TEST_F(LogPrinterTest, WithBothFlagsOffNothingIsPrinted) {
   EXPECT_EQ(files.console, "");
 }
 
-TEST_F(LogPrinterTest, AMissingConsoleIsNoFailure) {
+TEST_F(LogPrinterTest, AMissingConsoleIsIgnored) {
   files.hasConsole = false;
   printer.Info("x\n");
   printer.Error("y\n");
@@ -94,7 +94,7 @@ TEST_F(LogPrinterTest, WithATargetEachLevelGoesThereAndNothingToTheConsole) {
   EXPECT_EQ(files.console, "");
 }
 
-TEST_F(LogPrinterTest, ALogThatGoesTakesOnlyItselfOut) {
+TEST_F(LogPrinterTest, ALogThatIsDestroyedRemovesOnlyItself) {
   RecordingLog log;
   RecordingLog other;
   printer.SetTarget(&log);

@@ -1,5 +1,6 @@
-// A second process for the tests: LogWriter FOLDER WORD LINES appends that many
-// lines with that word to the daily log in FOLDER, on the machine's own clock.
+// A second process for the tests: log_writer FOLDER WORD LINES appends that many lines
+// with that word to the daily log in FOLDER, with the machine's own clock. FOLDER may be
+// "stdout".
 
 #include <cstdio>
 #include <cstdlib>
@@ -9,7 +10,7 @@
 
 int main(int argc, char** argv) {
   if (argc != 4) {
-    std::fputs("usage: LogWriter FOLDER WORD LINES\n", stderr);
+    std::fputs("usage: log_writer FOLDER WORD LINES\n", stderr);
     return 2;
   }
   Vask::DailyLog log;

@@ -19,7 +19,7 @@ class MessageHistoryTest : public testing::Test {
   MessageHistory history;
 };
 
-TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsEach) {
+TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsChunks) {
   const struct {
     const char* name;
     std::size_t length;
@@ -45,12 +45,12 @@ TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsEach) {
   }
 }
 
-TEST_F(MessageHistoryTest, OfTheHeadOnlyWhatFitsIntoAChunkIsKept) {
+TEST_F(MessageHistoryTest, AHeadIsCutToOneChunk) {
   history.Store("T " + std::string(200, 'p'), "text");
   EXPECT_EQ(TextOf(history.Copy().Blocks()[0]), "T " + std::string(126, 'p') + "text");
 }
 
-TEST_F(MessageHistoryTest, WithFewMessagesAllAreThereOldestFirst) {
+TEST_F(MessageHistoryTest, FewMessagesAreAllKeptOldestFirst) {
   Store("1");
   Store("2");
   const MessageHistoryCopy copy = history.Copy();
@@ -72,13 +72,13 @@ TEST_F(MessageHistoryTest, TheTwentyNewestStayOldestFirst) {
   EXPECT_EQ(copy.TotalLength(), length);
 }
 
-TEST_F(MessageHistoryTest, AnEmptyHistoryCopiesToNothing) {
+TEST_F(MessageHistoryTest, TheCopyOfAnEmptyHistoryIsEmpty) {
   const MessageHistoryCopy copy = history.Copy();
   EXPECT_EQ(copy.Count(), 0u);
   EXPECT_EQ(copy.TotalLength(), 0u);
 }
 
-TEST_F(MessageHistoryTest, ACopyIsNotTouchedByLaterMessages) {
+TEST_F(MessageHistoryTest, LaterMessagesDoNotChangeACopy) {
   Store("kept");
   const MessageHistoryCopy copy = history.Copy();
   for (int i = 0; i < 40; ++i) Store("later");

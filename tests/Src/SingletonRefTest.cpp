@@ -16,7 +16,7 @@ namespace {
 using Thread::DestroySingletons;
 using Thread::SingletonRef;
 
-// What the singletons below did, in order: "+A" and "-A".
+// What the singletons below did, in order: "+A" is a construction, "-A" a destruction.
 std::vector<std::string>& Deeds() {
   static std::vector<std::string> deeds;
   return deeds;
@@ -66,7 +66,7 @@ TEST_F(SingletonRefTest, TheInstanceIsBuiltOnFirstUseAndStaysTheSame) {
   EXPECT_EQ(Deeds(), std::vector<std::string>{"+A"});
 }
 
-TEST_F(SingletonRefTest, DestroyingGoesInReverseOrderOfConstruction) {
+TEST_F(SingletonRefTest, InstancesAreDestroyedInReverseOrderOfConstruction) {
   B::Instance();
   C::Instance();
   A::Instance();
@@ -75,20 +75,20 @@ TEST_F(SingletonRefTest, DestroyingGoesInReverseOrderOfConstruction) {
   EXPECT_EQ(Deeds(), (std::vector<std::string>{"+B", "+C", "+A", "-A", "-C", "-B"}));
 }
 
-TEST_F(SingletonRefTest, WhatAConstructorAsksForLivesLonger) {
+TEST_F(SingletonRefTest, AnInstanceThatAConstructorUsesLivesLonger) {
   UsesB::Instance();
   DestroySingletons();
   EXPECT_EQ(Deeds(), (std::vector<std::string>{"+B", "+UsesB", "-UsesB", "-B"}));
 }
 
-TEST_F(SingletonRefTest, ADestructorThatAsksForOneThatIsGoneGetsANewOneThatGoesToo) {
+TEST_F(SingletonRefTest, ADestructorThatUsesADestroyedInstanceGetsANewOneThatIsDestroyedToo) {
   AsksForAWhenItGoes::Instance();
   A::Instance();
   DestroySingletons();
   EXPECT_EQ(Deeds(), (std::vector<std::string>{"+A", "-A", "+A", "-Asks", "-A"}));
 }
 
-TEST_F(SingletonRefTest, AfterDestructionAnInstanceIsBuiltAnew) {
+TEST_F(SingletonRefTest, AfterDestructionANewInstanceIsBuilt) {
   A::Instance();
   DestroySingletons();
   A::Instance();
@@ -101,7 +101,7 @@ TEST_F(SingletonRefTest, DestroyingNothingDoesNothing) {
   EXPECT_TRUE(Deeds().empty());
 }
 
-TEST_F(SingletonRefTest, ThreadsThatAskAtOnceGetOneInstance) {
+TEST_F(SingletonRefTest, ThreadsThatAskAtTheSameTimeGetOneInstance) {
   std::array<A*, 4> seen{};
   std::vector<std::thread> threads;
   for (A*& instance : seen) threads.emplace_back([&instance] { instance = &A::Instance(); });
@@ -114,7 +114,7 @@ struct Loud : SingletonRef<Loud> {
   ~Loud() { std::fputs("destroyed\n", stderr); }
 };
 
-TEST(SingletonRefDeathTest, TheEndOfTheProcessLeavesInstancesAlone) {
+TEST(SingletonRefDeathTest, TheEndOfTheProcessDestroysNoInstance) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(
       {

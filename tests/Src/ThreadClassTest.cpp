@@ -13,7 +13,7 @@
 namespace Vask::Tests {
 namespace {
 
-// Runs until it is told to stop, and notes what happened in which order.
+// Runs until it is stopped, and records what happened in which order.
 class Worker final : public ThreadClass {
  public:
   explicit Worker(Platform::Threading& threading = Platform::SystemThreading())
@@ -21,13 +21,13 @@ class Worker final : public ThreadClass {
 
   using ThreadClass::HasThread;
 
-  std::vector<std::string> deeds;  // the hooks' and, once stopped, the body's
+  std::vector<std::string> deeds;  // of the hooks and, after the stop, of the body
   std::thread::id bodyThread;
   bool runsUntilStopped = true;
 
  private:
   void Run() override {
-    if (runsUntilStopped) (void)m_stop.Wait(Platform::kInfinite);
+    if (runsUntilStopped) static_cast<void>(m_stop.Wait(Platform::kInfinite));
     bodyThread = std::this_thread::get_id();
     deeds.push_back("body ends");
   }
@@ -51,7 +51,7 @@ TEST(ThreadClassTest, RunsTheBodyOnAThreadOfItsOwnUntilStopped) {
   EXPECT_NE(worker.bodyThread, std::this_thread::get_id());
 }
 
-TEST(ThreadClassTest, ASecondStartIsRefusedAndHarmsNothing) {
+TEST(ThreadClassTest, ASecondStartIsRefusedAndChangesNothing) {
   Worker worker;
   ASSERT_TRUE(worker.Start());
   EXPECT_FALSE(worker.Start());
@@ -74,7 +74,7 @@ TEST(ThreadClassTest, StopWithoutAThreadDoesNothing) {
   EXPECT_TRUE(worker.deeds.empty());
 }
 
-TEST(ThreadClassTest, ABodyThatEndedByItselfIsStillJoinedByStop) {
+TEST(ThreadClassTest, StopJoinsABodyThatEndedByItself) {
   ScriptedThreading threading;
   Worker worker(threading);
   worker.runsUntilStopped = false;
@@ -100,7 +100,7 @@ TEST(ThreadClassTest, ABodyThatEndsByItselfNeedsNoHooks) {
   EXPECT_TRUE(errand.isDone);
 }
 
-TEST(ThreadClassTest, AThreadThatCannotBeCreatedLeavesNoTask) {
+TEST(ThreadClassTest, AThreadThatCannotBeCreatedHasNoTask) {
   ScriptedThreading threading;
   threading.nextThread = nullptr;
   Worker worker(threading);
@@ -119,7 +119,7 @@ TEST(ThreadClassTest, WithoutEventsNoThreadIsStarted) {
   EXPECT_EQ(threading.started, 0u);
 }
 
-TEST(ThreadClassTest, DestroyingOneWithAThreadIsReportedAndGoesOn) {
+TEST(ThreadClassTest, DestructionWithAThreadIsReportedAndGoesOn) {
   ScriptedThreading threading;
   RecordingLog log;
   {
@@ -132,7 +132,7 @@ TEST(ThreadClassTest, DestroyingOneWithAThreadIsReportedAndGoesOn) {
                 "Error: +++ ASSERT(m_pTask==0) failed at ..\\..\\Src\\ThreadClass(26)\n"});
 }
 
-TEST(ThreadClassTest, DestroyingAnIdleOneReportsNothing) {
+TEST(ThreadClassTest, DestructionWithoutAThreadReportsNothing) {
   RecordingLog log;
   { Worker worker; }
   EXPECT_TRUE(log.Lines().empty());

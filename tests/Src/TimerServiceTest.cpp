@@ -7,10 +7,12 @@
 #include <functional>
 #include <future>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/ForwardingThreading.h"
 #include "tests/support/ScriptedThreading.h"
@@ -18,9 +20,33 @@
 namespace Vask::Tests {
 namespace {
 
+TEST(TimerNodeStoreTest, AllocatesBlocksOf32AsTheyAreNeeded) {
+  TimerNodeStore store;
+  EXPECT_EQ(store.BlockCount(), 0u);
+  std::set<TimerNode*> nodes;
+  for (int i = 0; i < 32; ++i) nodes.insert(store.Take());
+  EXPECT_EQ(store.BlockCount(), 1u);
+  nodes.insert(store.Take());
+  EXPECT_EQ(store.BlockCount(), 2u);
+  EXPECT_EQ(nodes.size(), 33u);
+}
+
+TEST(TimerNodeStoreTest, FreedNodesAreUsedBeforeAnythingIsAllocated) {
+  TimerNodeStore store;
+  std::vector<TimerNode*> nodes;
+  for (int round = 0; round < 10; ++round) {
+    for (int i = 0; i < 32; ++i) nodes.push_back(store.Take());
+    while (!nodes.empty()) {
+      store.PutBack(nodes.back());
+      nodes.pop_back();
+    }
+  }
+  EXPECT_EQ(store.BlockCount(), 1u);
+}
+
 using Platform::kInfinite;
 
-// Notes its name at every call and does what a test asks for.
+// Records its name at every call and does what a test wants.
 class Client final : public ITimerServiceClient {
  public:
   Client(std::string name, std::vector<std::string>& calls)
@@ -42,8 +68,8 @@ class Client final : public ITimerServiceClient {
 
 class TimerServiceTest : public testing::Test {
  protected:
-  // Lets time pass millisecond by millisecond, as the thread would see it, and
-  // answers when calls came, counted from now.
+  // Lets time pass millisecond by millisecond, as the thread would see it. Returns the
+  // times of the calls, counted from now.
   std::vector<std::uint32_t> CallTimes(std::uint32_t milliseconds) {
     std::vector<std::uint32_t> times;
     for (std::uint32_t passed = 0;; ++passed) {
@@ -67,7 +93,7 @@ class TimerServiceTest : public testing::Test {
 using Times = std::vector<std::uint32_t>;
 using Calls = std::vector<std::string>;
 
-TEST_F(TimerServiceTest, ATimerComesAfterItsPeriodAndThenFiveMillisecondsEarlier) {
+TEST_F(TimerServiceTest, ATimerIsDueAfterItsPeriodAndThenFiveMillisecondsEarlier) {
   service.SetTimer(2500, &a);
   EXPECT_EQ(CallTimes(10'000), (Times{2500, 2500 + 2495, 2500 + 2 * 2495, 2500 + 3 * 2495}));
 }
@@ -96,7 +122,7 @@ TEST_F(TimerServiceTest, TheRepeatPeriodIsFiveLessOnlyAboveFive) {
   }
 }
 
-TEST_F(TimerServiceTest, ClientsHaveTheirTimersBesideEachOther) {
+TEST_F(TimerServiceTest, EachClientHasItsOwnTimer) {
   service.SetTimer(20, &a);
   service.SetTimer(30, &b);
   service.SetTimer(10, &c);
@@ -106,7 +132,7 @@ TEST_F(TimerServiceTest, ClientsHaveTheirTimersBesideEachOther) {
   EXPECT_EQ(calls, (Calls{"c", "a", "b"}));
 }
 
-TEST_F(TimerServiceTest, OfTimersDueTogetherTheLatestComesFirst) {
+TEST_F(TimerServiceTest, OfTimersDueTogetherTheLatestIsCalledFirst) {
   service.SetTimer(20, &a);
   service.SetTimer(20, &b);
   clock.Advance(10);
@@ -117,7 +143,7 @@ TEST_F(TimerServiceTest, OfTimersDueTogetherTheLatestComesFirst) {
   EXPECT_EQ(calls, (Calls{"c", "b", "a"}));
 }
 
-TEST_F(TimerServiceTest, ATurnCallsOneClientAndTellsHowLongToWait) {
+TEST_F(TimerServiceTest, AStepCallsOneClientAndReturnsHowLongToWait) {
   EXPECT_EQ(service.Step(), kInfinite);
   service.SetTimer(20, &a);
   service.SetTimer(20, &b);
@@ -131,7 +157,7 @@ TEST_F(TimerServiceTest, ATurnCallsOneClientAndTellsHowLongToWait) {
   EXPECT_EQ(calls, (Calls{"b", "a"}));
 }
 
-TEST_F(TimerServiceTest, AKilledTimerComesNoMoreAndOthersStay) {
+TEST_F(TimerServiceTest, AKilledTimerIsNeverCalledAndOthersStay) {
   service.SetTimer(10, &a);
   service.SetTimer(12, &b);
   service.KillTimer(&a);
@@ -176,14 +202,14 @@ TEST_F(TimerServiceTest, TheNextPeriodCountsFromTheBeginningOfASlowCall) {
   EXPECT_EQ(service.Step(), 50u);
 }
 
-TEST_F(TimerServiceTest, AfterALongSleepATimerComesOnceAndGoesOnFromThere) {
+TEST_F(TimerServiceTest, AfterALongSleepATimerIsCalledOnceAndGoesOnFromThere) {
   service.SetTimer(100, &a);
   clock.Advance(100'000);
   EXPECT_EQ(service.Step(), 95u);
   EXPECT_EQ(calls, Calls{"a"});
 }
 
-TEST_F(TimerServiceTest, ATickThatWrapsNeitherFiresNorStallsTimers) {
+TEST_F(TimerServiceTest, AWrapOfTheTickNeitherFiresNorStallsTimers) {
   clock.tick = 0xFFFFFFF0u;
   service.SetTimer(0x10, &a);
   service.SetTimer(0x40, &b);
@@ -207,7 +233,7 @@ TEST_F(TimerServiceTest, TheClockGoesOnRisingOverManyWraps) {
   EXPECT_EQ(calls.size(), 4u);
 }
 
-TEST_F(TimerServiceTest, TheLongestPeriodIsNoWaitForEver) {
+TEST_F(TimerServiceTest, TheLongestPeriodIsNoInfiniteWait) {
   service.SetTimer(kInfinite, &a);
   EXPECT_EQ(service.Step(), kInfinite - 1);
   clock.Advance(kInfinite - 1);
@@ -237,7 +263,7 @@ TEST_F(TimerServiceTest, ReplaceTimerAndChangesTheTimerAndTheState) {
   EXPECT_EQ(CallTimes(30), Times{30});
 }
 
-// The state is no atomic: a race detector sees whether the lock covers it.
+// The state is not atomic, so a race detector sees whether the lock protects it.
 TEST_F(TimerServiceTest, DecisionsAndReplacementsExcludeEachOther) {
   constexpr int kRounds = 2'000;
   int generation = 0;
@@ -256,7 +282,26 @@ TEST_F(TimerServiceTest, DecisionsAndReplacementsExcludeEachOther) {
   EXPECT_EQ(service.Step(), 1'000u) << "the last replacement's timer is never killed";
 }
 
-TEST_F(TimerServiceTest, MoreTimersThanABlockHoldsAllCome) {
+TEST_F(TimerServiceTest, TimersThatAreKilledOrReplacedLeaveTheirMemoryToTheNext) {
+  const auto nothing = [](void*) {};
+  const auto always = [](void*) { return true; };
+  const auto round = [&] {
+    for (int i = 0; i < 32; ++i) {  // as many as a block holds
+      service.SetTimer(10, &a);
+      service.KillTimer(&a);
+      service.SetTimer(10, &a);
+      service.KillTimerIf(&a, always, nullptr);
+      service.ReplaceTimerAnd(10, &a, nothing, nullptr);
+    }
+    service.KillTimer(&a);
+  };
+  round();
+  const std::uint64_t before = Allocations();
+  for (int i = 0; i < 10; ++i) round();
+  EXPECT_EQ(Allocations() - before, 0u);
+}
+
+TEST_F(TimerServiceTest, MoreTimersThanABlockHoldsAreAllCalled) {
   std::vector<Client> clients(100, Client{"x", calls});
   for (Client& client : clients) service.SetTimer(10, &client);
   clock.Advance(10);
@@ -265,11 +310,11 @@ TEST_F(TimerServiceTest, MoreTimersThanABlockHoldsAllCome) {
   EXPECT_EQ(calls.size(), 100u);
 }
 
-// The machine's threads and events; keeps every time-out that is waited with on
-// the service's thread.
+// The machine's threads and events. Keeps the timeout of every wait of the service's
+// thread.
 class WaitRecorder final : public ForwardingThreading {
  public:
-  // Blocks until the thread has begun that many waits, and answers them.
+  // Blocks until the thread has begun that many waits, and returns their timeouts.
   std::vector<std::uint32_t> Waits(std::size_t count) {
     std::unique_lock lock(m_mutex);
     m_changed.wait(lock, [this, count] { return m_waits.size() >= count; });
@@ -292,7 +337,7 @@ class WaitRecorder final : public ForwardingThreading {
   std::vector<std::uint32_t> m_waits;
 };
 
-TEST(TimerServiceThreadTest, AnIdleServiceWaitsWithoutLimitAndNeverTurnsInVain) {
+TEST(TimerServiceThreadTest, AnIdleServiceWaitsWithoutLimitAndWakesOnlyForAReason) {
   FakeClock clock;
   WaitRecorder threading;
   TimerService service(clock, threading);
@@ -332,7 +377,7 @@ TEST(TimerServiceThreadTest, StartsOnceAndStartsAgainAfterStopping) {
   service.StopService();
 }
 
-TEST(TimerServiceThreadTest, AServiceWithoutThreadSaysSoAndCanBeDestroyed) {
+TEST(TimerServiceThreadTest, AServiceWhoseThreadCannotStartReportsItAndCanBeDestroyed) {
   FakeClock clock;
   ScriptedThreading threading;
   threading.nextThread = nullptr;
@@ -364,7 +409,7 @@ TEST(TimerServiceThreadTest, StoppingWaitsForACallThatHasBegun) {
   releasing.join();
 }
 
-TEST(TimerServiceThreadTest, ARunningServiceStopsItselfWhenItIsDestroyed) {
+TEST(TimerServiceThreadTest, TheDestructorStopsARunningService) {
   ASSERT_TRUE(TimerService().StartService());
 }
 

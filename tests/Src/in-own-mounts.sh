@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a program with file systems that only it sees: one of 64 KiB, one that is
-# read-only. They go with it.
+# Runs a program with two file systems that only this program sees: one of 64 KiB and
+# one that is read-only. They vanish when the program ends.
 #
 #   in-own-mounts.sh PROGRAM [ARGUMENTS...]
 set -euo pipefail

@@ -5,8 +5,6 @@
 #include <string>
 
 #include "agent/SNMPExtensionAgent.h"
-#include "agent/Traps.h"
-#include "agent/Variables.h"
 #include "platform/Threading.h"
 #include "tests/support/Binding.h"
 #include "tests/support/FakeClock.h"
@@ -17,12 +15,12 @@ namespace Agent::Tests {
 using Vask::Tests::Binding;
 using Vask::Tests::FullName;
 
-// What came of a request for one binding, as text: status, name, value.
+// The outcome of a request for one binding, as text: status, name, value.
 inline std::string Outcome(INT status, const Binding& binding) {
   return std::to_string(status) + " " + binding.Name() + " = " + binding.Value();
 }
 
-// An agent without variables and traps, a clock that stands still, and the log.
+// An agent without variables and traps, a clock that stands still, and a log.
 class EmptyAgentTest : public ::testing::Test {
  protected:
   std::string Get(const std::string& name) {
@@ -45,12 +43,12 @@ class EmptyAgentTest : public ::testing::Test {
   SNMPExtensionAgent agent{clock, Vask::Platform::SystemThreading()};
 };
 
-// An agent with the variables and traps that it starts with, and an empty log.
+// An agent with its variables and traps, and an empty log.
 class AgentTest : public EmptyAgentTest {
  protected:
   AgentTest() {
-    RegisterVariables(agent.Variables());
-    RegisterTraps(agent.Traps());
+    agent.RegisterVariables();
+    agent.RegisterTraps();
     log.Clear();
   }
 };

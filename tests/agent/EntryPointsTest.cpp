@@ -1,13 +1,13 @@
 #include "agent/EntryPoints.h"
 
 #include "agent/ObjectIdentifier.h"
-#include "tests/agent/LifecycleFixture.h"
+#include "tests/agent/AgentProcessFixture.h"
 
 namespace Agent::Tests {
 
 namespace {
 
-class EntryPointsTest : public LifecycleTest {
+class EntryPointsTest : public AgentProcessTest {
  protected:
   std::string Query(BYTE pduType, std::vector<SnmpVarBind> bindings) {
     SnmpVarBindList list{bindings.data(), static_cast<UINT>(bindings.size())};
@@ -45,7 +45,7 @@ TEST_F(EntryPointsTest, InitHandsOutTheViewAndTheEventAndStartsTheClockOfTraps) 
   EXPECT_EQ(entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings), FALSE);
 }
 
-TEST_F(EntryPointsTest, FailedStartHandsOutTheSameAndIsLoggedAsStarted) {
+TEST_F(EntryPointsTest, FailedStartHandsOutTheSameAndLogsTheSame) {
   threading.refusedStarts = {kLinkThread};
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
@@ -55,7 +55,7 @@ TEST_F(EntryPointsTest, FailedStartHandsOutTheSameAndIsLoggedAsStarted) {
   EXPECT_EQ(StartLines().back(), "Info: Extension agent started!");
 }
 
-TEST_F(EntryPointsTest, RequestsFindWhatAFailedStartHadRegistered) {
+TEST_F(EntryPointsTest, RequestsFindTheVariablesOfAFailedStart) {
   threading.refusedStarts = {kLinkThread};
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
@@ -64,7 +64,7 @@ TEST_F(EntryPointsTest, RequestsFindWhatAFailedStartHadRegistered) {
   EXPECT_EQ(Query(SNMP_PDU_GET, {binding.Get()}), "TRUE 0/0");
 }
 
-TEST_F(EntryPointsTest, FailedStartWithoutALogTellsTheConsole) {
+TEST_F(EntryPointsTest, FailedStartWithoutALogWritesToTheConsole) {
   files.commonData.clear();
   Vask::Tests::RecordingLog console;
   HANDLE event = nullptr;
@@ -74,11 +74,11 @@ TEST_F(EntryPointsTest, FailedStartWithoutALogTellsTheConsole) {
   EXPECT_EQ(console.Lines(), std::vector<std::string>{"Info: Extension agent started!\n"});
 }
 
-TEST_F(EntryPointsTest, EachTypeOfRequestHasItsAnswer) {
+TEST_F(EntryPointsTest, EachTypeOfRequestHasItsStatus) {
   struct Row {
     const char* what;
     BYTE pduType;
-    const char* answer;
+    const char* result;
   };
   for (const Row& row : {
            Row{"Get", 0xA0, "TRUE 2/0"},
@@ -88,7 +88,7 @@ TEST_F(EntryPointsTest, EachTypeOfRequestHasItsAnswer) {
            Row{"anything else", 0x42, "TRUE 2/0"},
        }) {
     Binding binding("P.0.0");
-    EXPECT_EQ(Query(row.pduType, {binding.Get()}), row.answer) << row.what;
+    EXPECT_EQ(Query(row.pduType, {binding.Get()}), row.result) << row.what;
     EXPECT_EQ(binding.Value(), "none") << row.what;
   }
   EXPECT_EQ(Query(0xA0, {}), "TRUE 0/0");

@@ -1,6 +1,6 @@
-// Trees written by hand, with SEQUENCE variables in every place, and for each
-// of them three standing questions: are the names ascending, does Get answer
-// every one of them, and does GetNext chain them and end.
+// Trees written by hand, with SEQUENCE variables in every position. For each tree
+// the names must ascend, Get must read every name, and GetNext must visit all
+// names and end.
 
 #include <algorithm>
 #include <vector>
@@ -20,14 +20,14 @@ struct Variable {
 struct Tree {
   const char* what;
   std::vector<Variable> variables;  // in the order of their names
-  // What a walk from the prefix on prints, name after name, and at its end the
-  // status and the name that it stopped with.
+  // The names of a walk from the prefix on, then the status and the name with
+  // which it ends.
   const char* walk;
   const char* lastLine;
 };
 
-// A SEQUENCE that lies first is met under its bare name, which has no value;
-// behind its last cell the walk passes over a following number or text.
+// A walk meets a first SEQUENCE by its bare name, which has no value. Behind the
+// last cell it passes over a following number or text.
 const Tree kTrees[] = {
     {"numbers and a text",
      {{{0, 0}, kTypeInt, 0}, {{1, 0}, kTypeString, 0}, {{2, 0}, kTypeInt, 0}},
@@ -102,7 +102,7 @@ class HandWrittenTreeTest : public EmptyAgentTest {
     return entry;
   }
 
-  // Names of everything that has a value, with that value, in order.
+  // The names that have a value, with their values, in order.
   std::vector<std::pair<std::string, std::string>> Readable() const {
     std::vector<std::pair<std::string, std::string>> all;
     for (const Variable& variable : m_tree->variables) {
@@ -138,12 +138,12 @@ TEST_P(EveryTreeTest, NamesAreStrictlyAscending) {
   EXPECT_EQ(count, GetParam().variables.size());
 }
 
-TEST_P(EveryTreeTest, GetAnswersEveryName) {
+TEST_P(EveryTreeTest, GetReadsEveryName) {
   for (const auto& [name, value] : Readable())
     EXPECT_EQ(Get(name), "0 " + name + " = " + value) << GetParam().what;
 }
 
-TEST_P(EveryTreeTest, GetNextChainsThemAndEnds) {
+TEST_P(EveryTreeTest, GetNextVisitsAllNamesAndEnds) {
   std::string walk;
   Binding binding("P");
   INT status = agent.GetNextRequest(binding.Get());
@@ -176,7 +176,7 @@ TEST_F(HandWrittenTreeTest, WalkCarriesTheValuesOfTheCells) {
   EXPECT_EQ(GetNext("P.1.1.2.1"), "0 P.1.1.2.2 = STRING '2.2'");
 }
 
-TEST_F(HandWrittenTreeTest, PartOfACellNameIsCompletedAndThatCellAnswered) {
+TEST_F(HandWrittenTreeTest, PartOfACellNameIsCompletedAndThatCellReturned) {
   Plant(kTwoRowsBetweenNumbers);
   struct Row {
     const char* what;
@@ -204,13 +204,13 @@ TEST_F(HandWrittenTreeTest, PartOfACellNameIsCompletedAndThatCellAnswered) {
   }
 }
 
-TEST_F(HandWrittenTreeTest, SequenceMetAsTheFirstBehindAnswersItsBareNameWithoutValue) {
+TEST_F(HandWrittenTreeTest, SequenceAfterAnUnknownNameReturnsItsBareNameWithoutValue) {
   Plant(kTwoRowsBetweenNumbers);
   EXPECT_EQ(GetNext("P.0.1"), "0 P.1 = none");
   EXPECT_EQ(LastLine(), "Info: GetNextRequest: next available = " + FullName("P.1") + "\n");
 }
 
-TEST_F(HandWrittenTreeTest, RowsMayComeAndGoBetweenTwoSteps) {
+TEST_F(HandWrittenTreeTest, RowsMayChangeBetweenTwoSteps) {
   Plant(kTwoRowsBetweenNumbers);
   MIB_ENTRY& rows = *agent.Variables().Find("Variable1");
   EXPECT_EQ(GetNext("P.1.1.1.1"), "0 P.1.1.1.2 = STRING '2.1'");
@@ -225,7 +225,7 @@ TEST_F(HandWrittenTreeTest, RowsMayComeAndGoBetweenTwoSteps) {
   EXPECT_EQ(GetNext("P.1.1.1.1"), "2 P.2.0 = none");
 }
 
-TEST_F(HandWrittenTreeTest, StepThatFailsAfterRenamingLeavesTheNewName) {
+TEST_F(HandWrittenTreeTest, StepThatFailsAfterRenamingKeepsTheNewName) {
   Plant(kTwoRowsBetweenNumbers);
   Binding binding("P.1.1.2.2");
   EXPECT_EQ(agent.GetNextRequest(binding.Get()), SNMP_ERRORSTATUS_NOSUCHNAME);

@@ -1,14 +1,14 @@
-// What happens when there is no memory, and that all memory goes back.
+// The agent without memory; and the agent frees all its memory.
 
 #include <new>
 #include <string>
 
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
-#include "agent/TrapQueue.h"
-#include "tests/support/AllocationFault.h"
-#include "tests/agent/LifecycleFixture.h"
+#include "tests/agent/AgentProcessFixture.h"
 #include "tests/agent/TrapFloodFixture.h"
+#include "tests/agent/UpdatesFixture.h"
+#include "tests/support/AllocationFault.h"
 
 namespace Agent::Tests {
 
@@ -32,7 +32,7 @@ TEST_F(MibTableMemoryTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehi
   MibTable& table = agent.Variables();
   const auto before = HeldBlocks();
   {
-    const FailingAllocations failing(1);  // the entry itself may be had
+    const FailingAllocations failing(1);  // enough for the entry
     EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
   }
   {
@@ -40,7 +40,7 @@ TEST_F(MibTableMemoryTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehi
     EXPECT_EQ(table.RegisterString(Lend(kFirstSuffix), "Text", nullptr, 64, "x"), nullptr);
   }
   {
-    const FailingAllocations failing(2);  // entry and value, not its place in the list
+    const FailingAllocations failing(2);  // enough for entry and value, not for the node
     EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
   }
   EXPECT_EQ(HeldBlocks(), before);
@@ -49,7 +49,7 @@ TEST_F(MibTableMemoryTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehi
   EXPECT_EQ(table.Ordered().Head(), nullptr);
 }
 
-TEST_F(TrapMemoryTest, WithoutMemoryNothingIsQueuedAndTheAnswerIsStillTrue) {
+TEST_F(TrapMemoryTest, QueueWithoutMemoryStaysEmptyAndTakeKeepsTheRecord) {
   TrapQueue queue;
   const std::string name = "TrapAudioSilenceDetectFailedUpdated";
   for (const int allowed : {0, 1}) {
@@ -67,23 +67,23 @@ TEST_F(TrapMemoryTest, WithoutMemoryNothingIsQueuedAndTheAnswerIsStillTrue) {
   EXPECT_EQ(trap->m_name, name);
 }
 
-TEST_F(TrapMemoryTest, TrapThatCannotBeKeptLeavesTheEventAlone) {
+TEST_F(TrapMemoryTest, TrapWithoutMemoryDoesNotSignalTheEvent) {
   log.Clear();
-  bool answer = false;
+  bool known = false;
   {
-    // The log keeps its lines in memory: stand it aside for the duration.
+    // RecordingLog allocates: no line may reach it.
     Vask::LogPrinter::Instance().SetTarget(nullptr);
     Vask::LogPrinter::Instance().SetConsole(false);
     const FailingAllocations failing;
-    answer = agent.Traps().Queue("TrapAudioSilenceDetectFailedUpdated");
+    known = agent.Traps().Queue("TrapAudioSilenceDetectFailedUpdated");
   }
   Vask::LogPrinter::Instance().SetConsole(true);
-  EXPECT_TRUE(answer);
+  EXPECT_TRUE(known);
   EXPECT_EQ(agent.Traps().QueuedCount(), 0u);
   EXPECT_FALSE(EventIsSet());
 }
 
-TEST_F(TrapFloodTest, MemoryGoesBackOnceAFloodIsDelivered) {
+TEST_F(TrapFloodTest, MemoryIsFreedAfterAFloodIsDelivered) {
   agent.Traps().Queue("TrapStreamsOK");
   const auto before = HeldBlocks();
   QueueAll();
@@ -94,15 +94,46 @@ TEST_F(TrapFloodTest, MemoryGoesBackOnceAFloodIsDelivered) {
   EXPECT_EQ(HeldBlocks(), before);
 }
 
-// Without memory something must give; no exception leaves an entry point.
-TEST_F(LifecycleTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
+// A connection without its timer would never request an update. So it does not
+// count, and the next one is the first again.
+TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
+  const auto connectWithoutMemory = [this] {
+    // RecordingLog allocates: no line may reach it.
+    Vask::LogPrinter::Instance().SetTarget(nullptr);
+    Vask::LogPrinter::Instance().SetConsole(false);
+    {
+      const FailingAllocations failing;
+      EXPECT_THROW(connectNotify.OnConnected(), std::bad_alloc);
+    }
+    Vask::LogPrinter::Instance().SetConsole(true);
+    Vask::LogPrinter::Instance().SetTarget(&log);
+  };
+  connectWithoutMemory();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+  EXPECT_EQ(timers.Step(), Vask::Platform::kInfinite);
+
+  connectNotify.OnConnectFailed();
+  EXPECT_EQ(TakeTraps(), Traps{11}) << "the state was still unknown";
+  connectWithoutMemory();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
+
+  connectNotify.OnConnected();
+  EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 0");
+  Pass(14'999);
+  EXPECT_TRUE(link.frames.empty());
+  Pass(1);
+  EXPECT_EQ(link.frames, std::vector<std::string>{UpdateRequestFrame()});
+}
+
+// No exception leaves an entry point.
+TEST_F(AgentProcessTest, ExceptionInInitIsLoggedAndReturnsFalse) {
   const std::string line = "Error: Cannot initialize SNMP extension agent: exception!";
   for (int start = 0; start < 100; ++start) threading.refusedStarts.insert(start);
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
-  ASSERT_EQ(entries.Init(&event, &view), FALSE);  // makes log and folders
+  ASSERT_EQ(entries.Init(&event, &view), FALSE);  // creates the log and its folders
   ASSERT_FALSE(Has(line));
-  // Wherever in the start memory ends.
+  // Let each allocation of the start be the first that fails.
   for (int allowed = 0; allowed < 30; ++allowed) {
     const FailingAllocations failing(allowed);
     EXPECT_EQ(entries.Init(&event, &view), FALSE);
@@ -110,7 +141,7 @@ TEST_F(LifecycleTest, ExceptionInInitIsLoggedAndAnsweredWithFalse) {
   EXPECT_TRUE(Has(line));
 }
 
-TEST_F(LifecycleTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
+TEST_F(AgentProcessTest, ExceptionInQueryAndTrapIsLoggedAndReturnsFalse) {
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
   ASSERT_EQ(entries.Init(&event, &view), TRUE);
@@ -136,20 +167,20 @@ TEST_F(LifecycleTest, ExceptionInQueryAndTrapIsLoggedAndAnsweredWithFalse) {
   EXPECT_EQ(lines[lines.size() - 1], line);
 }
 
-TEST_F(LifecycleTest, WholeAgentGivesAllItsMemoryBack) {
+TEST_F(AgentProcessTest, AgentFreesAllItsMemory) {
   const auto cycle = [this] {
     SNMPExtensionAgent fresh(clock, threading);
-    RegisterVariables(fresh.Variables());
-    RegisterTraps(fresh.Traps());
+    fresh.RegisterVariables();
+    fresh.RegisterTraps();
     fresh.Traps().Queue("TrapStreamsOK");
     Binding binding("P");
     while (fresh.GetNextRequest(binding.Get()) == SNMP_ERRORSTATUS_NOERROR) {
-      Binding answered("P");
-      std::swap(answered.Get().value, binding.Get().value);
+      Binding taken("P");
+      std::swap(taken.Get().value, binding.Get().value);
     }
   };
-  ASSERT_TRUE(log.Open("C:\\Data"));
-  Vask::LogPrinter::Instance().SetTarget(&log);
+  ASSERT_TRUE(whole.log.Open("C:\\Data"));
+  Vask::LogPrinter::Instance().SetTarget(&whole.log);
   for (int warmUp = 0; warmUp < 3; ++warmUp) cycle();
   const auto before = HeldBlocks();
   cycle();

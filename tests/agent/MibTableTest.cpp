@@ -24,7 +24,7 @@ std::string NamesInOrder(const MibTable& table) {
 }
 
 TEST_F(MibTableTest, DumpOfTheStartSetHasEightLinesFromTheLastVariableToTheFirst) {
-  RegisterVariables(agent.Variables());
+  agent.RegisterVariables();
   const std::vector<std::string> expected{
       "Info: MIB TABLE 'AudioSourcesSilence':INT = " + FullName("P.2.4") + "\n",
       "Info: MIB TABLE 'AudioSourcesErrors':INT = " + FullName("P.2.3") + "\n",
@@ -38,7 +38,7 @@ TEST_F(MibTableTest, DumpOfTheStartSetHasEightLinesFromTheLastVariableToTheFirst
   EXPECT_EQ(log.Lines(), expected);
 }
 
-TEST_F(StartSetTest, EveryVariableHasItsTypeCapacityValueAndFollower) {
+TEST_F(StartSetTest, EveryVariableHasItsTypeCapacityValueAndNext) {
   struct Row {
     const char* name;
     const char* suffix;
@@ -122,7 +122,7 @@ TEST_F(MibTableTest, DumpNamesEachType) {
   EXPECT_STREQ(TypeWord(6), "UNKNOWN");
 }
 
-TEST_F(StartSetTest, LookUpFoldsCaseAndTheRegisteredSpellingIsPrinted) {
+TEST_F(StartSetTest, LookUpFoldsCaseAndKeepsTheRegisteredSpelling) {
   MIB_ENTRY* const entry = agent.Variables().Find("lINKsTATUS");
   ASSERT_NE(entry, nullptr);
   EXPECT_EQ(entry->m_name, "LinkStatus");
@@ -147,7 +147,7 @@ TEST_F(StartSetTest, TextOfTheCapacityOrMoreFillsTheCellAndLeavesNoZero) {
   }
 }
 
-TEST_F(StartSetTest, FullTextIsAnsweredAndLoggedWholeAndNotReadPast) {
+TEST_F(StartSetTest, FullTextIsReturnedAndLoggedWholeAndNotReadPast) {
   const std::string text(200, 'n');
   const std::string cut(128, 'n');
   ASSERT_TRUE(agent.Variables().SetString("ProductName", text.c_str()));
@@ -166,7 +166,7 @@ TEST_F(MibTableTest, InitialTextIsCutAtTheCapacity) {
   EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING 'abcd'");
 }
 
-TEST_F(MibTableTest, TextWithoutRoomIsAlwaysEmpty) {
+TEST_F(MibTableTest, TextOfCapacityZeroIsAlwaysEmpty) {
   agent.Variables().RegisterString(Lend(kFirstSuffix), "Text", nullptr, 0, "abc");
   EXPECT_TRUE(agent.Variables().SetString("Text", "abc"));
   EXPECT_EQ(Get("P.1.0"), "0 P.1.0 = STRING ''");
@@ -187,7 +187,7 @@ TEST_F(StartSetTest, NumberIsWrittenInPlace) {
   EXPECT_EQ(Get("P.2.0"), "0 P.2.0 = INT -7");
 }
 
-TEST_F(MibTableTest, FailedRegistrationLeavesThePreviousVariableWithoutFollower) {
+TEST_F(MibTableTest, FailedRegistrationLeavesThePreviousVariableWithoutNext) {
   MibTable& table = agent.Variables();
   MIB_ENTRY* const none = table.RegisterInt(Lend(kSecondSuffix), "", nullptr, 0);
   MIB_ENTRY* const first = table.RegisterInt(Lend(kFirstSuffix), "First", none, 0);
@@ -209,6 +209,92 @@ TEST_F(MibTableTest, RowsAreAddedReplacedAndCleared) {
   EXPECT_EQ(Get("P.1.0.1.2.2"), "0 P.1.0.1.2.2 = STRING 'f'");
   MibTable::ClearRows(*rows);
   EXPECT_EQ(MibTable::RowCount(*rows), 0u);
+}
+
+constexpr UINT kSuffix[] = {3};
+
+class GetStoredVarTest : public EmptyAgentTest {
+ protected:
+  MIB_ENTRY* AddSequence() {
+    MIB_ENTRY* const rows = agent.Variables().RegisterSequence(Lend(kSuffix), "Rows", nullptr);
+    MibTable::AddRow(*rows, "one", "first");
+    MibTable::AddRow(*rows, "two", "");
+    log.Clear();
+    return rows;
+  }
+};
+
+TEST_F(GetStoredVarTest, NumberIsReturnedAndLogged) {
+  agent.Variables().RegisterInt(Lend(kSuffix), "Number", nullptr, -2147483647 - 1);
+  EXPECT_EQ(Get("P.3"), "0 P.3 = INT -2147483648");
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(Number) = INT: -2147483648\n");
+}
+
+TEST_F(GetStoredVarTest, TextIsReturnedInMemoryOfTheServiceWithoutItsZero) {
+  agent.Variables().RegisterString(Lend(kSuffix), "Text", nullptr, 16, "abc");
+  Binding binding("P.3");
+  ASSERT_EQ(agent.GetRequest(binding.Get()), SNMP_ERRORSTATUS_NOERROR);
+  const AsnAny& value = binding.Get().value;
+  EXPECT_EQ(value.asnType, 4);
+  EXPECT_EQ(value.asnValue.string.length, 3u);
+  EXPECT_TRUE(value.asnValue.string.dynamic);
+  EXPECT_EQ(std::memcmp(value.asnValue.string.stream, "abc", 4), 0);
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(Text) = STRING[3]: 'abc'\n");
+}
+
+TEST_F(GetStoredVarTest, CellOfASequenceIsReturnedAndLogged) {
+  AddSequence();
+  EXPECT_EQ(Get("P.3.1.2.1"), "0 P.3.1.2.1 = STRING 'first'");
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(Rows) = SEQUENCE[5]: 'first'\n");
+  EXPECT_EQ(Get("P.3.1.2.2"), "0 P.3.1.2.2 = STRING ''");
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(Rows) = SEQUENCE[0]: ''\n");
+}
+
+TEST_F(GetStoredVarTest, MissingCellIsNoSuchName) {
+  AddSequence();
+  struct Row {
+    const char* what;
+    const char* name;
+  };
+  for (const Row& row : {
+           Row{"row 0", "P.3.1.1.0"},
+           Row{"row above the count", "P.3.1.1.3"},
+           Row{"largest row", "P.3.1.1.4294967295"},
+           Row{"column 0", "P.3.1.0.1"},
+           Row{"column 3", "P.3.1.3.1"},
+           Row{"bare name", "P.3"},
+           Row{"entry alone", "P.3.1"},
+           Row{"entry and column", "P.3.1.1"},
+           Row{"longer than a cell", "P.3.1.1.1.0"},
+       }) {
+    EXPECT_EQ(Get(row.name), std::string("2 ") + row.name + " = none") << row.what;
+    EXPECT_EQ(LastLine(), "Info: GetRequest(" + FullName(row.name) + ")\n") << row.what;
+  }
+}
+
+TEST_F(GetStoredVarTest, EntryOfACellIsIgnored) {
+  AddSequence();
+  EXPECT_EQ(Get("P.3.9.1.1"), "0 P.3.9.1.1 = STRING 'one'");
+}
+
+TEST_F(GetStoredVarTest, UnknownTypeIsAGeneralError) {
+  MIB_ENTRY* const entry = agent.Variables().RegisterSequence(Lend(kSuffix), "Odd", nullptr);
+  entry->m_type = 6;
+  EXPECT_EQ(Get("P.3"), "5 P.3 = none");
+  EXPECT_EQ(LastLine(), "Info: GetStoredVar(Odd) = ERROR\n");
+}
+
+TEST_F(GetStoredVarTest, MissingMemoryForTheTextIsAGeneralError) {
+  SNMPExtensionAgent poor(clock, Vask::Platform::SystemThreading(),
+                          [](UINT) -> LPVOID { return nullptr; });
+  constexpr UINT kTextSuffix[] = {4};
+  poor.Variables().RegisterString(Lend(kTextSuffix), "Text", nullptr, 16, "abc");
+  MIB_ENTRY* const rows = poor.Variables().RegisterSequence(Lend(kSuffix), "Rows", nullptr);
+  MibTable::AddRow(*rows, "one", "first");
+  Binding text("P.4");
+  EXPECT_EQ(Outcome(poor.GetRequest(text.Get()), text), "5 P.4 = none");
+  Binding cell("P.3.1.1.1");
+  EXPECT_EQ(Outcome(poor.GetRequest(cell.Get()), cell), "5 P.3.1.1.1 = none");
 }
 
 }  // namespace

@@ -16,7 +16,7 @@ const std::string kEstablished = "Info: Connection to Corvane process establishe
 const std::string kLost = "Warning: Lost connection to Corvane process!\n";
 const std::string kRequesting = "Info: Requesting to update SNMP variables..\n";
 
-TEST_F(MyConnectNotifyTest, FirstConnectionAsksAfterFifteenSeconds) {
+TEST_F(MyConnectNotifyTest, FirstConnectionRequestsAfterFifteenSeconds) {
   connectNotify.OnConnecting();
   connectNotify.OnConnected();
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 0");
@@ -26,7 +26,7 @@ TEST_F(MyConnectNotifyTest, FirstConnectionAsksAfterFifteenSeconds) {
   EXPECT_EQ(link.frames, Lines{UpdateRequestFrame()});
 }
 
-TEST_F(MyConnectNotifyTest, LaterConnectionsAskAfterTwoAndAHalfSeconds) {
+TEST_F(MyConnectNotifyTest, LaterConnectionsRequestAfterTwoAndAHalfSeconds) {
   connectNotify.OnConnected();
   connectNotify.OnDisconnected();
   connectNotify.OnConnected();
@@ -49,7 +49,7 @@ TEST_F(MyConnectNotifyTest, RequestIsRepeatedUntilAnUpdateHasFinished) {
   EXPECT_EQ(link.frames.size(), 3u);
 }
 
-TEST_F(MyConnectNotifyTest, TickAfterTheFinishEndsTheTimer) {
+TEST_F(MyConnectNotifyTest, TickAfterTheUpdateRemovesTheTimer) {
   connectNotify.OnConnected();
   connectNotify.UpdateFinished();
   EXPECT_NE(timers.Step(), Vask::Platform::kInfinite);
@@ -62,6 +62,45 @@ TEST_F(MyConnectNotifyTest, ConnectionIsLoggedAndSetsLinkStatus) {
   connectNotify.OnConnected();
   EXPECT_EQ(log.Lines(), Lines{kEstablished});
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 0");
+}
+
+// Records each line together with the value of `LinkStatus` at that moment.
+class StatusAtEachLine final : public Vask::IDailyLog {
+ public:
+  explicit StatusAtEachLine(MibTable& variables) : m_variables(variables) {
+    Vask::LogPrinter::Instance().SetTarget(this);
+  }
+  ~StatusAtEachLine() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
+
+  void Info(const char* text) override { Note(text); }
+  void Warning(const char* text) override { Note(text); }
+  void Error(const char*) override {}
+  void Trace(const char*) override {}
+  bool EnableSyslog(const char*, std::int32_t) override { return false; }
+  void DisableSyslog() override {}
+  void AddListener(IListener*) override {}
+  void RemoveListener(IListener*) override {}
+  void SetDaysToKeep(std::uint32_t) override {}
+  const char* GetFolder() override { return ""; }
+  bool EnumerateLogFiles(LogFileCallback, void*) override { return true; }
+
+  Lines notes;
+
+ private:
+  void Note(const std::string& text) {
+    notes.push_back(std::to_string(m_variables.Find("LinkStatus")->m_number->load()) + " " + text);
+  }
+
+  MibTable& m_variables;
+};
+
+TEST_F(MyConnectNotifyTest, LinkStatusIsWrittenBeforeTheChangeIsLogged) {
+  StatusAtEachLine status(agent.Variables());
+  connectNotify.OnConnected();
+  ASSERT_EQ(status.notes, Lines{"0 Connection to Corvane process established..\n"});
+  connectNotify.OnDisconnected();
+  ASSERT_GE(status.notes.size(), 2u);
+  EXPECT_EQ(status.notes[1], "1 Lost connection to Corvane process!\n");
 }
 
 TEST_F(MyConnectNotifyTest, ConnectionReportedTwiceDoesNothing) {
@@ -92,7 +131,7 @@ TEST_F(MyConnectNotifyTest, OnlyTheFirstOfARunOfFailedAttemptsCounts) {
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
 }
 
-TEST_F(MyConnectNotifyTest, FailedAttemptsAfterALossAreNoFurtherLoss) {
+TEST_F(MyConnectNotifyTest, FailedAttemptsAfterALossChangeNothing) {
   connectNotify.OnConnected();
   connectNotify.OnDisconnected();
   connectNotify.OnConnectFailed();
@@ -118,7 +157,7 @@ TEST_F(MyConnectNotifyTest, LossWhileStoppingIsNeitherLoggedNorTrapped) {
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");
 }
 
-TEST_F(MyConnectNotifyTest, LossWhileStoppingLeavesTheUpdateFinished) {
+TEST_F(MyConnectNotifyTest, LossWhileStoppingKeepsTheUpdateFinished) {
   connectNotify.OnConnected();
   connectNotify.UpdateFinished();
   agent.SetTerminating();
@@ -128,7 +167,7 @@ TEST_F(MyConnectNotifyTest, LossWhileStoppingLeavesTheUpdateFinished) {
   EXPECT_TRUE(link.frames.empty());
 }
 
-TEST_F(MyConnectNotifyTest, LossForgetsTheFinishedUpdate) {
+TEST_F(MyConnectNotifyTest, ReconnectionRequestsANewUpdate) {
   connectNotify.OnConnected();
   connectNotify.UpdateFinished();
   connectNotify.OnDisconnected();
@@ -154,9 +193,9 @@ TEST_F(MyConnectNotifyTest, RequestIsLogged) {
   EXPECT_EQ(log.Lines(), Lines{kRequesting});
 }
 
-// A tick that ends the asking of one connection, while the next one begins,
-// must not take that one's timer along.
-TEST_F(MyConnectNotifyTest, LossAndReturnDuringTicksNeverLosesTheTimer) {
+// A tick that removes the timer of one connection while the next one begins must
+// not remove the new timer, too.
+TEST_F(MyConnectNotifyTest, ReconnectionDuringTicksKeepsItsTimer) {
   std::atomic<bool> done{false};
   std::thread ticks([this, &done] {
     while (!done) connectNotify.OnTimer(0, 0);

@@ -4,7 +4,6 @@
 
 #include <vector>
 
-#include "agent/EnterprisePrefix.h"
 #include "tests/support/Binding.h"
 
 namespace Agent::Tests {

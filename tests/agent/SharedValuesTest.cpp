@@ -1,10 +1,9 @@
-// Values that one thread writes while others ask for them.
+// One thread writes a value while another reads it.
 
 #include <atomic>
 #include <string>
 #include <thread>
 
-#include "agent/SharedText.h"
 #include "tests/agent/AgentFixture.h"
 
 namespace Agent::Tests {
@@ -13,10 +12,10 @@ namespace {
 
 class SharedValuesTest : public AgentTest {
  protected:
-  // Runs `write` again and again on another thread while this one asks `count`
-  // times and hands each answer to `check`.
+  // Calls `write` repeatedly on another thread, while this thread reads `count`
+  // times and passes each outcome to `check`.
   template <class Write, class Check>
-  void AskWhileWriting(Write write, const std::string& name, Check check, int count = 2'000) {
+  void ReadWhileWriting(Write write, const std::string& name, Check check, int count = 2'000) {
     std::atomic<bool> done{false};
     std::thread writer([&] {
       for (unsigned round = 0; !done; ++round) write(round);
@@ -29,31 +28,32 @@ class SharedValuesTest : public AgentTest {
 
 TEST_F(SharedValuesTest, NumberIsAlwaysOneThatWasWritten) {
   MibTable& variables = agent.Variables();
-  AskWhileWriting(
+  ReadWhileWriting(
       [&](unsigned round) { variables.SetInt("StreamsCount", round % 2 == 0 ? 0 : 0x7FFFFFFF); },
       "P.2.0",
-      [](const std::string& answer) {
-        EXPECT_TRUE(answer == "0 P.2.0 = INT 0" || answer == "0 P.2.0 = INT 2147483647") << answer;
+      [](const std::string& outcome) {
+        EXPECT_TRUE(outcome == "0 P.2.0 = INT 0" || outcome == "0 P.2.0 = INT 2147483647")
+            << outcome;
       });
 }
 
-TEST_F(SharedValuesTest, TextIsAMixtureAtWorstAndNeverLeavesItsRoom) {
+TEST_F(SharedValuesTest, TextIsAMixtureAtWorstAndStaysWithinItsCapacity) {
   MibTable& variables = agent.Variables();
   const std::string full(64, 'f');
   const std::string half(32, 'h');
   variables.SetString("ProductVersion", full.c_str());
-  AskWhileWriting(
+  ReadWhileWriting(
       [&](unsigned round) {
         variables.SetString("ProductVersion", (round % 2 == 0 ? full : half).c_str());
       },
       "P.1.1",
-      [](const std::string& answer) {
+      [](const std::string& outcome) {
         const std::string start = "0 P.1.1 = STRING '";
-        ASSERT_TRUE(answer.starts_with(start)) << answer;
-        const std::string text = answer.substr(start.size(), answer.size() - start.size() - 1);
+        ASSERT_TRUE(outcome.starts_with(start)) << outcome;
+        const std::string text = outcome.substr(start.size(), outcome.size() - start.size() - 1);
         EXPECT_GE(text.size(), 32u);
         EXPECT_LE(text.size(), 64u);
-        EXPECT_EQ(text.find_first_not_of(std::string("fh\0", 3)), std::string::npos) << answer;
+        EXPECT_EQ(text.find_first_not_of(std::string("fh\0", 3)), std::string::npos) << outcome;
       });
 }
 
@@ -61,15 +61,15 @@ TEST_F(SharedValuesTest, CellIsAlwaysOneOfItsRow) {
   constexpr UINT kSuffix[] = {3};
   MIB_ENTRY* const rows = agent.Variables().RegisterSequence(Lend(kSuffix), "Rows", nullptr);
   MibTable::AddRow(*rows, "old", "OLD");
-  AskWhileWriting(
+  ReadWhileWriting(
       [&](unsigned round) {
         MibTable::SetRow(*rows, 1, round % 2 == 0 ? "new and longer than before" : "old", "x");
       },
       "P.3.1.1.1",
-      [](const std::string& answer) {
-        EXPECT_TRUE(answer == "0 P.3.1.1.1 = STRING 'old'" ||
-                    answer == "0 P.3.1.1.1 = STRING 'new and longer than before'")
-            << answer;
+      [](const std::string& outcome) {
+        EXPECT_TRUE(outcome == "0 P.3.1.1.1 = STRING 'old'" ||
+                    outcome == "0 P.3.1.1.1 = STRING 'new and longer than before'")
+            << outcome;
       });
 }
 
@@ -86,7 +86,7 @@ TEST_F(SharedValuesTest, TwoWalksAtOnceDoNotDisturbEachOther) {
   other.join();
 }
 
-TEST(SharedTextTest, TextIsMeasuredWithinItsRoom) {
+TEST(SharedTextTest, TextIsMeasuredWithinItsCapacity) {
   char cell[] = {'a', 'b', '\0', 'c'};
   EXPECT_EQ(MeasureShared(cell, 4), 2u);
   EXPECT_EQ(MeasureShared(cell, 2), 2u);

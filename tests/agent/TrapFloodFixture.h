@@ -4,15 +4,16 @@
 #include <cstdint>
 #include <iterator>
 
+#include "agent/Traps.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/TakenTrap.h"
+#include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {
 
 inline constexpr std::uint32_t kFlood = 100'000;
 
-// Forgets every line, so that a flood measures the queue and not the memory of
-// the log's stand-in.
+// Keeps no line, so that a flood measures the queue and not the memory of the
+// log.
 class SilentLog final : public Vask::IDailyLog {
  public:
   SilentLog() { Vask::LogPrinter::Instance().SetTarget(this); }
@@ -34,7 +35,7 @@ class SilentLog final : public Vask::IDailyLog {
 
 class TrapFloodTest : public ::testing::Test {
  protected:
-  TrapFloodTest() { RegisterTraps(agent.Traps()); }
+  TrapFloodTest() { agent.RegisterTraps(); }
 
   static const TrapRow& TrapOf(std::uint32_t i) { return kTraps[i % std::size(kTraps)]; }
 
@@ -42,7 +43,7 @@ class TrapFloodTest : public ::testing::Test {
     for (std::uint32_t i = 0; i < kFlood; ++i) agent.Traps().Queue(TrapOf(i).name);
   }
 
-  // Takes what waits now, as the service does after each wake-up.
+  // Takes all waiting traps, like the service after each wake-up.
   void Drain() {
     TakenTrap trap;
     while (trap.TakeFrom(agent)) {

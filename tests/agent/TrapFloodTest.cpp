@@ -1,7 +1,6 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/agent/TakenTrap.h"
 #include "tests/agent/TrapFloodFixture.h"
 
 namespace Agent::Tests {
@@ -16,7 +15,7 @@ TEST_F(TrapFloodTest, EveryTrapIsDeliveredOnceAndInOrderWhileOthersAreQueued) {
   EXPECT_EQ(outOfOrder, 0u);
 }
 
-TEST_F(TrapFloodTest, QueueThatNobodyDrainsGrowsWithoutGrowingSlow) {
+TEST_F(TrapFloodTest, UndrainedQueueGrowsAndStaysFast) {
   QueueAll();
   EXPECT_EQ(agent.Traps().QueuedCount(), kFlood);
   Drain();
@@ -24,7 +23,7 @@ TEST_F(TrapFloodTest, QueueThatNobodyDrainsGrowsWithoutGrowingSlow) {
   EXPECT_EQ(outOfOrder, 0u);
 }
 
-TEST_F(TrapFloodTest, PurgeRunsBesideADrainWithoutTouchingWhatItHandsOut) {
+TEST_F(TrapFloodTest, PurgeDuringADrainKeepsTheTakenTraps) {
   std::atomic<bool> done{false};
   std::thread purger([this, &done] {
     while (!done) agent.Traps().Queue("TrapStreamsOK");

@@ -7,7 +7,7 @@ namespace Agent::Tests {
 
 namespace {
 
-// What SnmpExtensionTrap hands out, as one text, or "none".
+// The outputs of SnmpExtensionTrap as one text, or "none".
 std::string TakeTrap(SNMPExtensionAgent& agent) {
   AsnObjectIdentifier enterprise{};
   AsnInteger generic = -1;
@@ -34,7 +34,7 @@ class TrapTableTest : public AgentTest {
 
 TEST_F(TrapTableTest, DumpOfTheTrapsHasElevenLinesInOrder) {
   SNMPExtensionAgent fresh(clock, Vask::Platform::SystemThreading());
-  RegisterTraps(fresh.Traps());
+  fresh.RegisterTraps();
   const std::vector<std::string> expected{
       "Info: TRAP TABLE 'TrapSoftwareLinkUp' = " + FullName("P.10") + "\n",
       "Info: TRAP TABLE 'TrapSoftwareLinkDown' = " + FullName("P.11") + "\n",
@@ -59,7 +59,7 @@ TEST_F(TrapTableTest, SecondRegistrationOfANameIsRefusedAndTheFirstNumberStays) 
   EXPECT_EQ(agent.Traps().Find("TrapStreamsOK")->m_specificTrap, 12u);
 }
 
-TEST_F(TrapTableTest, UnknownNameLeavesQueueEventAndLogAlone) {
+TEST_F(TrapTableTest, UnknownNameChangesNeitherQueueNorEventNorLog) {
   EXPECT_FALSE(agent.Traps().Queue("TrapNobodyKnows"));
   EXPECT_EQ(agent.Traps().QueuedCount(), 0u);
   EXPECT_FALSE(EventIsSet());
@@ -67,7 +67,7 @@ TEST_F(TrapTableTest, UnknownNameLeavesQueueEventAndLogAlone) {
   EXPECT_EQ(TakeTrap(agent), "none");
 }
 
-TEST_F(TrapTableTest, QueuedTrapSignalsTheEventAndIsHandedOutOnce) {
+TEST_F(TrapTableTest, QueuedTrapSignalsTheEventAndIsTakenOnce) {
   EXPECT_TRUE(agent.Traps().Queue("TrapStreamsFailed"));
   EXPECT_TRUE(EventIsSet());
   EXPECT_FALSE(EventIsSet());
@@ -79,7 +79,7 @@ TEST_F(TrapTableTest, QueuedTrapSignalsTheEventAndIsHandedOutOnce) {
   EXPECT_EQ(log.Lines(), expected);
 }
 
-TEST_F(TrapTableTest, ThreeTrapsAreHandedOutInTheOrderOfTheirQueueing) {
+TEST_F(TrapTableTest, ThreeTrapsAreTakenInTheOrderOfQueueing) {
   agent.RecordStart();
   for (const char* const name : {"TrapStreamsFailed", "TrapSoftwareLinkUp", "TrapStreamsFailed"})
     EXPECT_TRUE(agent.Traps().Queue(name));
@@ -89,7 +89,7 @@ TEST_F(TrapTableTest, ThreeTrapsAreHandedOutInTheOrderOfTheirQueueing) {
   EXPECT_EQ(TakeTrap(agent), "none");
 }
 
-TEST_F(TrapTableTest, TimeStampIsMillisecondsFromTheStartToTheHandingOut) {
+TEST_F(TrapTableTest, TimeStampIsMillisecondsFromTheStartUntilTheTrapIsTaken) {
   agent.RecordStart();
   clock.Advance(500);
   agent.Traps().Queue("TrapStreamsOK");
@@ -97,7 +97,7 @@ TEST_F(TrapTableTest, TimeStampIsMillisecondsFromTheStartToTheHandingOut) {
   EXPECT_EQ(TakeTrap(agent), "P 6/12 at 2000, 0 bindings");
 }
 
-TEST_F(TrapTableTest, TimeStampGoesOnWhenTheTickWraps) {
+TEST_F(TrapTableTest, TimeStampContinuesWhenTheTickWraps) {
   clock.tick = 0xFFFFFF00u;
   agent.RecordStart();
   agent.Traps().Queue("TrapStreamsOK");
@@ -105,7 +105,7 @@ TEST_F(TrapTableTest, TimeStampGoesOnWhenTheTickWraps) {
   EXPECT_EQ(TakeTrap(agent), "P 6/12 at 512, 0 bindings");
 }
 
-TEST_F(TrapTableTest, RecordStaysAfterItsDeliveryUntilTheNextQueueing) {
+TEST_F(TrapTableTest, TakenRecordStaysUntilTheNextQueueing) {
   agent.Traps().Queue("TrapStreamsOK");
   agent.Traps().Queue("TrapStreamsFailed");
   TakeTrap(agent);
@@ -119,13 +119,13 @@ TEST_F(TrapTableTest, RecordStaysAfterItsDeliveryUntilTheNextQueueing) {
   EXPECT_EQ(agent.Traps().QueuedCount(), 2u);
 }
 
-TEST_F(TrapTableTest, NameIsFoundInAnySpellingAndPrintedAsRegistered) {
+TEST_F(TrapTableTest, NameIsFoundInAnyCaseAndLoggedAsRegistered) {
   EXPECT_TRUE(agent.Traps().Queue("TRAPSTREAMSOK"));
   EXPECT_EQ(LastLine(),
             "Info: SNMPExtensionAgent: Added trap 'TrapStreamsOK' to transmit queue..\n");
 }
 
-TEST_F(TrapTableTest, EventIsTheAgentsOwnAndGoesWithIt) {
+TEST_F(TrapTableTest, EventExistsAndIsNotSignalledAtFirst) {
   EXPECT_NE(agent.Traps().EventHandle(), nullptr);
   EXPECT_FALSE(EventIsSet());
 }

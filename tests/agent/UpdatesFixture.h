@@ -1,21 +1,17 @@
 #pragma once
 
-#include <cstring>
 #include <string>
 #include <vector>
 
-#include "Src/TimerService.h"
-#include "agent/MyConnectNotify.h"
-#include "agent/VariableUpdates.h"
 #include "json/Json.h"
 #include "messages/Registrar.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/agent/AgentFixture.h"
-#include "tests/agent/TakenTrap.h"
+#include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {
 
-// Stands in for the link: keeps the bytes that each message would have.
+// Takes the place of the link and keeps the bytes of each message.
 class RecordingLink final : public Vask::IOnJsonMessage {
  public:
   bool OnJsonMessage(Vask::Json* message) override {
@@ -31,24 +27,29 @@ inline std::string UpdateRequestFrame() {
   return R"(70#{"data":{},"from":"SNMPd","id":0,"name":"SNMPupdate","op":"broadcast"})";
 }
 
-// An agent that has started but for its threads: the test plays the link and
-// turns the timer service by hand.
-class UpdatesTest : public AgentTest {
+// The agent after its start, with an empty log: the test plays the link and
+// drives the timer service.
+class UpdatesTest : public ::testing::Test {
  protected:
   UpdatesTest() {
     Messages::Registrar::Instance().SetSender(&link);
-    Messages::Registrar::Instance().SetFrom("SNMPd");
+    log.Clear();
   }
-  ~UpdatesTest() override { Messages::Registrar::Instance().SetSender(nullptr); }
 
-  // Moves the clock and calls everybody whose time has come.
+  std::string Get(const std::string& name) {
+    Binding binding(name);
+    const INT status = agent.GetRequest(binding.Get());
+    return Outcome(status, binding);
+  }
+
+  // Moves the clock and calls every client that is due.
   void Pass(std::uint32_t milliseconds) {
     clock.Advance(milliseconds);
     while (timers.Step() == 0) {
     }
   }
 
-  // Specific numbers of all traps that wait, taken out of the queue.
+  // Takes all waiting traps and returns their specific numbers.
   std::vector<AsnInteger> TakeTraps() {
     std::vector<AsnInteger> numbers;
     TakenTrap trap;
@@ -56,7 +57,7 @@ class UpdatesTest : public AgentTest {
     return numbers;
   }
 
-  // The log without the lines of traps queued and taken.
+  // The log without the lines about queued and sent traps.
   std::vector<std::string> LinesBesideTraps() const {
     std::vector<std::string> lines;
     for (const std::string& line : log.Lines())
@@ -64,10 +65,14 @@ class UpdatesTest : public AgentTest {
     return lines;
   }
 
+  StartedAgent started;
   RecordingLink link;
-  Vask::TimerService timers{clock, Vask::Platform::SystemThreading()};
-  MyConnectNotify connectNotify{agent, timers, Messages::Registrar::Instance()};
-  VariableUpdates updates{agent, connectNotify, Messages::Registrar::Instance()};
+  Vask::Tests::FakeClock& clock = started.clock;
+  Vask::Tests::RecordingLog& log = started.log;
+  Vask::TimerService& timers = started.whole.timers;
+  SNMPExtensionAgent& agent = started.whole.process.Extension();
+  MyConnectNotify& connectNotify = started.whole.process.ConnectNotify();
+  VariableUpdates& updates = started.whole.process.Updates();
 };
 
 using Traps = std::vector<AsnInteger>;

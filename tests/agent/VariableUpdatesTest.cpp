@@ -1,7 +1,6 @@
 #include "agent/VariableUpdates.h"
 
 #include "Src/ErrReporter.h"
-#include "agent/ChangeTraps.h"
 #include "tests/agent/UpdatesFixture.h"
 
 namespace Agent::Tests {
@@ -49,7 +48,7 @@ TEST_F(VariableUpdatesTest, ProductIsLoggedAndStored) {
   EXPECT_EQ(Get("P.1.1"), "0 P.1.1 = STRING '2.1'");
 }
 
-TEST_F(VariableUpdatesTest, ProductNameOverItsRoomFillsAllOfIt) {
+TEST_F(VariableUpdatesTest, ProductNameOverItsCapacityFillsAllOfIt) {
   const std::string name(128, 'n');
   const std::string version(64, 'v');
   SendProduct(name, version);
@@ -89,7 +88,7 @@ TEST_F(VariableUpdatesTest, OtherGroupsAreIgnored) {
   EXPECT_EQ(agent.Traps().QueuedCount(), 0u);
 }
 
-TEST_F(VariableUpdatesTest, FinishIsLoggedAndTrappedEveryTime) {
+TEST_F(VariableUpdatesTest, EveryFinishedUpdateIsLoggedAndTrapped) {
   updates.OnUpdateFinished();
   EXPECT_EQ(LinesBesideTraps(), Lines{"Info: SNMP variables successfully updated\n"});
   EXPECT_EQ(TakeTraps(), Traps{10});
@@ -97,7 +96,7 @@ TEST_F(VariableUpdatesTest, FinishIsLoggedAndTrappedEveryTime) {
   EXPECT_EQ(TakeTraps(), Traps{10});
 }
 
-TEST_F(VariableUpdatesTest, FinishEndsTheAsking) {
+TEST_F(VariableUpdatesTest, FinishedUpdateEndsTheRequests) {
   connectNotify.OnConnected();
   updates.OnUpdateFinished();
   Pass(15'000);
@@ -112,8 +111,8 @@ TEST_F(VariableUpdatesTest, LinkTrapsAreNotReportedBack) {
   EXPECT_TRUE(link.frames.empty());
 }
 
-// Each row is one value after another, and the trap that each of them raises; 0
-// stands for none.
+// Each row holds successive counts and the trap that each of them raises; 0 means
+// none.
 TEST_F(VariableUpdatesTest, ChangeRuleHoldsForEverySequenceOfCounts) {
   struct Row {
     const char* what;
@@ -162,7 +161,7 @@ TEST_F(VariableUpdatesTest, ChangeRuleHoldsForEverySequenceOfCounts) {
   }
 }
 
-TEST_F(VariableUpdatesTest, CountsAreComparedWithTheLastOnesAcrossALostLink) {
+TEST_F(VariableUpdatesTest, CountsAreComparedWithTheLastOnesAfterALostLink) {
   connectNotify.OnConnected();
   SendStreams(4, 2);
   connectNotify.OnDisconnected();
@@ -209,7 +208,7 @@ TEST_F(VariableUpdatesTest, EveryChangeIsReportedBackWithItsExactBytes) {
   EXPECT_EQ(TakeTraps(), (Traps{13, 18, 12, 15, 19, 14, 17, 20, 16}));
 }
 
-TEST_F(VariableUpdatesTest, GroupsReportTheTagsThatTheMainProcessKnows) {
+TEST_F(VariableUpdatesTest, GroupsReportTheTagsOfTheMessage) {
   struct Row {
     const char* what;
     const ChangeGroup& group;
@@ -224,7 +223,7 @@ TEST_F(VariableUpdatesTest, GroupsReportTheTagsThatTheMainProcessKnows) {
   }
 }
 
-TEST_F(VariableUpdatesTest, VariablesThatAreMissingAreSkipped) {
+TEST_F(VariableUpdatesTest, MissingVariablesAreSkipped) {
   SNMPExtensionAgent bare(clock, Vask::Platform::SystemThreading());
   VariableUpdates bareUpdates(bare, connectNotify, Messages::Registrar::Instance());
   SNMPmessage message;

@@ -20,8 +20,8 @@ using Vask::Tests::FullName;
 using Lines = std::vector<std::string>;
 using Traps = std::vector<std::int32_t>;
 
-// A freshly loaded module and its log. The Corvane process plays the simulator,
-// where a test starts it.
+// A freshly loaded module and its log. The simulator stands for the Corvane process;
+// a test starts it if it needs it.
 class ContractTest : public ::testing::Test {
  protected:
   static std::uint32_t Now() { return Vask::Platform::SystemClock().TickMs(); }
@@ -47,7 +47,7 @@ class ContractTest : public ::testing::Test {
     return module.Get(name) == "0 " + name + " = " + value;
   }
 
-  // Milliseconds that unloading takes.
+  // The duration of an unload, in milliseconds.
   std::uint32_t TimedUnload() {
     return Vask::Tests::TimedMs([this] { module.Unload(); });
   }

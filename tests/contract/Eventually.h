@@ -6,8 +6,8 @@
 
 namespace Contract {
 
-// Asks again and again until `condition` holds; false when it does not within
-// the time.
+// Checks `condition` every 10 ms until it holds. False if it does not hold within the
+// time.
 template <class Condition>
 bool Eventually(Condition condition, std::uint32_t patienceMs = 60'000) {
   Vask::Platform::Clock& clock = Vask::Platform::SystemClock();

@@ -7,23 +7,23 @@
 
 namespace Contract {
 
-// Libraries, programs and what a process holds, as the operating system has
-// them: one implementation per system beside this header.
+// Libraries, programs and the resources of a process. linux/ and win32/ beside this
+// header implement it.
 
-// Null when it cannot be loaded.
+// Null if the library cannot be loaded.
 void* LoadLibraryFile(const std::string& path);
 void* FindFunction(void* library, const char* name);
 void UnloadLibrary(void* library);
 
-// Runs a program to its end and answers its exit status; -1 when it cannot be
-// started. Arguments contain neither blanks nor quotes.
+// Runs a program to its end and returns its exit status, or -1 if it cannot be
+// started. Arguments must not contain blanks or quotes.
 int RunProgram(const std::string& path, const std::vector<std::string>& arguments);
 
-// A program beside this one, from construction to destruction, which ends it at
-// once and waits until it is gone.
+// A program that runs beside this one. The destructor ends it at once and waits until
+// it is gone.
 class Companion {
  public:
-  // Arguments as for RunProgram. Exits when the program cannot be started.
+  // Arguments as for RunProgram. Exits if the program cannot be started.
   Companion(const std::string& path, const std::vector<std::string>& arguments);
   ~Companion();
   Companion(const Companion&) = delete;
@@ -39,16 +39,15 @@ std::size_t OpenHandles();
 // Threads of this process.
 std::size_t RunningThreads();
 
-// Slots for values that each thread has its own of, and that nobody has taken: a
-// process has about a thousand.
+// Free slots for thread-specific values. A process has about a thousand.
 std::size_t FreeThreadSlots();
 
-// Bytes that this process has asked its heaps for and not given back: exact, and
-// no matter of pages. CountWholeHeap comes first, before there are threads.
+// Bytes that this process has allocated from its heaps and not freed, exactly. Call
+// CountWholeHeap first, before the process has threads.
 std::size_t HeldMemory();
 void CountWholeHeap();
 
-// Bytes of memory that this process has pages for, files' pages apart.
+// Bytes of the pages of this process, without pages of files.
 std::size_t ResidentMemory();
 
 }  // namespace Contract

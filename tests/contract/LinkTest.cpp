@@ -1,4 +1,4 @@
-// The module and the main process on the link.
+// The module and the Corvane process on the link.
 
 #include <chrono>
 
@@ -11,7 +11,7 @@ namespace {
 
 class LinkTest : public ContractTest {
  protected:
-  // The second connection asks after 2.5 seconds instead of 15.
+  // On its second connection the agent asks for an update after 2.5 s, not 15 s.
   void StartReconnected() {
     StartLinked();
     ASSERT_TRUE(server->Drop());
@@ -25,7 +25,7 @@ class LinkTest : public ContractTest {
   }
   void SendGroup(Simulator::Group group) { ASSERT_TRUE(server->Send(server->FrameOfGroup(group))); }
 
-  // Whether the trap event is signalled within the time.
+  // True if the trap event is signalled within 20 s.
   static bool Wait(HANDLE trapEvent) {
     return Vask::Platform::SystemThreading().WaitEvent(trapEvent, 20'000);
   }
@@ -82,7 +82,7 @@ TEST_F(LinkTest, TimeStampOfATrapIsMillisecondsSinceTheStart) {
   EXPECT_LE(trap.timeStamp, Now() - before);
 }
 
-TEST_F(LinkTest, EndOfAnUpdateAndLossOfTheMainProcessAreTrappedOnceEach) {
+TEST_F(LinkTest, EndOfAnUpdateAndLossOfTheLinkRaiseOneTrapEach) {
   StartLinked();
   ASSERT_TRUE(server->Send(Simulator::CorvaneServer::FrameOfFinish()));
   ASSERT_TRUE(Eventually([this] { return log.Has("successfully updated"); }));
@@ -95,7 +95,7 @@ TEST_F(LinkTest, EndOfAnUpdateAndLossOfTheMainProcessAreTrappedOnceEach) {
   EXPECT_EQ(module.TakeTraps(), (Traps{10, 11}));
 }
 
-TEST_F(LinkTest, TextsThatFillTheirRoomAreAnsweredToTheLastByte) {
+TEST_F(LinkTest, TextsThatFillTheirCapacityAreReturnedWhole) {
   StartLinked();
   const std::string name(128, 'n');
   const std::string version(64, 'v');
@@ -107,7 +107,7 @@ TEST_F(LinkTest, TextsThatFillTheirRoomAreAnsweredToTheLastByte) {
   EXPECT_TRUE(log.Has("Info: GetStoredVar(ProductName) = STRING[128]: '" + name + "'"));
 }
 
-TEST_F(LinkTest, AfterGarbageTheNextGoodFrameIsServed) {
+TEST_F(LinkTest, GoodFrameAfterGarbageIsApplied) {
   StartLinked();
   struct Row {
     const char* what;
@@ -135,7 +135,7 @@ TEST_F(LinkTest, AfterGarbageTheNextGoodFrameIsServed) {
   EXPECT_EQ(server->GetRecord().connections, 1u);
 }
 
-TEST_F(LinkTest, FrameFaultCostsTheConnectionAndTheNextOneServes) {
+TEST_F(LinkTest, BadFrameEndsTheConnectionAndTheNextOneWorks) {
   StartLinked();
   ASSERT_TRUE(server->Send("12a#"));
   ASSERT_TRUE(server->WaitForConnections(2));

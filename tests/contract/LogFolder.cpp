@@ -80,7 +80,7 @@ std::size_t LogFolder::CountOf(const std::string& text) const {
                     [&](const std::string& line) { return line.find(text) != std::string::npos; }));
 }
 
-// A file stands where a folder is needed.
+// Puts a file in the place of a folder.
 LogFolder::Blocked::Blocked(const LogFolder& folder)
     : m_path(folder.m_base), m_aside(folder.m_base.string() + " aside") {
   if (fs::exists(m_path)) fs::rename(m_path, m_aside);

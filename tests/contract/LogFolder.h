@@ -6,28 +6,27 @@
 
 namespace Contract {
 
-// Where the module under test keeps its log: under a temporary folder of this
-// program natively, under the machine's common application data on Windows
-// (which is the Wine prefix's). Make one before the module is loaded. Emptied
-// of log files at the start.
+// The log folder of the module under test: natively in a temporary folder of this
+// program, on Windows in the machine's common application data (that of the Wine
+// prefix). Create one before you load the module. The constructor removes old log
+// files.
 class LogFolder {
  public:
   LogFolder();
 
-  // The folder itself, whether it is there or not.
+  // The path of the folder, even if it does not exist.
   static std::filesystem::path Path();
 
-  // The log's lines since the start, over all files, without time stamps and
-  // line ends: "Info: text".
+  // The lines of all log files, without time stamps and line ends: "Info: text".
   std::vector<std::string> Lines() const;
 
-  // Whether the log has a line with this text in it.
+  // True if a line contains this text.
   bool Has(const std::string& text) const;
 
-  // How many lines have this text in them.
+  // Number of lines that contain this text.
   std::size_t CountOf(const std::string& text) const;
 
-  // Makes it impossible to create the folder, for the object's lifetime.
+  // While one lives, the folder cannot be created.
   class Blocked {
    public:
     explicit Blocked(const LogFolder& folder);

@@ -8,15 +8,15 @@
 
 namespace Contract {
 
-// Where the module expects the Corvane process.
+// The port on which the module expects the Corvane process.
 inline constexpr std::uint16_t kLinkPort = 16969;
 
-// The built module, loaded as the SNMP service loads it, and its three entry
-// points. Which file it is says the environment variable CORVANE_MODULE, or
-// else the build.
+// The built module, loaded as the SNMP service loads it, and its three entry points.
+// The environment variable CORVANE_MODULE names the file; without it, it is the file
+// of this build.
 //
-// One thread at a time, as the contract has it. A module that cannot be loaded,
-// or that lacks an export, ends the test program with the reason.
+// One thread at a time, as the service calls it. If the module cannot be loaded or
+// lacks an export, the test program prints the reason and ends.
 class Module {
  public:
   Module();
@@ -24,13 +24,13 @@ class Module {
   Module(const Module&) = delete;
   Module& operator=(const Module&) = delete;
 
-  // Unloads it now; its hook has run when this returns.
+  // Unloads the module. Its hook has run when this returns.
   void Unload();
 
-  // As the system knows it: see Library.h.
+  // The handle of LoadLibraryFile.
   void* Library() const { return m_library; }
 
-  // What SnmpExtensionInit hands out.
+  // The result and the output parameters of SnmpExtensionInit.
   struct Start {
     bool result = false;
     HANDLE trapEvent = nullptr;
@@ -38,7 +38,7 @@ class Module {
   };
   Start Init();
 
-  // What SnmpExtensionQuery answers, as "TRUE 0/0" for result, status, index.
+  // Result, status and index of SnmpExtensionQuery, as "TRUE 0/0".
   std::string Query(BYTE pduType, std::vector<SnmpVarBind>& bindings);
 
   // One binding by Get or GetNext: "status name = value", see Tests::Binding.
@@ -52,9 +52,9 @@ class Module {
     std::uint32_t timeStamp = 0;
     UINT bindings = 0;
   };
-  // One call of SnmpExtensionTrap; false when it answered FALSE.
+  // Calls SnmpExtensionTrap once. False if that returned FALSE.
   bool TakeTrap(Trap& trap);
-  // The numbers of all traps that wait.
+  // Takes all traps that wait and returns their numbers.
   std::vector<std::int32_t> TakeTraps();
 
   static std::string Path();

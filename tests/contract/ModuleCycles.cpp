@@ -1,14 +1,13 @@
-// module_cycles [CYCLES EXITS | --full]: how the module comes and goes.
+// module_cycles [CYCLES EXITS | --full]: loads and unloads the module many times.
 //
-// Loads, starts and unloads it CYCLES times each with nobody on the agent's
-// port, with a peer that floods it, with one that accepts and says nothing, and
-// with an unload at once; then ends EXITS processes that have it loaded, with its
-// threads and others busy in it. --full is 1000 and 100; without arguments it is
-// a tenth.
+// It loads, starts and unloads the module CYCLES times for each kind of cycle: without
+// a peer, with a peer that floods it, with a peer that accepts and stays silent, and
+// with an unload at once. Then it ends EXITS processes while threads are busy in the
+// module. --full is 1000 and 100; without arguments it is a tenth of that.
 //
-// Fails when an answer is wrong, when a stop or an end takes too long, and when
-// a kind of cycle leaves handles, thread slots or memory behind. The peers are
-// processes of their own, so that what is counted here is the module's.
+// It fails if an answer is wrong, if a stop or an end takes too long, or if a kind of
+// cycle leaves handles, thread slots or memory behind. The peers are processes of
+// their own, so that all resources counted here are the module's.
 
 #include <algorithm>
 #include <cstddef>
@@ -29,15 +28,15 @@
 
 namespace {
 
-// What comes once: the system's and the run-time's own caches.
+// The system and the run-time fill their caches in the first cycles.
 constexpr int kWarmUpCycles = 20;
 
 constexpr std::size_t kMostMemoryPerCycle = 1024;
-// Without what the machine was busy with other things.
+// Without the pauses of the machine.
 constexpr std::uint32_t kLongestStopMs = 500;
 
-// From main's return to the end as another process sees it: the system's own
-// part, in a process with a debugger's or a sanitizer's load, is in it.
+// From the return of main to the end that another process sees. It includes the
+// system's own work, also that for a sanitizer.
 constexpr std::uint32_t kLongestEndMs = 1000;
 
 bool TryTheLink(Contract::Module&) {
@@ -56,8 +55,8 @@ bool AtOnce(Contract::Module&) {
 
 struct Kind {
   const char* name;
-  const char* peer;  // null: nobody listens
-  bool (*comesFarEnough)(Contract::Module& module);
+  const char* peer;  // null: no peer
+  bool (*reachesState)(Contract::Module& module);
 };
 constexpr Kind kKinds[] = {
     {"no peer", nullptr, &TryTheLink},
@@ -86,12 +85,11 @@ std::unique_ptr<Contract::Companion> StartPeer(const char* mode) {
   return std::make_unique<Contract::Companion>(CORVANE_MODULE_PEER, std::vector<std::string>{mode});
 }
 
-// Milliseconds that the unload took; false, with the reason printed, when the
-// module does not serve.
+// Returns the duration of the unload in `stopMs`. False if the module does not serve.
 bool Cycle(const Kind& kind, Vask::Tests::MachinePauses& pauses, std::uint32_t& stopMs) {
   Contract::Module module;
   if (!module.Init().result || !module.GetNext("P.0").starts_with("0 P.0.0 = INT ")) return false;
-  if (!kind.comesFarEnough(module)) return false;
+  if (!kind.reachesState(module)) return false;
   const auto begin = Vask::Tests::MachinePauses::Clock::now();
   module.Unload();
   stopMs = pauses.RunningMsSince(begin);
@@ -111,7 +109,7 @@ bool CyclesHold(const Kind& kind, int cycles) {
     }
     longestMs = std::max(longestMs, stopMs);
     if (i == kWarmUpCycles) {
-      // Threads that are on their way out hold something yet.
+      // Threads that are about to end still hold resources.
       Vask::Platform::SystemClock().SleepMs(300);
       before = Measure();
     }
@@ -160,9 +158,9 @@ int main(int argc, char** argv) {
   std::setvbuf(stdout, nullptr, _IONBF, 0);
   Contract::CountWholeHeap();
   const Contract::LogFolder folder;
-  // A host of the module has sockets of its own. Without them the system's socket
-  // library would come and go with the module, and leave behind what it keeps
-  // for each thread.
+  // A host of the module uses sockets itself. Without this call the system would load
+  // and unload its socket library with the module, and that library leaves memory for
+  // each thread behind.
   if (!Vask::Platform::SystemSockets().StartUp()) return 2;
 
   std::printf("%-14s  %5s  %7s  %-12s  %-12s  %-22s  %8s\n", "kind", "count", "stop", "handles",

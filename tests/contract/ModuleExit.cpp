@@ -1,13 +1,13 @@
-// module_exit STATE NOTE: loads the module, brings it into a state, writes the
-// time into the file NOTE and returns from main with the module still loaded.
+// module_exit STATE NOTE: loads the module, brings it into a state, writes the time
+// to the file NOTE and returns from main while the module is loaded.
 //
-//   loaded     never started
-//   started    started, whatever became of the link
-//   down, up   started, and the link is so
+//   loaded     not started
+//   started    started, in any state of the link
+//   down, up   started, with the link down or up
 //   unloaded   started and unloaded again
-//   busy       started, a peer floods the link, and threads of the host's ask for
-//              values and take traps on and on, so that whatever lock there is is
-//              likely held at the end
+//   busy       started, while a peer floods the link and threads of the host read
+//              values and take traps without a pause, so that a thread probably holds
+//              each lock at the end
 
 #include <chrono>
 #include <cstdio>
@@ -22,7 +22,7 @@
 
 namespace {
 
-// They end with the process.
+// Starts threads that end with the process.
 void KeepBusy(Contract::Module& module) {
   for (int i = 0; i < 2; ++i) {
     std::thread([&module] {
@@ -56,13 +56,13 @@ bool Reach(Contract::Module& module, const std::string& state) {
   return Contract::Eventually([&] { return module.Get("P.0.0") == wanted; });
 }
 
-// Where a module lies that is never destroyed: it stays loaded.
+// Storage of a module that is never destroyed, so that it stays loaded.
 alignas(Contract::Module) unsigned char g_storage[sizeof(Contract::Module)];
 
 }  // namespace
 
-// Read by the thread sanitizer at its start: at the end of a process the module
-// waits for no thread, on purpose, and the end itself is what is timed here.
+// The thread sanitizer calls this at its start. At the end of a process the module
+// waits for no thread, on purpose, and the test measures the time of that end.
 extern "C" [[gnu::visibility("default")]] const char* __tsan_default_options() {
   return "report_thread_leaks=0:atexit_sleep_ms=0";
 }
@@ -71,7 +71,7 @@ int main(int argc, char** argv) {
   if (argc != 3) return 2;
   auto* const module = ::new (g_storage) Contract::Module;
   if (!Reach(*module, argv[1])) {
-    std::fprintf(stderr, "state %s not reached\n", argv[1]);
+    std::fprintf(stderr, "the module does not reach the state %s\n", argv[1]);
     return 1;
   }
   const auto now = std::chrono::steady_clock::now().time_since_epoch();

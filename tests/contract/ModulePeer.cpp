@@ -1,6 +1,6 @@
-// module_peer flood|silent: takes connections on the agent's port until it is
-// ended, one at a time, and either sends good frames as fast as they are taken,
-// each raising a trap, or says and reads nothing.
+// module_peer flood|silent: accepts connections on the agent's port, one at a time,
+// until it is killed. "flood" sends good frames as fast as the agent reads them, and
+// each raises a trap. "silent" neither sends nor reads.
 
 #include <chrono>
 #include <cstdlib>
@@ -14,7 +14,7 @@
 
 namespace {
 
-// Two updates whose errors come and go.
+// Two updates: the first has errors, the second has none.
 std::string Frames(Simulator::CorvaneServer& server) {
   std::string frames;
   std::string error;
@@ -39,7 +39,7 @@ std::string Frames(Simulator::CorvaneServer& server) {
   }
 }
 
-// Each connection is kept until the next one comes.
+// Keeps each connection until the next one arrives.
 [[noreturn]] void StaySilent() {
   Vask::Platform::ListeningSocket listener;
   if (!listener.Open(Contract::kLinkPort)) std::exit(2);

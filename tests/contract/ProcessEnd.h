@@ -11,14 +11,14 @@
 
 namespace Contract {
 
-// How a process ended that had the module loaded.
+// The end of a process that has the module loaded.
 struct ProcessEnd {
   int status;            // its exit status
   std::uint32_t tookMs;  // from the return of its main, without the machine's pauses
 };
 
-// Runs the program module_exit, which brings the module into a state, notes the
-// time and returns from main without unloading. One at a time in a folder.
+// Runs the program module_exit. It brings the module into a state, writes the time to
+// a file and returns from main without unloading. Only one may run in a folder.
 inline ProcessEnd RunToItsEnd(const std::string& moduleExit, const std::string& state) {
   const char* const noteFile = "module_exit.note";
   std::remove(noteFile);

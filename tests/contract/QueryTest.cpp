@@ -19,7 +19,7 @@ class Request {
   std::string Ask(Module& module, BYTE pduType) {
     std::vector<SnmpVarBind> list;
     for (const auto& binding : m_bindings) list.push_back(binding->Get());
-    const std::string answer = module.Query(pduType, list);
+    std::string answer = module.Query(pduType, list);
     for (std::size_t i = 0; i < list.size(); ++i) m_bindings[i]->Get() = list[i];
     return answer;
   }
@@ -33,7 +33,7 @@ class Request {
 
 using QueryTest = ContractTest;
 
-TEST_F(QueryTest, ModuleThatWasNotStartedKnowsNoVariableAndNoTrap) {
+TEST_F(QueryTest, ModuleThatWasNotStartedHasNoVariableAndNoTrap) {
   EXPECT_EQ(module.Get("P.0.0"), "2 P.0.0 = none");
   EXPECT_EQ(module.GetNext("P"), "2 P = none");
   EXPECT_EQ(module.TakeTraps(), Traps{});
@@ -64,7 +64,7 @@ TEST_F(QueryTest, StatusIsThatOfTheLastBindingAndTheIndexIsZero) {
   }
 }
 
-TEST_F(QueryTest, EveryBindingIsAnsweredWhateverBecameOfTheOneBefore) {
+TEST_F(QueryTest, EveryBindingIsProcessedEvenIfOneBeforeItFails) {
   ASSERT_TRUE(module.Init().result);
   Request request({"P.9", "P.1.0", "P.0.1", "P.1.1.0"});
   EXPECT_EQ(request.Ask(module, 0xA0), "TRUE 0/0");
@@ -74,7 +74,7 @@ TEST_F(QueryTest, EveryBindingIsAnsweredWhateverBecameOfTheOneBefore) {
   EXPECT_EQ(request.Outcome(3), "P.1.1.0 = STRING '1.x.x'");
 }
 
-TEST_F(QueryTest, SetIsRefusedForEveryBindingAndChangesNothing) {
+TEST_F(QueryTest, SetIsRefusedForEveryBindingAndChangesNoValue) {
   ASSERT_TRUE(module.Init().result);
   Request request({"P.0.0", "P.1.0", "P.9"});
   EXPECT_EQ(request.Ask(module, 0xA3), "TRUE 17/0");
@@ -104,7 +104,7 @@ TEST_F(QueryTest, WalkVisitsTheEightVariablesWithTheirFirstValues) {
   EXPECT_TRUE(log.Has("Info: GetNextRequest(" + FullName("P.2.4") + ") END OF TABLE"));
 }
 
-TEST_F(QueryTest, RequestOfEightBindingsIsAnsweredWhole) {
+TEST_F(QueryTest, RequestOfEightBindingsReturnsEightValues) {
   ASSERT_TRUE(module.Init().result);
   Request request({"P.0.0", "P.1.0", "P.1.1", "P.2.0", "P.2.1", "P.2.2", "P.2.3", "P.2.4"});
   EXPECT_EQ(request.Ask(module, 0xA0), "TRUE 0/0");

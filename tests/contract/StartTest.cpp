@@ -1,4 +1,4 @@
-// Starting the module, well and badly.
+// Starts of the module: those that succeed and those that fail.
 
 #include "tests/contract/ContractFixture.h"
 
@@ -14,7 +14,7 @@ std::string ViewOf(const AsnObjectIdentifier& view) {
   return Vask::Tests::ShortName(text);
 }
 
-TEST_F(StartTest, InitHandsOutThePrefixAndTheTrapEvent) {
+TEST_F(StartTest, InitReturnsThePrefixAndTheTrapEvent) {
   const Module::Start start = module.Init();
   EXPECT_TRUE(start.result);
   EXPECT_EQ(start.view.idLength, 8u);
@@ -22,7 +22,7 @@ TEST_F(StartTest, InitHandsOutThePrefixAndTheTrapEvent) {
   EXPECT_NE(start.trapEvent, nullptr);
 }
 
-TEST_F(StartTest, LogTellsOfTheStartStepByStep) {
+TEST_F(StartTest, LogHoldsEachStepOfTheStart) {
   ASSERT_TRUE(module.Init().result);
   Lines lines;
   for (const std::string& line : log.Lines())
@@ -39,7 +39,7 @@ TEST_F(StartTest, LogTellsOfTheStartStepByStep) {
   EXPECT_EQ(lines.back(), "Info: Extension agent started!");
 }
 
-TEST_F(StartTest, WithoutTheMainProcessTheAgentStartsAndReportsOneLoss) {
+TEST_F(StartTest, WithoutAServerTheAgentStartsAndReportsOneLoss) {
   const Module::Start start = module.Init();
   EXPECT_TRUE(start.result);
   EXPECT_TRUE(LinkIs("1"));
@@ -49,7 +49,7 @@ TEST_F(StartTest, WithoutTheMainProcessTheAgentStartsAndReportsOneLoss) {
   EXPECT_EQ(module.TakeTraps(), Traps{});
 }
 
-TEST_F(StartTest, LogFolderThatCannotBeCreatedFailsTheStartAndTheAgentServesNothing) {
+TEST_F(StartTest, StartFailsIfTheLogFolderCannotBeCreated) {
   const LogFolder::Blocked blocked(log);
   const Module::Start start = module.Init();
   EXPECT_FALSE(start.result);
@@ -69,7 +69,7 @@ TEST_F(StartTest, StartAfterAFailedOneSucceeds) {
   EXPECT_TRUE(LinkIs("1"));
 }
 
-TEST_F(StartTest, SecondInitAnswersFalseAndTheRunningAgentGoesOn) {
+TEST_F(StartTest, SecondInitReturnsFalseAndTheAgentKeepsRunning) {
   StartLinked();
   const Module::Start again = module.Init();
   EXPECT_FALSE(again.result);

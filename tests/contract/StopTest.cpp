@@ -1,4 +1,4 @@
-// Unloading the module, and the end of a process that has it loaded.
+// The unload of the module, and the end of a process that has it loaded.
 
 #include "platform/ListeningSocket.h"
 #include "tests/contract/ContractFixture.h"
@@ -11,7 +11,7 @@ namespace {
 
 constexpr char kTerminating[] = "Info: Terminating SNMP extension agent..";
 
-// The end must come within a second, of which the system gets some.
+// A second, which includes the time of the system itself.
 constexpr std::uint32_t kLongestEndMs = 1000;
 
 using StopTest = ContractTest;
@@ -46,7 +46,7 @@ TEST_F(StopTest, UnloadRightAfterTheStartEndsSoon) {
   EXPECT_TRUE(log.Has(kTerminating));
 }
 
-// A peer whose queue of connections is full lets the next attempt wait.
+// If the peer's queue of connections is full, the next attempt waits.
 TEST_F(StopTest, UnloadInMidConnectEndsSoon) {
   Vask::Platform::ListeningSocket full;
   ASSERT_TRUE(full.Open(kLinkPort, 0));
@@ -72,7 +72,7 @@ TEST_F(StopTest, ModuleWhoseStartFailedUnloads) {
   EXPECT_LT(TimedUnload(), kLongestEndMs);
 }
 
-TEST_F(StopTest, TrapsThatNobodyTookGoWithTheModule) {
+TEST_F(StopTest, UnloadWithTrapsInTheQueueEndsSoon) {
   StartLinked();
   for (int i = 0; i < 20; ++i) ASSERT_TRUE(server->Send(Simulator::CorvaneServer::FrameOfFinish()));
   ASSERT_TRUE(Eventually([this] { return log.CountOf("successfully updated") == 20; }));
@@ -92,7 +92,7 @@ class ProcessEndTest : public ContractTest {
  protected:
   ProcessEndTest() { module.Unload(); }
 
-  // Milliseconds that the process took to end.
+  // The duration of the end of the process, in milliseconds.
   static std::uint32_t TimedEnd(const char* state) {
     const ProcessEnd end = RunToItsEnd(CORVANE_MODULE_EXIT, state);
     EXPECT_EQ(end.status, 0);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# module_image.sh MODULE VERSION: what stands in the module's file. SNMPd.dll or
-# SNMPd.so exports the three entry points and nothing else; the DLL needs
-# Windows' own libraries only, is hardened, and carries its version.
+# module_image.sh MODULE VERSION: checks the file of the module. SNMPd.dll and SNMPd.so
+# export the three entry points and nothing else. The DLL imports only Windows' own
+# libraries, is hardened, and contains its version.
 set -euo pipefail
 module=$1
 version=$2
@@ -19,7 +19,7 @@ dll_imports() {
   x86_64-w64-mingw32-objdump -p "$module" | awk '/DLL Name:/ { print tolower($3) }' | sort -u
 }
 
-# What is no part of Windows itself.
+# Imported libraries that are no part of Windows.
 foreign_imports() {
   dll_imports |
     grep -vxE '(advapi32|kernel32|msvcrt|ole32|shell32|snmpapi|user32|ws2_32)\.dll' || true
@@ -34,7 +34,7 @@ time_stamp() {
   TZ=UTC x86_64-w64-mingw32-objdump -p "$module" | sed -n 's/^Time\/Date		*//p' | tr -s ' '
 }
 
-# Texts of the version resource are UTF-16.
+# The texts of the version resource are UTF-16.
 version_texts() {
   strings -el "$module" | grep -A1 -xE 'FileVersion|ProductVersion' | grep -v -- '^--$'
 }

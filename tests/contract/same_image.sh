@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# same_image.sh DLL SOURCES: builds SNMPd.dll once more from a copy of the
-# sources in another folder, with the settings of the build that made DLL, and
-# compares the two files byte for byte.
+# same_image.sh DLL SOURCES: copies the sources to another folder, builds SNMPd.dll
+# there with the settings of the build of DLL, and compares the two files byte by byte.
 set -euo pipefail
 dll=$(realpath "$1")
 sources=$(realpath "$2")

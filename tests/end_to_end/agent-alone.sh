@@ -1,21 +1,21 @@
-# The agent starts while no server is there.
+# The agent starts without a Corvane server.
 
 start_trap_receiver_here
 start_host
-expect_eventually 'the first failed attempt raises the trap of a lost link' TrapSoftwareLinkDown trap_names
-expect 'without a server the variables hold what they are born with' "$(variable_values)" \
+expect_eventually 'the first failed attempt raises TrapSoftwareLinkDown' TrapSoftwareLinkDown trap_names
+expect 'without a server the variables have their initial values' "$(variable_values)" \
   '1|"Corvane"|"1.x.x"|0|0|0|0|0'
-expect_eventually 'the loss is logged' 1 log_count 'Warning: Lost connection to Corvane process!'
+expect_eventually 'the missing link is logged' 1 log_count 'Warning: Lost connection to Corvane process!'
 
-# Attempts go on every five seconds; the next ones change nothing.
+# The agent tries again every five seconds. Further failed attempts change nothing.
 sleep 6
 expect 'further failed attempts raise no trap' "$(trap_names)" TrapSoftwareLinkDown
-expect 'nor a line' "$(log_count 'Warning: Lost connection to Corvane process!')" 1
+expect 'further failed attempts log no line' "$(log_count 'Warning: Lost connection to Corvane process!')" 1
 
 start_simulator
 tell answer off
-expect_eventually 'the link comes by itself' 0 read_variable LinkStatus
-expect_eventually 'and is logged' 1 log_count 'Info: Connection to Corvane process established..'
+expect_eventually 'the agent connects by itself' 0 read_variable LinkStatus
+expect_eventually 'the connection is logged' 1 log_count 'Info: Connection to Corvane process established..'
 
 expect 'the log begins with the start, the variables and the traps' \
   "$(log_lines | grep -E 'Starting|TABLE')" "Info: Starting Corvane SNMP extension agent..
@@ -38,7 +38,7 @@ Info: TRAP TABLE 'TrapAudioSilenceDetectFailed' = $prefix.17
 Info: TRAP TABLE 'TrapStreamsFailedUpdated' = $prefix.18
 Info: TRAP TABLE 'TrapAudioSourcesFailedUpdated' = $prefix.19
 Info: TRAP TABLE 'TrapAudioSilenceDetectFailedUpdated' = $prefix.20"
-expect 'each line has its time' \
+expect 'each line begins with a time' \
   "$(cat "$log_folder"/Log*.log | grep -cvE '^[0-9]{2}:[0-9]{2}:[0-9]{2}\.[0-9]{3}: (Info|Warning|Error): ')" 0
-expect 'the file is named after the day' \
-  "$(ls "$log_folder" | sed -E 's/^Log[0-9-]+\.log$/good/' | sort -u)" good
+expect 'the name of the file is the day' \
+  "$(find "$log_folder" -type f -printf '%f\n' | sed -E 's/^Log[0-9-]+\.log$/good/' | sort -u)" good

@@ -1,9 +1,9 @@
-# Under Wine the scenario runs on the agent as its package installs it: the host
-# finds the DLL by the registration, as the SNMP service would.
+# Under Wine the test installs the agent from its package. The host finds the DLL by the
+# registration, in the same way as the Windows SNMP service.
 
 package=
 
-# msi VERB: what the installer makes of the package; its exit status.
+# msi VERB: runs the installer on the package and prints its exit status.
 msi() {
   local status=0
   timeout 120 wine msiexec "/$1" "$package" /qn >"$work/msiexec" 2>&1 </dev/null || status=$?
@@ -20,7 +20,7 @@ install_agent() {
   module=--registered
 }
 
-# The last thing of all, whatever came before.
+# Also called at exit, so that a failed test leaves no package installed.
 remove_agent() {
   [[ -n "$package" ]] || return 0
   local removed
@@ -30,11 +30,11 @@ remove_agent() {
 }
 
 agent_is_found() {
-  expect 'the host finds it where the package put it' "$(head -n 1 "$host_said" | tr -d '\r')" \
+  expect 'the host finds the DLL in the folder of the package' "$(head -n 1 "$host_said" | tr -d '\r')" \
     'CorvaneSnmpAgent is registered: C:\Program Files\Veltrin Systems\Corvane SNMP\SNMPd.dll'
 }
 
 agent_is_gone() {
-  expect 'nothing is registered then' "$(registered_now)" \
+  expect 'nothing is registered after the removal' "$(registered_now)" \
     'snmphost: no agent is registered: there is no key HKLM\SYSTEM\CurrentControlSet\Services\SNMP\Parameters\ExtensionAgents'
 }

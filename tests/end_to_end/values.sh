@@ -1,4 +1,4 @@
-# Values come from the server, in one update and one by one.
+# The server sends values: first all in one update, then single groups.
 
 tell set ProductName Station
 tell set ProductVersion 3.14
@@ -12,22 +12,22 @@ tell answer on
 
 traps_before='TrapSoftwareLinkDown'
 first_update='TrapStreamsFailed TrapAudioSourcesFailed TrapAudioSilenceDetectFailed TrapSoftwareLinkUp'
-expect_eventually 'the agent asks by itself; the first update raises its traps in order' \
+expect_eventually 'the agent requests an update by itself; the update raises its traps in order' \
   "$traps_before $first_update" trap_names
-expect 'the update is in the variables' "$(variable_values)" \
+expect 'the variables have the values of the update' "$(variable_values)" \
   '0|"Station"|"3.14"|1024|7|30|2|1'
-expect 'traps carry the prefix and are enterprise-specific' \
+expect 'all traps are enterprise-specific and have the prefix' \
   "$(received_traps | cut -d' ' -f1,2 | sort -u)" ".$prefix 6"
 
 stamps=$(received_traps | awk '{print $4}')
-expect 'their time stamps are milliseconds since the start, and rise' \
+expect 'the time stamps are milliseconds since the start, and rise' \
   "$(time_stamps_are_plausible "$stamps")" yes
 
-# An update that has finished ends the requests: nothing is asked any more.
+# After a complete update the agent sends no further request.
 asked=$(grep -c '^received SNMPupdate ' "$simulator_said")
-expect 'one request was enough' "$asked" 1
+expect 'the agent sent one request' "$asked" 1
 
-expect_eventually 'every change trap is reported to the server' \
+expect_eventually 'the agent reports each of these traps to the server' \
   'received SNMPtrap {"traptype":{"streamsfailed":{}}}
 received SNMPtrap {"traptype":{"audiosourcesfailed":{}}}
 received SNMPtrap {"traptype":{"audiosilencedetectfailed":{}}}' reported_traps
@@ -51,25 +51,25 @@ before=$(received_traps | wc -l)
 tell set AudioSourcesErrors 5
 tell set AudioSourcesSilence 6
 tell send AudioSources
-expect_eventually 'errors and silence that change together raise the trap of the errors first' \
+expect_eventually 'if errors and silence change together, the trap of the errors comes first' \
   'TrapAudioSourcesFailed TrapAudioSilenceDetectFailed' trap_names "$before"
 tell send AudioSources
 tell send StreamMonitors
 tell set ProductName "$(printf 'n%.0s' {1..128})"
 tell send Product
-expect_eventually 'a name of 128 bytes is answered whole' "\"$(printf 'n%.0s' {1..128})\"" \
+expect_eventually 'a name of 128 bytes is returned whole' "\"$(printf 'n%.0s' {1..128})\"" \
   read_variable ProductName
-expect 'values that stay, and monitors, raise no trap' "$(trap_names "$before")" \
+expect 'unchanged values and stream monitors raise no trap' "$(trap_names "$before")" \
   'TrapAudioSourcesFailed TrapAudioSilenceDetectFailed'
 
 before=$(received_traps | wc -l)
 tell send Finished
-expect_eventually 'a repeated end of an update raises its trap again' TrapSoftwareLinkUp \
+expect_eventually 'a second end of an update raises TrapSoftwareLinkUp again' TrapSoftwareLinkUp \
   trap_names "$before"
-expect 'all eleven traps have come by now' \
+expect 'every trap was received' \
   "$(trap_names | tr ' ' '\n' | sort -u | paste -sd' ')" \
   "$(printf '%s\n' "${trap_name[@]}" | sort | paste -sd' ')"
-expect 'the log tells of updates and traps' "$(log_lines | grep -cxF \
+expect 'the log holds the updates and the traps' "$(log_lines | grep -cxF \
   -e "Info: Update streams: count=1024, errors=7" \
   -e "Info: Update product information: name='Station', version='3.14'" \
   -e "Info: Update audio sources: count=30, errors=2, silence=1" \

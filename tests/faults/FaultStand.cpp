@@ -1,12 +1,11 @@
 #include "tests/faults/FaultStand.h"
-#include "tests/agent/TakenTrap.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "tests/support/UpdateFrames.h"
 
 namespace Agent::Tests {
@@ -17,7 +16,7 @@ namespace {
 
 constexpr char kFinished[] =
     R"({"data":{},"from":"Corvane","id":0,"name":"SNMPupdateFinished","op":"broadcast"})";
-// Refused by the agent, with an error line.
+// The agent refuses this with an error line.
 constexpr char kFaulty[] =
     R"({"data":{"messageType":{"Streams":{}}},"from":"Corvane","id":0,"name":"SNMPmessage"})";
 
@@ -32,7 +31,7 @@ std::string Greeting() {
   return greeting;
 }
 
-Machine WithPlan(FaultMachine& machine, int failingEvent) {
+TestMachine WithPlan(FaultMachine& machine, int failingEvent) {
   if (failingEvent == FaultStand::kAllEvents) {
     machine.threadingPlan.FailAlways();
   } else {
@@ -48,27 +47,27 @@ FaultMachine::FaultMachine() {
 }
 
 FaultStand::FaultStand(int failingEvent) : whole(WithPlan(*this, failingEvent)) {
-  peer.link = &whole.link;
+  peer.link = &whole.process.Link();
 }
 
 BOOL FaultStand::Init() {
   HANDLE event = nullptr;
   AsnObjectIdentifier view{0, nullptr};
-  return whole.entries.Init(&event, &view);
+  return whole.process.Entries().Init(&event, &view);
 }
 
 BOOL FaultStand::Query(BYTE type, Binding& binding) {
   SnmpVarBindList bindings{&binding.Get(), 1};
   AsnInteger status = 0;
   AsnInteger index = 0;
-  const BOOL answered = whole.entries.Query(type, &bindings, &status, &index);
-  return answered == TRUE && status == SNMP_ERRORSTATUS_NOERROR ? TRUE : FALSE;
+  const BOOL served = whole.process.Entries().Query(type, &bindings, &status, &index);
+  return served == TRUE && status == SNMP_ERRORSTATUS_NOERROR ? TRUE : FALSE;
 }
 
 std::vector<AsnInteger> FaultStand::TakeTraps() {
   std::vector<AsnInteger> numbers;
   TakenTrap trap;
-  while (trap.TakeFrom(whole.entries)) numbers.push_back(trap.specific);
+  while (trap.TakeFrom(whole.process.Entries())) numbers.push_back(trap.specific);
   return numbers;
 }
 
@@ -78,9 +77,9 @@ std::string FaultStand::Get(const std::string& name) {
 }
 
 std::vector<std::string> FaultStand::GetAll() {
-  std::vector<std::string> answers;
-  for (const char* const name : kNames) answers.push_back(Get(name));
-  return answers;
+  std::vector<std::string> values;
+  for (const char* const name : kNames) values.push_back(Get(name));
+  return values;
 }
 
 std::vector<std::string> FaultStand::Walk() {

@@ -16,20 +16,20 @@
 
 namespace Agent::Tests {
 
-// A machine of which any single call can be made to fail. It has a disk of its
-// own, a peer that sends one update and one faulty message, and no timers. A
-// thread is run to its end by whoever starts it. One thread.
+// A machine on which a test can let any single call fail. It has a disk of its
+// own, a peer that sends one update and one faulty message, and no timers. The
+// call that starts a thread runs it to its end. One thread.
 class FaultMachine {
  public:
   FaultMachine();
 
-  [[nodiscard]] Machine Seams() {
+  [[nodiscard]] TestMachine Seams() {
     return {clock, files, sockets, threading, clock, timerThreading};
   }
 
-  // What is in the log's files, one after another: the bytes, and the lines
-  // without their time stamps. What went to the console before there was a log
-  // is not among them.
+  // The content of the log's files, one after another: the bytes, and the lines
+  // without their time stamps. Does not include the lines that went to the console
+  // before there was a log.
   [[nodiscard]] std::string LogText() const;
   [[nodiscard]] std::vector<std::string> LogLines() const;
   [[nodiscard]] int CountLines(const std::string& line) const;
@@ -51,21 +51,22 @@ class FaultMachine {
 };
 
 // The whole agent on such a machine. The link runs within the call that starts
-// the agent, until the peer has nothing more to say, so that every run makes the
-// same calls.
+// the agent, until the peer has sent everything, so every run makes the same
+// calls.
 class FaultStand : public FaultMachine {
  public:
-  // The agent makes its events here: the plan for `threading` may begin with it.
+  // The n-th event or thread of the agent fails; 0: none. The constructor creates
+  // events, so the plan begins with it.
   static constexpr int kAllEvents = -1;
   explicit FaultStand(int failingEvent = 0);
 
-  // What the module's exports do.
+  // The module's exports.
   BOOL Init();
   BOOL Query(BYTE type, Vask::Tests::Binding& binding);
   std::vector<AsnInteger> TakeTraps();  // their specific numbers
 
-  // "P.2.0 = INT 12", or "no P.2.0"; the same for every variable; and the names
-  // of a walk.
+  // Returns "P.2.0 = INT 12" or "no P.2.0"; the same for every variable; and the
+  // names of a walk.
   std::string Get(const std::string& name);
   std::vector<std::string> GetAll();
   std::vector<std::string> Walk();
@@ -76,13 +77,13 @@ class FaultStand : public FaultMachine {
 using Lines = std::vector<std::string>;
 using Traps = std::vector<AsnInteger>;
 
-// What Walk answers at any time.
+// The result of Walk at any time.
 inline const Lines kWholeWalk{"P.0.0", "P.1.0", "P.1.1", "P.2.0",
                               "P.2.1", "P.2.2", "P.2.3", "P.2.4"};
-// What the peer's update raises: errors and silence rise from 0, and it is finished.
+// The traps of the peer's update: errors and silence rise from 0, and it finishes.
 inline const Traps kTrapsOfUpdate{13, 15, 17, 10};
 
-// What GetAll answers once the peer's update was applied, and at first.
+// The results of GetAll after the peer's update, and before it.
 std::vector<std::string> UpdatedValues();
 std::vector<std::string> FirstValues();
 

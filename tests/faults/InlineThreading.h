@@ -4,8 +4,8 @@
 
 namespace Agent::Tests {
 
-// Events of another machine, but a thread is run to its end by whoever starts
-// it. Allocates nothing. One thread.
+// Another machine's events, but the call that starts a thread runs it to its end.
+// Allocates nothing. One thread.
 class InlineThreading final : public Vask::Tests::ForwardingThreading {
  public:
   using ForwardingThreading::ForwardingThreading;
@@ -18,16 +18,6 @@ class InlineThreading final : public Vask::Tests::ForwardingThreading {
   }
   void JoinThread(Vask::Platform::NativeHandle, Vask::Platform::NativeHandle) noexcept override {}
   void CloseThread(Vask::Platform::NativeHandle) noexcept override {}
-};
-
-// Events of another machine, and no threads.
-class NoThreads final : public Vask::Tests::ForwardingThreading {
- public:
-  using ForwardingThreading::ForwardingThreading;
-
-  Vask::Platform::NativeHandle StartThread(const Vask::Platform::ThreadEntry&) noexcept override {
-    return nullptr;
-  }
 };
 
 }  // namespace Agent::Tests

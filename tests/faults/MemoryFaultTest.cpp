@@ -1,5 +1,5 @@
-// Memory runs out at the n-th allocation, for every n, on every road of the
-// agent: for that allocation alone, and for a stretch of them.
+// The n-th allocation of each activity of the agent fails, for every n: that
+// allocation alone, or several in a row.
 
 #include <gtest/gtest.h>
 
@@ -20,8 +20,7 @@
 #include "json/JsonRef.h"
 #include "messages/Codec.h"
 #include "messages/HandlerList.h"
-#include "messages/SNMPsequence.h"
-#include "tests/agent/TakenTrap.h"
+#include "messages/SNMPmessage.h"
 #include "tests/faults/FaultStand.h"
 #include "tests/support/AllocationFault.h"
 #include "tests/support/RecordingLog.h"
@@ -36,7 +35,7 @@ using Vask::Tests::Binding;
 using Vask::Tests::FailingAllocations;
 using Vask::Tests::HeldBlocks;
 
-// After how many allocations memory runs out, and for how many.
+// How many allocations succeed first, and how many then fail.
 struct Fault {
   int allowed;
   int failures;
@@ -47,17 +46,17 @@ class MemoryFaultTest : public ::testing::Test {
   MemoryFaultTest() { LogPrinter::Instance().SetConsole(false); }
   ~MemoryFaultTest() override { LogPrinter::Instance().SetConsole(true); }
 
-  // Runs `road` for every n until one comes through without a failure; nothing
-  // that it allocated may be left. Answers how many allocations have failed.
-  static int ForEveryAllocation(const std::function<bool(const Fault&)>& road) {
-    road({0, 0});  // what is made once is there now
+  // Runs `activity` for every n until no allocation fails any more. Each run must
+  // free everything that it allocated. Returns the number of runs with a failure.
+  static int ForEveryAllocation(const std::function<bool(const Fault&)>& activity) {
+    activity({0, 0});  // makes what is made only once
     int longest = 0;
     for (const int failures : {1, 5, 50}) {
       int allowed = 0;
       for (bool reached = true; reached; ++allowed) {
         SCOPED_TRACE(std::to_string(failures) + " failures after " + std::to_string(allowed));
         const auto before = HeldBlocks();
-        reached = road({allowed, failures});
+        reached = activity({allowed, failures});
         EXPECT_EQ(HeldBlocks(), before);
       }
       longest = std::max(longest, allowed - 1);
@@ -65,16 +64,15 @@ class MemoryFaultTest : public ::testing::Test {
     return longest;
   }
 
-  // Each number as often as it has to be there, or not at all where its record
-  // could not be had; and none twice.
+  // A trap is missing if there was no memory for its record. None comes twice.
   static void ExpectNoneTwice(const Traps& traps) {
     for (const AsnInteger trap : {13, 15, 17})
       EXPECT_LE(std::count(traps.begin(), traps.end(), trap), 1) << trap;
   }
 };
 
-// The agent itself, which the first export of all builds.
-TEST_F(MemoryFaultTest, AgentThatCannotBeBuiltLeavesNothingBehind) {
+// The first call of an export builds the agent.
+TEST_F(MemoryFaultTest, AgentWithoutMemoryLeavesNothingBehind) {
   const int failed = ForEveryAllocation([](const Fault& fault) {
     FaultMachine machine;
     try {
@@ -88,10 +86,10 @@ TEST_F(MemoryFaultTest, AgentThatCannotBeBuiltLeavesNothingBehind) {
   EXPECT_EQ(failed, 2) << "the nodes of both tables' names";
 }
 
-TEST_F(MemoryFaultTest, StartWorksOrSaysSoAndTheNextOneWorks) {
+TEST_F(MemoryFaultTest, StartSucceedsOrFailsAndTheNextOneSucceeds) {
   const int failed = ForEveryAllocation([](const Fault& fault) {
     FaultStand stand;
-    stand.peer.greeting.clear();  // the start alone
+    stand.peer.greeting.clear();  // only the start
     BOOL started = TRUE;
     bool reached = false;
     {
@@ -105,7 +103,7 @@ TEST_F(MemoryFaultTest, StartWorksOrSaysSoAndTheNextOneWorks) {
       EXPECT_EQ(stand.Walk(), kWholeWalk);
     }
     EXPECT_EQ(stand.GetAll().size(), kWholeWalk.size());
-    EXPECT_TRUE(stand.whole.agent.Traps().Queue("TrapStreamsOK"));
+    EXPECT_TRUE(stand.whole.process.Extension().Traps().Queue("TrapStreamsOK"));
     const Traps traps = stand.TakeTraps();
     EXPECT_FALSE(traps.empty());
     if (!traps.empty()) {
@@ -116,9 +114,9 @@ TEST_F(MemoryFaultTest, StartWorksOrSaysSoAndTheNextOneWorks) {
   EXPECT_GT(failed, 50);
 }
 
-// A frame that there is no memory for costs the connection, and says so; the
-// next one brings everything, and no trap is raised twice.
-TEST_F(MemoryFaultTest, FrameThatFindsNoMemoryArrivesWithTheNextConnection) {
+// A frame without memory ends the connection, which the log says. The next
+// connection brings all values, and no trap is raised twice.
+TEST_F(MemoryFaultTest, FrameWithoutMemoryArrivesWithTheNextConnection) {
   const int failed = ForEveryAllocation([](const Fault& fault) {
     FaultStand stand;
     std::optional<FailingAllocations> failing;
@@ -136,21 +134,21 @@ TEST_F(MemoryFaultTest, FrameThatFindsNoMemoryArrivesWithTheNextConnection) {
     EXPECT_EQ(stand.CountLines("Error: Vask::JsonSocket::Run: exception!"), lost);
     const int said = stand.CountLines("Warning: Lost connection to Corvane process!");
     EXPECT_EQ(said > 0, lost > 0);
-    stand.whole.link.StopThread();
+    stand.whole.process.Link().StopThread();
     EXPECT_EQ(stand.peer.opened, stand.peer.closed);
     return reached;
   });
   EXPECT_GT(failed, 20);
 }
 
-// A request that there is no memory for is refused, whole or for the one
-// variable, and the same one is answered right afterwards.
-TEST_F(MemoryFaultTest, RequestThatFindsNoMemoryIsRefusedAndAnsweredTheNextTime) {
+// A request without memory fails, whole or for one variable. The same request
+// succeeds immediately afterwards.
+TEST_F(MemoryFaultTest, RequestWithoutMemoryFailsAndSucceedsTheNextTime) {
   struct Row {
     const char* what;
     BYTE type;
     const char* name;
-    const char* answer;
+    const char* result;
   };
   const Row rows[] = {
       {"Get of an INT", SNMP_PDU_GET, "P.2.0", "P.2.0 = INT 12"},
@@ -168,39 +166,38 @@ TEST_F(MemoryFaultTest, RequestThatFindsNoMemoryIsRefusedAndAnsweredTheNextTime)
       SnmpVarBindList bindings{&binding.Get(), 1};
       AsnInteger status = -1;
       AsnInteger index = -1;
-      BOOL answered = FALSE;
+      BOOL served = FALSE;
       bool reached = false;
       {
         const FailingAllocations failing(fault.allowed, fault.failures);
-        answered = stand.whole.entries.Query(row.type, &bindings, &status, &index);
+        served = stand.whole.process.Entries().Query(row.type, &bindings, &status, &index);
         reached = FailingAllocations::Reached();
       }
       EXPECT_EQ(index, 0);
       if (!reached) {
-        EXPECT_EQ(answered, TRUE);
+        EXPECT_EQ(served, TRUE);
         EXPECT_EQ(status, SNMP_ERRORSTATUS_NOERROR);
-      } else if (answered == TRUE && status != SNMP_ERRORSTATUS_NOERROR) {
+      } else if (served == TRUE && status != SNMP_ERRORSTATUS_NOERROR) {
         EXPECT_EQ(status, SNMP_ERRORSTATUS_GENERR);
-      } else if (answered == FALSE) {
+      } else if (served == FALSE) {
         EXPECT_EQ(stand.LogLines().back(),
                   "Error: Cannot query the SNMP extension agent: exception!");
       }
       Binding again(row.name);
       EXPECT_EQ(stand.Query(row.type, again), TRUE);
-      EXPECT_EQ(again.Name() + " = " + again.Value(), row.answer);
+      EXPECT_EQ(again.Name() + " = " + again.Value(), row.result);
       return reached;
     });
     EXPECT_GT(failed, 0);
   }
 }
 
-// The agent's own variables hold no SEQUENCE; a table that does is walked by the
-// same rules.
-TEST_F(MemoryFaultTest, StepThroughASequenceThatFindsNoMemoryIsTakenTheNextTime) {
+// The agent's own variables hold no SEQUENCE, so this table has one.
+TEST_F(MemoryFaultTest, StepThroughASequenceWithoutMemorySucceedsTheNextTime) {
   struct Row {
     const char* what;
     const char* name;
-    const char* answer;
+    const char* result;
   };
   constexpr UINT kSuffixes[][2] = {{1, 0}, {2, 0}, {3, 0}};
   Vask::Tests::FakeClock clock;
@@ -224,22 +221,22 @@ TEST_F(MemoryFaultTest, StepThroughASequenceThatFindsNoMemoryIsTakenTheNextTime)
       try {
         const FailingAllocations failing(fault.allowed, fault.failures);
         status = agent.GetNextRequest(binding.Get());
-      } catch (const std::bad_alloc&) {  // the entry point refuses the request
+      } catch (const std::bad_alloc&) {  // the entry point catches this
       }
       reached = FailingAllocations::Reached();
       EXPECT_EQ(status, reached ? SNMP_ERRORSTATUS_GENERR : SNMP_ERRORSTATUS_NOERROR);
       Binding again(row.name);
       EXPECT_EQ(agent.GetNextRequest(again.Get()), SNMP_ERRORSTATUS_NOERROR);
-      EXPECT_EQ(again.Name() + " = " + again.Value(), row.answer);
+      EXPECT_EQ(again.Name() + " = " + again.Value(), row.result);
       return reached;
     });
     EXPECT_GT(failed, 0);
   }
 }
 
-// A trap that cannot be queued is lost, one that cannot be handed out waits for
-// the next signal; both leave the rest alone.
-TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
+// A trap without memory for its record is lost. A trap without memory for its
+// copy waits for the next signal. Other traps are not affected.
+TEST_F(MemoryFaultTest, TrapWithoutMemoryNeverComesTwice) {
   constexpr char kLongName[] = "TrapAudioSilenceDetectFailedUpdated";
   FaultStand stand;
   ASSERT_EQ(stand.Init(), TRUE);
@@ -250,8 +247,8 @@ TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
     bool reached = false;
     {
       const FailingAllocations failing(fault.allowed, fault.failures);
-      stand.whole.agent.Traps().Queue(kLongName);
-      taken = trap.TakeFrom(stand.whole.entries);
+      stand.whole.process.Extension().Traps().Queue(kLongName);
+      taken = trap.TakeFrom(stand.whole.process.Entries());
       reached = FailingAllocations::Reached();
     }
     if (taken) {
@@ -259,14 +256,14 @@ TEST_F(MemoryFaultTest, TrapThatFindsNoMemoryNeverComesTwice) {
     }
     Traps rest = stand.TakeTraps();
     EXPECT_LE(rest.size(), taken ? 0u : 1u);
-    EXPECT_TRUE(stand.whole.agent.Traps().Queue("TrapStreamsOK"));
+    EXPECT_TRUE(stand.whole.process.Extension().Traps().Queue("TrapStreamsOK"));
     EXPECT_EQ(stand.TakeTraps(), Traps{12});
     return reached;
   });
   EXPECT_GT(failed, 2);
 }
 
-// Hears what the log tells, as text.
+// Counts the messages of the log and checks their lengths.
 class Listener final : public Vask::IDailyLog::IListener {
  public:
   using Block = Vask::IDailyLog::ILogDataBlock;
@@ -287,9 +284,9 @@ class Listener final : public Vask::IDailyLog::IListener {
   int wrongLengths = 0;
 };
 
-// The file gets every line, whatever else of the log finds no memory; and the
-// next warning is told to listeners again.
-TEST_F(MemoryFaultTest, LogLosesNoLineOfTheFileForWantOfMemory) {
+// The file gets every line, even if another part of the log has no memory, and the
+// listeners get the next warning.
+TEST_F(MemoryFaultTest, LogWithoutMemoryLosesNoLineOfTheFile) {
   const std::string longText(1'500, 'x');
   const int failed = ForEveryAllocation([&](const Fault& fault) {
     FaultStand stand;
@@ -324,8 +321,8 @@ TEST_F(MemoryFaultTest, LogLosesNoLineOfTheFileForWantOfMemory) {
   EXPECT_GT(failed, 10);
 }
 
-// What lists the files lets no exception through.
-TEST_F(MemoryFaultTest, OldFileThatFindsNoMemoryStaysUntilTheNextCleanUp) {
+// The listing of the files lets no exception through.
+TEST_F(MemoryFaultTest, OldFileStaysIfTheCleanUpHasNoMemory) {
   const Vask::Tests::TempFolder disk;
   const std::string name = "Log2000-01-01.log";
   const auto exists = [&] { return std::filesystem::exists(disk.NativePath() / name); };
@@ -351,15 +348,15 @@ TEST_F(MemoryFaultTest, OldFileThatFindsNoMemoryStaysUntilTheNextCleanUp) {
   EXPECT_FALSE(exists());
 }
 
-// A tick that throws, here for want of memory, is not the last one.
-TEST_F(MemoryFaultTest, TimerGoesOnAfterATickThatFindsNoMemory) {
+// A tick that throws is not the last one.
+TEST_F(MemoryFaultTest, TimerGoesOnAfterATickThatThrows) {
   class Client final : public Vask::ITimerServiceClient {
    public:
     void OnTimer(std::uint32_t, std::uint64_t) override {
       if (++ticks == 1) throw std::bad_alloc();
       if (ticks == 3) third.Set();
     }
-    int ticks = 0;  // the timer thread's until the third
+    int ticks = 0;  // written by the timer thread until the third tick
     Vask::Platform::Event third{Vask::Platform::EventReset::Automatic};
   };
   const Vask::Tests::RecordingLog log;
@@ -374,7 +371,7 @@ TEST_F(MemoryFaultTest, TimerGoesOnAfterATickThatFindsNoMemory) {
   EXPECT_EQ(log.Lines(), Lines{"Error: Vask::TimerService::Run: exception!\n"});
 }
 
-TEST_F(MemoryFaultTest, TimerThatFindsNoMemoryLeavesTheEarlierOne) {
+TEST_F(MemoryFaultTest, TimerWithoutMemoryLeavesTheEarlierOne) {
   class Client final : public Vask::ITimerServiceClient {
    public:
     void OnTimer(std::uint32_t, std::uint64_t) override { ++ticks; }
@@ -383,7 +380,7 @@ TEST_F(MemoryFaultTest, TimerThatFindsNoMemoryLeavesTheEarlierOne) {
   Vask::Tests::FakeClock clock;
   Vask::TimerService timers(clock);
   std::vector<Client> clients(Vask::TimerNodeStore::kNodesPerBlock);
-  for (Client& client : clients) timers.SetTimer(1'000, &client);  // all that one block holds
+  for (Client& client : clients) timers.SetTimer(1'000, &client);  // fills one block
   bool changed = false;
   const auto change = [](void* context) { *static_cast<bool*>(context) = true; };
   {
@@ -399,19 +396,19 @@ TEST_F(MemoryFaultTest, TimerThatFindsNoMemoryLeavesTheEarlierOne) {
   EXPECT_EQ(clients[1].ticks, 1);
 }
 
-TEST_F(MemoryFaultTest, ThreadThatFindsNoMemoryIsNotStarted) {
+TEST_F(MemoryFaultTest, ThreadWithoutMemoryIsNotStarted) {
   FaultStand stand;
   {
     const FailingAllocations failing;
-    EXPECT_FALSE(stand.whole.link.OpenThread());
+    EXPECT_FALSE(stand.whole.process.Link().OpenThread());
   }
-  EXPECT_FALSE(stand.whole.link.IsRunning());
+  EXPECT_FALSE(stand.whole.process.Link().IsRunning());
   EXPECT_EQ(stand.peer.connections, 0);
   EXPECT_EQ(stand.Init(), TRUE);
   EXPECT_EQ(stand.GetAll(), UpdatedValues());
 }
 
-TEST_F(MemoryFaultTest, HandlerThatCannotMoveToTheEndKeepsItsPlace) {
+TEST_F(MemoryFaultTest, HandlerWithoutMemoryToMoveKeepsItsPlace) {
   Messages::HandlerList list;
   const auto first = [] {};
   const auto second = [] {};
@@ -430,8 +427,8 @@ TEST_F(MemoryFaultTest, HandlerThatCannotMoveToTheEndKeepsItsPlace) {
   EXPECT_EQ(called, (std::vector<Messages::HandlerList::Function>{first, second}));
 }
 
-// A listener's own affair: it costs neither who logs nor the other listeners.
-TEST_F(MemoryFaultTest, ListenerThatThrowsKeepsNobodyFromBeingTold) {
+// A listener that throws affects neither the logging thread nor other listeners.
+TEST_F(MemoryFaultTest, ThrowingListenerDoesNotAffectOthers) {
   class Throwing final : public Vask::IDailyLog::IListener {
     using Block = Vask::IDailyLog::ILogDataBlock;
     void OnWarning(const Block* const*, std::uint32_t, std::uint32_t) override {
@@ -452,8 +449,8 @@ TEST_F(MemoryFaultTest, ListenerThatThrowsKeepsNobodyFromBeingTold) {
   EXPECT_EQ(listener.heard, 2);
 }
 
-// Lists and unions of a message that own memory.
-TEST_F(MemoryFaultTest, MessageThatFindsNoMemoryLeavesNothingBehind) {
+// The lists and unions of a message own memory.
+TEST_F(MemoryFaultTest, MessageWithoutMemoryLeavesNothingBehind) {
   Vask::ParseResult result;
   const Vask::JsonRef<Vask::Json> root(Vask::Parse(
       result, R"({"sequenceType":"x","entries":{"a":{"friendlyName":"A","errorDescription":"e"},)"

@@ -10,9 +10,9 @@
 
 namespace Agent::Tests {
 
-// Sockets with a peer behind them that greets every connection with the same
-// bytes and takes whatever it is sent. Once somebody has waited for more, the
-// link is told to stop. Allocates nothing. One thread.
+// Sockets with a peer that sends the same bytes on every connection and accepts
+// everything. When the link waits for more bytes, the peer stops the link.
+// Allocates nothing. One thread.
 class ScriptedPeer final : public Vask::Platform::Sockets {
  public:
   using Handle = Vask::Platform::SocketHandle;
@@ -20,7 +20,7 @@ class ScriptedPeer final : public Vask::Platform::Sockets {
 
   std::string greeting;
   Vask::JsonSocket* link = nullptr;
-  // Called for the first connection, and when somebody waits for more.
+  // Called for the first connection, and when the link waits for more bytes.
   std::function<void()> onFirstConnection;
   std::function<void()> onEnd;
   int opened = 0;

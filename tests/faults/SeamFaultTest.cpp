@@ -1,5 +1,5 @@
-// The n-th call of the operating system fails, for every n, on every road of the
-// agent: its start, a frame, a request, a trap, a line of the log.
+// The n-th call of the operating system fails, for every n and each activity of
+// the agent: its start, a frame, a request, a trap, a line of the log.
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,8 @@ using Vask::Tests::ForEveryFault;
 
 constexpr std::int64_t kDayMs = 86'400'000;
 
-// How often `part` stands in `text`. A line that a day begins in the middle of
-// goes on in the next file.
+// How often `text` contains `part`. If a new day begins within a line, the rest of
+// the line is in the next file, which follows in `text`.
 int CountIn(const std::string& text, const std::string& part) {
   int count = 0;
   for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size())
@@ -36,7 +36,7 @@ class SeamFaultTest : public ::testing::Test {
   SeamFaultTest() { LogPrinter::Instance().SetConsole(false); }
   ~SeamFaultTest() override { LogPrinter::Instance().SetConsole(true); }
 
-  // The next good call works: a start where there was none, a walk, a Get.
+  // The next calls succeed: a start if the first one failed, a walk, a Get.
   static void ExpectWhole(FaultStand& stand, bool started) {
     if (!started) {
       EXPECT_EQ(stand.Init(), TRUE);
@@ -45,8 +45,8 @@ class SeamFaultTest : public ::testing::Test {
     EXPECT_EQ(stand.GetAll(), UpdatedValues());
   }
 
-  static void ExpectSocketsGivenBack(FaultStand& stand) {
-    stand.whole.link.StopThread();
+  static void ExpectSocketsClosed(FaultStand& stand) {
+    stand.whole.process.Link().StopThread();
     EXPECT_EQ(stand.peer.opened, stand.peer.closed);
   }
 };
@@ -57,12 +57,12 @@ TEST_F(SeamFaultTest, WithoutAFaultTheUpdateArrivesAndItsTrapsAreRaised) {
   EXPECT_EQ(stand.TakeTraps(), kTrapsOfUpdate);
   ExpectWhole(stand, true);
   EXPECT_EQ(stand.CountLines("Error: GetIntProperty: Property 'Count' not found"), 1);
-  ExpectSocketsGivenBack(stand);
+  ExpectSocketsClosed(stand);
 }
 
-// A start either works or fails silently, and then nothing was done but folders.
-// Either way the next one does all of it.
-TEST_F(SeamFaultTest, StartFailsWholeOrNotAtAllWhicheverCallOfTheDiskFails) {
+// A start either succeeds, or fails silently and has only created folders. If it
+// failed, the next one does everything.
+TEST_F(SeamFaultTest, StartSucceedsOrChangesNothingIfACallOfTheDiskFails) {
   const int faults = ForEveryFault([](int n) {
     SCOPED_TRACE("call " + std::to_string(n));
     FaultStand stand;
@@ -70,7 +70,7 @@ TEST_F(SeamFaultTest, StartFailsWholeOrNotAtAllWhicheverCallOfTheDiskFails) {
     const bool started = stand.Init() == TRUE;
     const bool reached = stand.filesPlan.Reached();
     stand.filesPlan.FailNever();
-    EXPECT_EQ(stand.whole.agent.Variables().Find("LinkStatus") != nullptr, started);
+    EXPECT_EQ(stand.whole.process.Extension().Variables().Find("LinkStatus") != nullptr, started);
     EXPECT_EQ(stand.peer.connections > 0, started);
     if (!started) {
       EXPECT_EQ(stand.LogLines(), Lines{});
@@ -81,9 +81,9 @@ TEST_F(SeamFaultTest, StartFailsWholeOrNotAtAllWhicheverCallOfTheDiskFails) {
   EXPECT_GT(faults, 100);
 }
 
-// An event that cannot be had at first is tried for again; a thread that cannot
-// be had costs what needs it and no more.
-TEST_F(SeamFaultTest, StartNamesWhatIsMissingWhicheverEventOrThreadFails) {
+// The agent creates a missing event later. A missing thread affects only its own
+// work.
+TEST_F(SeamFaultTest, StartLogsTheMissingThreadIfAnEventOrThreadFails) {
   struct Row {
     const char* what;
     BOOL starts;
@@ -105,7 +105,7 @@ TEST_F(SeamFaultTest, StartNamesWhatIsMissingWhicheverEventOrThreadFails) {
     FaultStand stand(n);
     HANDLE event = nullptr;
     AsnObjectIdentifier view{0, nullptr};
-    const BOOL started = stand.whole.entries.Init(&event, &view);
+    const BOOL started = stand.whole.process.Entries().Init(&event, &view);
     if (!stand.threadingPlan.Reached()) return false;
     EXPECT_EQ(started, row.starts);
     EXPECT_NE(event, nullptr);
@@ -118,29 +118,29 @@ TEST_F(SeamFaultTest, StartNamesWhatIsMissingWhicheverEventOrThreadFails) {
     EXPECT_EQ(stand.TakeTraps(), row.starts == TRUE ? kTrapsOfUpdate : Traps{});
     return true;
   });
-  // Two threads are two more calls that every good start makes.
+  // The last two rows are the two threads.
   EXPECT_EQ(faults, static_cast<int>(std::size(rows)));
 }
 
-TEST_F(SeamFaultTest, StartFailsWhileThereAreNoEventsAndWorksOnceThereAre) {
+TEST_F(SeamFaultTest, StartFailsWithoutEventsAndSucceedsWithThem) {
   FaultStand stand(FaultStand::kAllEvents);
   EXPECT_EQ(stand.Init(), FALSE);
-  EXPECT_EQ(stand.whole.agent.Traps().EventHandle(), nullptr);
+  EXPECT_EQ(stand.whole.process.Extension().Traps().EventHandle(), nullptr);
   stand.threadingPlan.FailNever();
   ExpectWhole(stand, false);
-  EXPECT_NE(stand.whole.agent.Traps().EventHandle(), nullptr);
-  ExpectSocketsGivenBack(stand);
+  EXPECT_NE(stand.whole.process.Extension().Traps().EventHandle(), nullptr);
+  ExpectSocketsClosed(stand);
 }
 
-TEST_F(SeamFaultTest, StartCanBeTriedAgainAfterAThreadFailed) {
+TEST_F(SeamFaultTest, StartSucceedsAfterAThreadFailed) {
   FaultStand stand(9);
   ASSERT_EQ(stand.Init(), FALSE);
   ExpectWhole(stand, false);
-  ExpectSocketsGivenBack(stand);
+  ExpectSocketsClosed(stand);
 }
 
-// Whatever fails costs the connection at most, and the next one brings all.
-TEST_F(SeamFaultTest, FramesArriveWhicheverCallOfTheSocketsFails) {
+// A failing call ends the connection at most, and the next one brings all values.
+TEST_F(SeamFaultTest, FramesArriveIfACallOfTheSocketsFails) {
   using Vask::Platform::Disconnection;
   const auto run = [](int n, Disconnection end) {
     SCOPED_TRACE("call " + std::to_string(n));
@@ -148,7 +148,7 @@ TEST_F(SeamFaultTest, FramesArriveWhicheverCallOfTheSocketsFails) {
     stand.sockets.disconnection = end;
     stand.socketsPlan.FailAt(n);
     EXPECT_EQ(stand.Init(), TRUE);
-    ExpectSocketsGivenBack(stand);
+    ExpectSocketsClosed(stand);
     const bool reached = stand.socketsPlan.Reached();
     const Traps traps = stand.TakeTraps();
     for (const AsnInteger trap : {13, 15, 17})
@@ -169,12 +169,12 @@ TEST_F(SeamFaultTest, FramesArriveWhicheverCallOfTheSocketsFails) {
     return reached;
   });
   EXPECT_GT(faults, 1'000);
-  EXPECT_EQ(lines, 1) << "the end of the link; the start's first socket says nothing";
+  EXPECT_EQ(lines, 1) << "the end of the link logs this; the first socket of the start does not";
 }
 
-// The log is not what the agent stands on: requests and frames go on, and what
-// is missing of the log is what could not be written.
-TEST_F(SeamFaultTest, RequestsAndTrapsAreAnsweredWhicheverCallOfTheDiskFails) {
+// Requests and traps do not depend on the log. The log lacks only what it could
+// not write.
+TEST_F(SeamFaultTest, RequestsAndTrapsSucceedIfACallOfTheDiskFails) {
   const int faults = ForEveryFault([](int n) {
     SCOPED_TRACE("call " + std::to_string(n));
     FaultStand stand;
@@ -186,7 +186,7 @@ TEST_F(SeamFaultTest, RequestsAndTrapsAreAnsweredWhicheverCallOfTheDiskFails) {
     EXPECT_EQ(stand.Walk(), kWholeWalk);
     const bool reached = stand.filesPlan.Reached();
     stand.filesPlan.FailNever();
-    // A rotation that fails leaves the log without a file until it is opened.
+    // After a failed change of the day the log has no file until this opens one.
     stand.whole.log.SetDaysToKeep(30);
     EXPECT_EQ(stand.Get("P.2.0"), "P.2.0 = INT 12");
     EXPECT_EQ(stand.LogLines().back(), "Info: GetStoredVar(StreamsCount) = INT: 12");
@@ -195,12 +195,12 @@ TEST_F(SeamFaultTest, RequestsAndTrapsAreAnsweredWhicheverCallOfTheDiskFails) {
   EXPECT_GT(faults, 100);
 }
 
-// A piece that the disk does not take is lost; every other is there, once.
-TEST_F(SeamFaultTest, LogLosesNothingButThePieceThatTheDiskRefused) {
+// A piece that the disk refuses is lost; every other one is there once.
+TEST_F(SeamFaultTest, LogLosesOnlyThePieceThatTheDiskRefuses) {
   const auto write = [](FaultPlan& plan, int n) {
     FaultStand stand;
     EXPECT_EQ(stand.Init(), TRUE);
-    stand.whole.link.StopThread();
+    stand.whole.process.Link().StopThread();
     const std::size_t before = stand.LogLines().size();
     plan.FailNever();
     stand.filesPlan.FailAt(n);
@@ -231,8 +231,8 @@ TEST_F(SeamFaultTest, LogLosesNothingButThePieceThatTheDiskRefused) {
   EXPECT_EQ(faults, 9) << "three pieces each";
 }
 
-// Time that jumps changes time stamps and the file, nothing else.
-TEST_F(SeamFaultTest, NothingIsLostWheneverTheClockJumps) {
+// A jump of the clock changes only the time stamps and the file.
+TEST_F(SeamFaultTest, NothingIsLostIfTheClockJumps) {
   struct Row {
     const char* what;
     std::int64_t epochJumpMs;
@@ -255,7 +255,7 @@ TEST_F(SeamFaultTest, NothingIsLostWheneverTheClockJumps) {
       EXPECT_EQ(stand.GetAll(), UpdatedValues());
       EXPECT_EQ(stand.TakeTraps(), kTrapsOfUpdate);
       const bool reached = stand.clockPlan.Reached();
-      // After a year the clean-up takes the first day's file along.
+      // After a year the clean-up has deleted the file of the first day.
       if (row.epochJumpMs > 30 * kDayMs) return reached;
       const std::string text = stand.LogText();
       for (const std::string part :

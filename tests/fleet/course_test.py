@@ -1,4 +1,4 @@
-"""The fleet's judgement of what fired, and the files that it makes from the delivered ones."""
+"""Tests how the fleet judges the alerts, and which files it makes from the delivered ones."""
 
 import contextlib
 import io
@@ -30,7 +30,7 @@ def course_of(*faults):
 
 
 def cells(row):
-    """Without the server."""
+    """The cells without the server."""
     return row.cells()[1:]
 
 
@@ -40,7 +40,7 @@ class OneFault(unittest.TestCase):
         self.course = course_of(self.fault)
         self.row = self.course.rows[0]
 
-    def test_times_are_from_breaking_to_firing_and_from_mending_to_silence(self):
+    def test_times_run_from_fault_to_alert_and_from_mending_to_its_end(self):
         self.course.begin(100.0)
         self.course.see(set(), 101.0)
         self.assertFalse(self.course.has_fired)
@@ -57,7 +57,7 @@ class OneFault(unittest.TestCase):
         self.fault.breaks.assert_called_once_with(self.course.server)
         self.fault.mends.assert_called_once_with(self.course.server)
 
-    def test_alert_that_never_fires_is_complained_about(self):
+    def test_alert_that_never_fires_is_reported(self):
         self.course.begin(100.0)
         self.course.see(set(), 101.0)
         self.course.begin_mending(190.0)
@@ -66,34 +66,34 @@ class OneFault(unittest.TestCase):
         self.assertEqual(list(self.row.complaints()), ["Alert did not fire"])
         self.assertEqual(cells(self.row), ("it breaks", "-", "", ""))
 
-    def test_alert_that_stays_is_complained_about(self):
+    def test_alert_that_stays_is_reported(self):
         self.course.begin(100.0)
         self.course.see({"Alert"}, 102.0)
         self.course.begin_mending(110.0)
         self.course.see({"Alert"}, 111.0)
-        self.assertEqual(list(self.row.complaints()), ["Alert did not go"])
+        self.assertEqual(list(self.row.complaints()), ["Alert did not stop"])
 
-    def test_another_alert_beside_it_is_complained_about(self):
+    def test_second_alert_is_reported(self):
         self.course.begin(100.0)
         self.course.see({"Alert"}, 102.0)
         self.course.see({"Alert", "Stranger"}, 103.0)
         self.course.begin_mending(110.0)
         self.course.see(set(), 111.0)
-        self.assertEqual(list(self.row.complaints()), ["fired as well: Stranger"])
+        self.assertEqual(list(self.row.complaints()), ["also fired: Stranger"])
         self.assertEqual(cells(self.row)[1], "Alert, Stranger")
 
-    def test_any_alert_of_a_healthy_server_is_complained_about(self):
+    def test_any_alert_of_a_healthy_server_is_reported(self):
         course = course_of(fault("nothing", None))
         course.begin(100.0)
         self.assertTrue(course.has_fired)
         course.see({"Alert"}, 101.0)
         course.begin_mending(110.0)
         self.assertTrue(course.is_over)
-        self.assertEqual(list(course.rows[0].complaints()), ["fired as well: Alert"])
+        self.assertEqual(list(course.rows[0].complaints()), ["also fired: Alert"])
 
 
 class TwoFaults(unittest.TestCase):
-    def test_second_comes_after_the_firsts_alert_and_goes_first(self):
+    def test_second_fault_begins_after_the_first_alert_and_is_mended_first(self):
         first, second = fault("first", "One"), fault("second", "Two")
         course = course_of(first, second)
         course.begin(100.0)
@@ -116,7 +116,7 @@ class TwoFaults(unittest.TestCase):
 
 
 class Verdict(unittest.TestCase):
-    def test_counts_rows_and_names_what_is_wrong(self):
+    def test_counts_rows_and_prints_complaints(self):
         good, bad = course_of(fault("nothing", None)), course_of(fault("it breaks", "Alert"))
         bad.server.name = "corvane2"
         for course in (good, bad):
@@ -135,7 +135,7 @@ class Files(unittest.TestCase):
         self.assertEqual(monitoring.quicken("a:\n  for: 5m\n  expr: rate(x[5m])\n  for: 30s\n# for: 5m\n"),
                          "a:\n  for: 5s\n  expr: rate(x[5m])\n  for: 30s\n# for: 5m\n")
 
-    def test_delivered_configuration_asks_these_servers_and_keeps_the_rest(self):
+    def test_configuration_gets_these_servers_and_keeps_the_rest(self):
         text = (DELIVERED / "prometheus.yml").read_text(encoding="utf-8")
         before, after = yaml.safe_load(text), yaml.safe_load(monitoring.for_these_servers(text, ["a", "b"]))
         self.assertEqual(after["scrape_configs"][0].pop("static_configs"), [{"targets": ["a", "b"]}])
@@ -143,11 +143,11 @@ class Files(unittest.TestCase):
         del before["scrape_configs"][0]["static_configs"], before["global"]
         self.assertEqual(after, before)
 
-    def test_eight_servers_raise_every_alert_that_is_delivered(self):
+    def test_script_raises_every_delivered_alert(self):
         rules = yaml.safe_load((DELIVERED / "corvane.rules.yml").read_text(encoding="utf-8"))
         delivered = {rule["alert"] for group in rules["groups"] for rule in group["rules"]}
         self.assertEqual({fault.alert for faults in SCRIPT for fault in faults} - {None}, delivered)
-        self.assertEqual(len(SCRIPT), 8)
+        self.assertEqual(len(SCRIPT), 8, "tools/run-fleet starts eight servers by default")
 
 
 if __name__ == "__main__":

@@ -1,5 +1,5 @@
-// A small extension agent for the host's tests, built as a shared object and
-// as a DLL, in three variants: as it is, with a start that fails
+// A small extension agent for the host's tests. It is built as a shared object and
+// as a DLL, in three variants: complete, with a start that fails
 // (FAKE_START_FAILS), and without one of the exports (FAKE_LACKS_TRAP).
 //
 //   view.1          INTEGER -5
@@ -7,13 +7,13 @@
 //   view.3.1.C.R    text "C.R" in two columns of three rows
 //   view.4          Counter32 4294967295
 //   view.5          OBJECT IDENTIFIER 1.3.6.1
-//   view.6          a value of a kind that no host knows
-//   view.7          answers FALSE
-//   view.8          INTEGER; GetNext of it answers its own name
+//   view.6          a value of an unknown kind
+//   view.7          the module returns FALSE
+//   view.8          INTEGER; GetNext of it returns its own name
 //   view.9          INTEGER; setting it to N queues the traps 1 to N
 //
-// Every other Set is refused: with wrongValue where it brings the text "two" to
-// view.2 or the OBJECT IDENTIFIER 1.3.6.2 to view.5, else with notWritable.
+// The module refuses every other Set: with wrongValue if it sets view.2 to the text
+// "two" or view.5 to the OBJECT IDENTIFIER 1.3.6.2, else with notWritable.
 
 #include <cstdint>
 #include <cstdio>
@@ -60,7 +60,7 @@ void SignalTrapEvent() {
 #endif
 }
 
-// All names under the view, in their order.
+// Returns all names under the view, in order.
 std::vector<Ids> Names() {
   std::vector<Ids> names = {{1}, {2}};
   for (UINT column = 1; column <= 2; ++column) {

@@ -1,4 +1,4 @@
-#include "host/Oid.h"
+#include "host/ExtensionModule.h"
 
 #include <gtest/gtest.h>
 

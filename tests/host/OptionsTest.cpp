@@ -36,7 +36,7 @@ TEST(HostOptions, EveryOptionIsTaken) {
   EXPECT_EQ(options.module, "m");
 }
 
-TEST(HostOptions, RegisteredStandsInPlaceOfTheModule) {
+TEST(HostOptions, RegisteredReplacesTheModule) {
   const ParsedOptions parsed = ParseOptions({"--registered"});
   EXPECT_EQ(parsed.error, "");
   EXPECT_TRUE(parsed.options.registered);
@@ -66,16 +66,15 @@ TEST_P(HostOptionsRefused, WithTheArgumentNamed) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, HostOptionsRefused,
     testing::Values(
-        BadCommandLine{"NoModule", {}, "which module? Name SNMPd.so or SNMPd.dll"},
-        BadCommandLine{"TwoModules", {"a", "b"}, "one module only: 'a' or 'b'?"},
+        BadCommandLine{"NoModule", {}, "no module: name SNMPd.so or SNMPd.dll"},
+        BadCommandLine{"TwoModules", {"a", "b"}, "only one module is allowed: 'a' or 'b'"},
         BadCommandLine{"RegisteredAndAModule",
                        {"--registered", "m"},
                        "--registered finds the module itself: leave out 'm'"},
         BadCommandLine{"EmptyModule", {""}, "the module's path is empty"},
         BadCommandLine{"UnknownOption", {"--port", "1", "m"}, "unknown option '--port'"},
         BadCommandLine{"MissingValue", {"m", "--listen"}, "--listen needs a value"},
-        BadCommandLine{
-            "EmptyValue", {"m", "--listen", ""}, "--listen takes a value that is not empty"},
+        BadCommandLine{"EmptyValue", {"m", "--listen", ""}, "the value of --listen is empty"},
         BadCommandLine{"CommunityOfTwoWords",
                        {"m", "--community", "a b"},
                        "--community takes no blanks, quotes, '#' or '\\'"},

@@ -20,8 +20,8 @@ Registry::Value Text(const std::string& text) {
 }
 const Registry::Value kNumber = {Registry::ValueKind::NotText, {}};
 
-// Keys with their values in order, and files: at first one agent, registered as
-// it should be.
+// Keys with their values in order, and files. At first, one agent is registered
+// correctly.
 class FakeRegistry final : public Registry {
  public:
   using Values = std::vector<std::pair<std::string, Value>>;
@@ -68,15 +68,15 @@ TEST(HostRegistration, BareFileNameIsSearchedFor) {
   EXPECT_EQ(FindRegisteredAgent(registry).path, "C:\\windows\\system32\\a.dll");
 }
 
-struct BrokenRung {
+struct BrokenStep {
   const char* name;
   void (*breakIt)(FakeRegistry&);
   const char* complaint;
 };
 
-class HostRegistrationBroken : public testing::TestWithParam<BrokenRung> {};
+class HostRegistrationBroken : public testing::TestWithParam<BrokenStep> {};
 
-TEST_P(HostRegistrationBroken, IsNamedWithItsRung) {
+TEST_P(HostRegistrationBroken, IsNamedWithItsStep) {
   FakeRegistry registry;
   GetParam().breakIt(registry);
   const Registration found = FindRegisteredAgent(registry);
@@ -86,43 +86,44 @@ TEST_P(HostRegistrationBroken, IsNamedWithItsRung) {
 
 #define AGENTS "HKLM\\SYSTEM\\CurrentControlSet\\Services\\SNMP\\Parameters\\ExtensionAgents"
 INSTANTIATE_TEST_SUITE_P(
-    Rungs, HostRegistrationBroken,
+    Steps, HostRegistrationBroken,
     testing::Values(
-        BrokenRung{"NoServiceKey", [](FakeRegistry& r) { r.keys.erase(kAgents); },
+        BrokenStep{"NoServiceKey", [](FakeRegistry& r) { r.keys.erase(kAgents); },
                    "no agent is registered: there is no key " AGENTS},
-        BrokenRung{"NoAgent", [](FakeRegistry& r) { r.keys[kAgents].clear(); },
+        BrokenStep{"NoAgent", [](FakeRegistry& r) { r.keys[kAgents].clear(); },
                    "no agent is registered: " AGENTS " holds no value"},
-        BrokenRung{"ValueIsANumber", [](FakeRegistry& r) { r.keys[kAgents][0].second = kNumber; },
-                   "Agent: Agent in " AGENTS " is no text (REG_SZ or REG_EXPAND_SZ)"},
-        BrokenRung{"ValueIsEmpty", [](FakeRegistry& r) { r.keys[kAgents][0].second = Text(""); },
+        BrokenStep{"ValueIsANumber", [](FakeRegistry& r) { r.keys[kAgents][0].second = kNumber; },
+                   "Agent: Agent in " AGENTS " is not a text (REG_SZ or REG_EXPAND_SZ)"},
+        BrokenStep{"ValueIsEmpty", [](FakeRegistry& r) { r.keys[kAgents][0].second = Text(""); },
                    "Agent: Agent in " AGENTS " is empty"},
-        BrokenRung{"EmptyValueWithoutAName",
+        BrokenStep{"EmptyValueWithoutAName",
                    [](FakeRegistry& r) {
                      r.keys[kAgents] = {{"", Text("")}};
                    },
                    "(Default): (Default) in " AGENTS " is empty"},
-        BrokenRung{"NoAgentKey", [](FakeRegistry& r) { r.keys.erase("SOFTWARE\\A"); },
+        BrokenStep{"NoAgentKey", [](FakeRegistry& r) { r.keys.erase("SOFTWARE\\A"); },
                    "Agent: there is no key HKLM\\SOFTWARE\\A"},
-        BrokenRung{"AgentKeyOf32Bits",
-                   [](FakeRegistry& r) {
-                     r.keys.erase("SOFTWARE\\A");
-                     r.keysOf32Bits = {"SOFTWARE\\A"};
-                   },
-                   "Agent: there is no key HKLM\\SOFTWARE\\A but in the registry's 32-bit view, "
-                   "where a 64-bit service does not look"},
-        BrokenRung{"NoPathname", [](FakeRegistry& r) { r.keys["SOFTWARE\\A"].clear(); },
+        BrokenStep{
+            "AgentKeyOf32Bits",
+            [](FakeRegistry& r) {
+              r.keys.erase("SOFTWARE\\A");
+              r.keysOf32Bits = {"SOFTWARE\\A"};
+            },
+            "Agent: there is no key HKLM\\SOFTWARE\\A, except in the registry's 32-bit view, "
+            "which a 64-bit service does not read"},
+        BrokenStep{"NoPathname", [](FakeRegistry& r) { r.keys["SOFTWARE\\A"].clear(); },
                    "Agent: HKLM\\SOFTWARE\\A has no value Pathname"},
-        BrokenRung{"PathnameIsANumber",
+        BrokenStep{"PathnameIsANumber",
                    [](FakeRegistry& r) { r.keys["SOFTWARE\\A"][0].second = kNumber; },
-                   "Agent: Pathname in HKLM\\SOFTWARE\\A is no text (REG_SZ or REG_EXPAND_SZ)"},
-        BrokenRung{"PathnameIsEmpty",
+                   "Agent: Pathname in HKLM\\SOFTWARE\\A is not a text (REG_SZ or REG_EXPAND_SZ)"},
+        BrokenStep{"PathnameIsEmpty",
                    [](FakeRegistry& r) { r.keys["SOFTWARE\\A"][0].second = Text(""); },
                    "Agent: Pathname in HKLM\\SOFTWARE\\A is empty"},
-        BrokenRung{"NoFile", [](FakeRegistry& r) { r.files.clear(); },
+        BrokenStep{"NoFile", [](FakeRegistry& r) { r.files.clear(); },
                    "Agent: there is no file C:\\a.dll"}),
     [](const auto& row) { return row.param.name; });
 
-TEST(HostRegistration, BrokenOnesArePassedOverWithAComplaint) {
+TEST(HostRegistration, BrokenOnesAreSkippedWithAComplaint) {
   FakeRegistry registry;
   auto& agents = registry.keys[kAgents];
   agents.insert(agents.begin(), {"Before", Text("SOFTWARE\\Before")});
@@ -133,14 +134,14 @@ TEST(HostRegistration, BrokenOnesArePassedOverWithAComplaint) {
                                      "Behind: there is no key HKLM\\SOFTWARE\\Behind"}));
 }
 
-TEST(HostRegistration, SeveralAgentsAreForTheUserToChooseFrom) {
+TEST(HostRegistration, OfSeveralAgentsTheUserMustChoose) {
   FakeRegistry registry;
   registry.keys[kAgents].emplace_back("Second", Text("SOFTWARE\\B"));
   registry.keys["SOFTWARE\\B"] = {{"Pathname", Text("C:\\b.dll")}};
   registry.files["C:\\b.dll"] = "C:\\b.dll";
   const Registration found = FindRegisteredAgent(registry);
   EXPECT_EQ(found.path, "");
-  EXPECT_EQ(found.complaints, Texts{"several agents are registered, name one as MODULE: "
+  EXPECT_EQ(found.complaints, Texts{"several agents are registered; name one as MODULE: "
                                     "C:\\a.dll or C:\\b.dll (Agent, Second)"});
 }
 

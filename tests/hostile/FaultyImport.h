@@ -7,19 +7,19 @@
 #include <cstdlib>
 #include <type_traits>
 
-#include "tests/hostile/FaultSwitch.h"
+#include "tests/hostile/FaultyImports.h"
 
 namespace Hostile {
 
-// Answers what the module called by that name until now, and lets it call the
-// replacement; null when it imports nothing of the name. One implementation per
-// system, as the following one.
+// Makes the module call the replacement, and returns the function that it called
+// before. Null if the module imports no function of this name. linux/ and win32/
+// implement this function and the next one.
 void* ReplaceImport(void* library, const char* name, void* replacement);
 
-// What a failed call leaves for whoever asks the system for the reason.
+// Sets the reason of a failed call, which the caller reads from the system.
 void SetReason(int reason) noexcept;
 
-// A name as a template's argument.
+// A name that can be a template argument.
 template <std::size_t size>
 struct ImportName {
   constexpr ImportName(const char (&name)[size]) { std::copy_n(name, size, text); }
@@ -33,8 +33,8 @@ inline void* ReplaceKnownImport(void* library, const char* name, void* replaceme
   std::exit(2);
 }
 
-// A function that the module imports, which answers `failure` and leaves
-// `reason` when the switch says so.
+// A function that the module imports. If the switch strikes, it returns `failure` and
+// sets `reason`; otherwise it calls the real function.
 template <ImportName name, Fault fault, std::intptr_t failure, int reason, class Function>
 class FaultyImport;
 

@@ -1,5 +1,5 @@
-// Whatever a peer sends: the agent answers, serves the next good frame, and
-// holds no more memory than came.
+// For every input of a peer: the agent answers requests, applies the next good frame,
+// and holds no more memory than the bytes that arrived.
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 
 #include "tests/contract/Eventually.h"
 #include "tests/contract/Library.h"
+#include "tests/hostile/Inputs.h"
 #include "tests/hostile/MemoryWatch.h"
-#include "tests/hostile/Sanitized.h"
 #include "tests/hostile/Target.h"
 #include "tests/support/MachinePauses.h"
 
@@ -19,9 +19,9 @@ namespace Hostile {
 namespace {
 
 constexpr std::size_t kMiB = std::size_t{1024} * 1024;
-// Over the bytes that came.
+// In addition to the bytes that arrived.
 constexpr std::size_t kMostMemory = 8 * kMiB;
-// Over what the heaps held before; the log's history and the like move a little.
+// In addition to what the heaps held before: the log's history varies a little.
 constexpr std::size_t kMostKept = std::size_t{64} * 1024;
 
 constexpr std::uint32_t kLongestStopMs = 500;
@@ -31,7 +31,7 @@ class HostilePeerTest : public ::testing::Test {
   static void SetUpTestSuite() { Contract::CountWholeHeap(); }
   void SetUp() override { ASSERT_EQ(target.Begin(), ""); }
 
-  // Runs something that may make that many bytes resident, and some.
+  // Runs `body`, which may make `bytes` and kMostMemory resident.
   template <class Body>
   void WithinMemory(std::size_t bytes, const Body& body) {
     const std::size_t before = watch.Restart();
@@ -87,7 +87,7 @@ TEST_F(HostilePeerTest, FloodIsServedWhileTrapsAreTaken) {
   WithinMemory(0, [&] { ASSERT_EQ(target.Flood(scale.floodFrames, true), ""); });
 }
 
-// They are kept, since none may be lost, and cost less than the frames.
+// The agent keeps all traps. They need less memory than the frames.
 TEST_F(HostilePeerTest, FloodIsServedWhileNobodyTakesTraps) {
   const std::size_t held = Contract::HeldMemory();
   WithinMemory(scale.floodFrames * StreamsFrame(1, 1).size(), [&] {
@@ -99,8 +99,8 @@ TEST_F(HostilePeerTest, FloodIsServedWhileNobodyTakesTraps) {
   EXPECT_LE(Contract::HeldMemory(), held + kMostKept);
 }
 
-// A peer that reads nothing: sooner or later a report of the agent's waits for
-// room, and the link's thread with it.
+// A peer that reads nothing: the system's buffers fill, and then a report blocks the
+// link's thread.
 class PeerThatNeverReadsTest : public HostilePeerTest {
  protected:
   void SetUp() override {
@@ -117,7 +117,7 @@ class PeerThatNeverReadsTest : public HostilePeerTest {
   }
   void TearDown() override { EndFlood(); }
 
-  // The link comes back, and with it a peer that reads.
+  // Drops the link. On the next one the peer reads.
   void EndFlood() {
     target.Peer().SetReading(true);
     target.Peer().Drop();

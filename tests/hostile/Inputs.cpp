@@ -4,9 +4,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "simulator/CorvaneServer.h"
-#include "tests/hostile/Sanitized.h"
 
 namespace Hostile {
 
@@ -16,8 +15,8 @@ namespace {
 
 constexpr char kProduct[] = R"({"messageType":{"Product":{"Name":"N","Version":"V"}}})";
 
-// A number or an array takes two bytes, an empty text or object three, and each is
-// a value of its own on the heap, an object that holds something with a dictionary.
+// A number or an array takes two bytes of text, an empty text or object three. Each is
+// a value on the heap, and an object with members also has a dictionary.
 constexpr std::size_t kMemoryPerByteOfTinyValues = 150;
 
 std::string Frame(std::string_view body) {
@@ -37,7 +36,7 @@ std::string Repeated(std::string_view part, std::size_t times) {
   return text;
 }
 
-// Whoever finds the port open.
+// Other programs that find the port open.
 void AddStrangers(Inputs& inputs) {
   const std::string tls(
       "\x16\x03\x01\x00\x2f\x01\x00\x00\x2b\x03\x03"
@@ -52,7 +51,7 @@ void AddStrangers(Inputs& inputs) {
   inputs.push_back({"SMTP greeting", "220 mail ESMTP\r\n", Then::AgentDrops});
 }
 
-// A size is read in 32 bits without a check: 4294967296 more is the same size.
+// The agent reads a size in 32 bits without a check: 4294967296 more is the same size.
 void AddSizes(Inputs& inputs) {
   const std::string body = "{\"name\":\"x\",\"id\":0,\"data\":{}}";
   inputs.push_back({"size 0", "0#", Then::AgentDrops});
@@ -82,7 +81,7 @@ void AddCutFrames(Inputs& inputs) {
   }
 }
 
-// As an additional member at each level of a message, and as what is asked for.
+// Keys of additional members at each level of a message, and of members that it reads.
 void AddKeys(Inputs& inputs, std::size_t longest) {
   for (const std::size_t length : {std::size_t{127}, std::size_t{128}, std::size_t{129}, longest}) {
     const std::string key(length, 'k');
@@ -146,7 +145,7 @@ void AddNesting(Inputs& inputs, std::size_t depth) {
   }
 }
 
-// A message that is nothing but the smallest values that there are.
+// Messages that consist of the smallest possible values.
 void AddManyValues(Inputs& inputs, std::size_t length) {
   for (const char* const value : {"1", "null", "\"\"", "[]", "{}", "\"a\"", "{\"a\":1}"}) {
     const std::string values = Repeated(std::string(value) + ",", length / 4) + "0";
@@ -159,8 +158,8 @@ void AddManyValues(Inputs& inputs, std::size_t length) {
                     Then::InStep, kMemoryPerByteOfTinyValues});
 }
 
-// Every way in which bytes can fail to be UTF-8, and escapes that stand for no
-// character, in texts and in keys, of messages that are handled and skipped.
+// All kinds of bytes that are not UTF-8, and escapes without a character. They are in
+// texts and in keys, of messages that the agent handles and of others that it skips.
 void AddMalformedTexts(Inputs& inputs) {
   struct Row {
     const char* name;
@@ -279,7 +278,7 @@ Inputs ListedInputs(std::size_t longest) {
   return inputs;
 }
 
-// Half of them begin like a frame, so that what follows is read as a body.
+// Half of them begin with a size, so that the agent reads the rest as a body.
 Input RandomStream(std::mt19937& random) {
   std::string bytes;
   if (Below(random, 2) == 0) bytes = std::to_string(Below(random, 300)) + "#";

@@ -7,11 +7,11 @@
 
 namespace Hostile {
 
-// What becomes of the link after an input.
+// The state of the link after an input.
 enum class Then {
-  InStep,      // nothing: the next good frame on the same connection is applied
-  AgentDrops,  // the agent ends the connection: what came is no frame
-  PeerDrops,   // the peer ends it, since the agent waits for the rest of a frame
+  InStep,      // unchanged: the agent applies the next good frame of the connection
+  AgentDrops,  // the agent ends the connection, because the input is no frame
+  PeerDrops,   // the peer ends it, because the agent waits for the rest of a frame
 };
 
 // One thing that a hostile peer sends.
@@ -19,37 +19,50 @@ struct Input {
   std::string name;
   std::string bytes;
   Then then;
-  // What the agent may hold for each byte of it while it deals with it. A value
-  // of a text costs what its object costs, however few bytes it is written in.
+  // Bytes that the agent may hold for each byte of the input while it reads it. The
+  // object of a value costs the same, however short its text is.
   std::size_t memoryPerByte = 1;
 };
 
-// How large and how many things are, by what the machine and the time allow.
+// True in a build with a sanitizer: its own memory hides the module's, and everything
+// takes several times as long.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define CORVANE_SANITIZED
+#endif
+#endif
+#if defined(CORVANE_SANITIZED)
+inline constexpr bool kSanitized = true;
+#else
+inline constexpr bool kSanitized = false;
+#endif
+
+// Numbers and sizes of the inputs. They depend on the machine and the build.
 struct Scale {
   std::size_t randomStreams;  // streams of random bytes, each on a connection of its own
   std::size_t damagedFrames;  // good frames with bytes changed
   std::size_t floodFrames;    // good frames without a pause
-  std::size_t unreadFrames;   // reported ones, of which a peer reads nothing
-  bool fillsTheLink;          // whether they are more than the system has room for
+  std::size_t unreadFrames;   // frames whose reports the peer does not read
+  bool fillsTheLink;          // true if those reports exceed the system's buffers
   std::size_t longest;        // characters of a key, levels of a nesting
 };
 
-// That of this build and machine: hundreds under Wine and with a sanitizer,
-// thousands natively, and the hundred thousand when CORVANE_HOSTILE is "full".
+// The scale of this build and machine: hundreds under Wine and with a sanitizer,
+// thousands natively, and a hundred thousand if CORVANE_HOSTILE is "full".
 Scale UsualScale();
 
-// A good frame: so many streams, so many of them in error.
+// A good frame with these numbers of streams and of failed streams.
 std::string StreamsFrame(int count, int errors);
 
-// A short good frame that raises two traps, and so two reports to the peer, when
-// `errors` is not what it was.
+// A short good frame. If `errors` changes, it raises two traps, and the agent sends a
+// report of each to the peer.
 std::string ReportedFrame(int errors);
 
-// Everything that can be listed. Lengths and depths of up to `longest`.
+// All inputs that are not random. Lengths and depths are at most `longest`.
 std::vector<Input> ListedInputs(std::size_t longest);
 
 Input RandomStream(std::mt19937& random);
-// In one frame of the right size: what is damaged is its text.
+// A frame with the right size whose text is damaged.
 Input DamagedFrame(std::mt19937& random);
 
 }  // namespace Hostile

@@ -10,8 +10,8 @@
 
 namespace Hostile {
 
-// Samples this process's resident memory every few milliseconds, on a thread of
-// its own, and keeps the highest. One owner.
+// Reads this process's resident memory every 2 ms, on a thread of its own, and keeps
+// the highest value. One thread may use it.
 class MemoryWatch {
  public:
   MemoryWatch() : m_thread([this] { Run(); }) {}
@@ -22,7 +22,7 @@ class MemoryWatch {
   MemoryWatch(const MemoryWatch&) = delete;
   MemoryWatch& operator=(const MemoryWatch&) = delete;
 
-  // Forgets what was; answers what there is.
+  // Forgets the highest value and returns the present one.
   std::size_t Restart() {
     const std::size_t now = Contract::ResidentMemory();
     m_highest = now;

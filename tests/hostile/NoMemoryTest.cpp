@@ -7,7 +7,6 @@
 
 #include "tests/contract/Eventually.h"
 #include "tests/contract/Library.h"
-#include "tests/hostile/FaultSwitch.h"
 #include "tests/hostile/FaultyImports.h"
 #include "tests/hostile/Target.h"
 
@@ -19,8 +18,8 @@ void LoseAllMemory() {
   g_faultSwitch.On(Fault::Memory, 1, 0);
 }
 
-// Sends a frame, too large for what the link keeps ready, and waits until its
-// thread has been refused memory.
+// Sends a frame that does not fit into the link's buffer, and waits until an
+// allocation of the link's thread has failed.
 bool MeetsItWithAFrame(Target& target) {
   LoseAllMemory();
   const std::size_t before = g_faultSwitch.Struck(static_cast<std::size_t>(Fault::Memory));
@@ -41,7 +40,7 @@ class NoMemoryTest : public ::testing::Test {
   Target target;
 };
 
-TEST_F(NoMemoryTest, RequestIsRefusedAndAnsweredOnceThereIsMemory) {
+TEST_F(NoMemoryTest, RequestFailsAndSucceedsWhenThereIsMemoryAgain) {
   const std::string answer = target.Module().Get("P.1.0");
   LoseAllMemory();
   for (int i = 0; i < 100; ++i) ASSERT_NE(target.Module().Get("P.1.0"), answer) << "request " << i;
@@ -49,14 +48,14 @@ TEST_F(NoMemoryTest, RequestIsRefusedAndAnsweredOnceThereIsMemory) {
   EXPECT_EQ(target.Module().Get("P.1.0"), answer);
 }
 
-TEST_F(NoMemoryTest, FrameCostsTheLinkWhichServesOnceThereIsMemory) {
+TEST_F(NoMemoryTest, FrameEndsTheLinkWhichWorksWhenThereIsMemoryAgain) {
   ASSERT_TRUE(MeetsItWithAFrame(target));
   g_faultSwitch.Off();
   EXPECT_EQ(target.Serves(false), "");
   EXPECT_TRUE(target.Peer().WaitForEnds(1));
 }
 
-// What a thread needs for its exceptions goes with it or with the module.
+// A thread or the module frees what the thread needs for its exceptions.
 TEST(NoMemoryLivesTest, NoHandleIsLeftByThreadsThatHaveMetIt) {
   std::size_t handlesEarly = 0;
   for (int life = 1; life <= 6; ++life) {

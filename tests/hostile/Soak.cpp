@@ -1,13 +1,14 @@
-// soak [--minutes N] [--every SECONDS]: the module under everything at once, for
-// that long. Pollers walk its variables and take its traps while a peer sends
-// what no peer should, floods, falls silent, goes and comes back, while the log's
-// files are renamed and removed under it, while the functions of the system that
-// it imports fail, its clock is put and its tick wraps, and while it is unloaded
-// and started again.
+// soak [--minutes N] [--every SECONDS]: runs the module under every load and fault at
+// once for N minutes.
 //
-// Prints a table: memory, handles and threads over time, taken while the peer is
-// still. Fails when the module stops serving, and, where it lasts ten minutes or
-// more, when any of them grows after the first quarter.
+// Pollers walk its variables and take its traps. A peer sends bad frames, floods,
+// stays silent, drops the link and comes back. The soak renames and removes the log's
+// files, lets system calls of the module fail, sets its clocks, wraps its tick count,
+// and unloads and starts it again.
+//
+// It prints a table of memory, handles and threads over time, measured while the peer
+// is silent. It fails if the module stops serving. A soak of ten minutes or more also
+// fails if a column grows after the first quarter.
 
 #include <algorithm>
 #include <atomic>
@@ -26,10 +27,8 @@
 
 #include "platform/Clock.h"
 #include "tests/contract/Library.h"
-#include "tests/hostile/FaultSwitch.h"
 #include "tests/hostile/FaultyImports.h"
 #include "tests/hostile/Inputs.h"
-#include "tests/hostile/Sanitized.h"
 #include "tests/hostile/Target.h"
 
 namespace Hostile {
@@ -38,7 +37,7 @@ namespace {
 
 using Vask::Platform::SystemClock;
 
-// Managers, of which the module sees the host's threads.
+// Managers: the module sees them as threads of the host.
 class Pollers {
  public:
   explicit Pollers(Contract::Module& module) {
@@ -76,8 +75,7 @@ class Pollers {
   std::vector<std::thread> m_threads;
 };
 
-// While one lives, calls of one kind that the module makes fail now and then, or
-// always.
+// While one lives, calls of one kind fail for the module, sometimes or always.
 class Spell {
  public:
   Spell(Fault fault, std::mt19937& random) {
@@ -102,11 +100,10 @@ class Soak {
  public:
   Soak(double minutes, double everySeconds)
       : m_lengthMs(minutes * 60'000), m_everyMs(everySeconds * 1'000) {
-    m_samples.reserve(static_cast<std::size_t>(m_lengthMs / m_everyMs) +
-                      2);  // no growth of its own
+    m_samples.reserve(static_cast<std::size_t>(m_lengthMs / m_everyMs) + 2);  // never grows
   }
 
-  // Answers the exit status.
+  // Returns the exit status.
   int Run() {
     std::printf("%8s %12s %12s %8s %8s %8s\n", "minutes", "heap KiB", "resident KiB", "handles",
                 "threads", "rounds");
@@ -125,20 +122,20 @@ class Soak {
  private:
   static constexpr int kRoundsOfALife = 50;
   static constexpr std::size_t kLongest = 2'000;
-  // Before, memory that is taken once may still be growing.
+  // In a shorter soak, memory that is allocated only once may still grow.
   static constexpr double kShortestToJudgeMs = 600'000;
-  // The agent asks for an update only after seconds without a loss.
+  // The agent asks for an update only after seconds without a loss of the link.
   static constexpr std::uint32_t kRoundsUntilQuiet = 8;
 
   double PassedMs() const { return static_cast<double>(SystemClock().TickMs() - m_startMs); }
 
-  // From a module's start to its unload, either of which may meet faults.
+  // Starts, uses and unloads the module. Start and unload may meet faults.
   std::string LiveOnce() {
-    std::optional<Spell> spellAtTheEnd;  // goes after the module
+    std::optional<Spell> spellAtTheEnd;  // destroyed after the module
     Target target;
     PutFaultyImports(target.Module().Library());
     SetClocks();
-    const std::string began = target.Begin(StartsDespiteFaults(target));
+    std::string began = target.Begin(StartsDespiteFaults(target));
     if (!began.empty()) return began;
     const Pollers pollers(target.Module());
     for (int i = 0; i < kRoundsOfALife && PassedMs() < m_lengthMs; ++i) {
@@ -153,7 +150,7 @@ class Soak {
     return {};
   }
 
-  // The tick's wrap comes within the module's first minute; its day is today.
+  // The tick count wraps within the module's first minute. The date is today's.
   static void SetClocks() {
     constexpr std::uint32_t kUntilWrapMs = 30'000;
     g_faultSwitch.tickShiftMs = 0u - SystemClock().TickMs() - kUntilWrapMs;
@@ -161,8 +158,8 @@ class Soak {
     g_faultSwitch.localShiftSeconds = 0;
   }
 
-  // A start that fails can be tried again; one that does not is whole, but for its
-  // timers where there was no thread for them.
+  // After a start that fails, another one is possible. A start that succeeds is complete,
+  // except that its timers are missing if their thread could not be created.
   bool StartsDespiteFaults(Target& target) {
     m_hasTimers = true;
     if (m_random() % 2 == 0) return false;
@@ -187,11 +184,11 @@ class Soak {
         what = "flood";
         return target.Flood(50, false);
       case 2:
-        what = "peer that goes and comes back";
+        what = "peer that leaves and comes back";
         target.Peer().RefuseFor(std::chrono::milliseconds(300));
         return take({what, "", Then::PeerDrops});
       case 3:
-        what = "log file out of the way";
+        what = "log file renamed or removed";
         DisturbLog();
         return target.Serves();
       case 4:
@@ -200,7 +197,7 @@ class Soak {
       case 6:
         return Suffer(target, what);
       case 7:
-        what = "clock that is put";
+        what = "clock that is set";
         PutClock();
         return target.Serves();
       case 8:
@@ -212,8 +209,8 @@ class Soak {
     }
   }
 
-  // Whatever fails while the peer sends and goes, and managers ask: afterwards all
-  // is well again.
+  // Calls of one kind fail while the peer sends and leaves, and managers ask. Afterwards
+  // the module must serve again.
   std::string Suffer(Target& target, std::string& what) {
     {
       const Fault fault = AnyFault();
@@ -230,7 +227,7 @@ class Soak {
     return target.Serves(false);
   }
 
-  // A day on or back, an hour of summer time on or back, or to just before
+  // Sets the clock a day or an hour of summer time forward or back, or to just before
   // midnight.
   void PutClock() {
     constexpr std::int64_t kHour = 3'600;
@@ -250,7 +247,7 @@ class Soak {
     g_faultSwitch.localShiftSeconds = row.local;
   }
 
-  // As far as the system lets: today's file renamed, or removed, while it is open.
+  // Renames or removes today's file while it is open, if the system permits it.
   void DisturbLog() {
     std::error_code ignored;
     const std::filesystem::path folder = Contract::LogFolder::Path();
@@ -264,7 +261,7 @@ class Soak {
   }
 
   static void PrintFaults() {
-    std::printf("calls of the system that failed:");
+    std::printf("system calls that failed:");
     for (std::size_t i = 0; i < kFaultCount; ++i)
       std::printf(" %zu %s%s", g_faultSwitch.Struck(i), kFaultNames[i],
                   i + 1 < kFaultCount ? "," : "\n");
@@ -280,9 +277,9 @@ class Soak {
                 sample.resident / 1024, sample.handles, sample.threads, m_rounds);
   }
 
-  // The middle one of the second quarter of the time against that of the last: what
-  // is in use or lacks for a while, as in a life that began without a thread or
-  // whose log has lost its file, does not count.
+  // Compares the medians of the second and the last quarter of the time. So a state that
+  // lasts only for a while, as a start without a thread or a log that lost its file,
+  // does not count.
   int Growths() const {
     const struct {
       const char* name;
@@ -327,7 +324,7 @@ class Soak {
   const std::vector<Input> m_listed = ListedInputs(kLongest);
   std::mt19937 m_random{3};
   bool m_hasTimers = true;
-  std::string m_before;  // the round before, in words
+  std::string m_before;  // description of the round before
   double m_nextSampleMs = 0;
   std::size_t m_rounds = 0;
   std::vector<Sample> m_samples;

@@ -13,11 +13,11 @@ using Vask::Platform::SystemClock;
 namespace {
 
 constexpr std::uint32_t kPatienceMs = 120'000;
-// How long a good frame has until the next one is sent, on a new link.
+// On a new link, the time until the next good frame is sent.
 constexpr std::uint32_t kTryMs = 3'000;
-// How long a byte takes to be read where that is slowest, and something else runs.
+// The time to read a byte on the slowest machine while other programs run.
 constexpr std::size_t kSlowestByteMs = 2;
-// The agent takes counts of streams up to 1024.
+// The agent accepts counts of streams up to 1024.
 constexpr int kMostStreams = 1000;
 
 Simulator::ServerOptions PeerOptions() {
@@ -43,8 +43,7 @@ std::string Target::Begin(bool isStarted) {
 std::string Target::Take(const Input& input) {
   const std::size_t connections = Connections();
   const std::size_t ends = Ends();
-  // False when the agent has ended the connection meanwhile, which is looked at
-  // below.
+  // Send fails if the agent has ended the connection. The checks below find that.
   static_cast<void>(m_peer.Send(input.bytes));
   const std::chrono::milliseconds patience(kPatienceMs + input.bytes.size() * kSlowestByteMs);
   if (input.then == Then::PeerDrops) m_peer.Drop();
@@ -54,7 +53,7 @@ std::string Target::Take(const Input& input) {
   }
   const auto ended = [=](const Simulator::Record& record) { return record.ends.size() > ends; };
   if (!m_peer.WaitFor(ended, patience)) return "the agent did not end the link";
-  // It reads to the end what the peer sent before it dropped the link.
+  // The agent first reads all that the peer sent before it dropped the link.
   const auto back = [=](const Simulator::Record& record) {
     return record.connections > connections;
   };
@@ -92,7 +91,7 @@ std::string Target::AnswersUpdate() {
   constexpr int kOnlyInUpdates = kMostStreams + 1;
   std::string error;
   if (!m_peer.Set("StreamsCount", std::to_string(kOnlyInUpdates), error)) return error;
-  m_peer.Drop();  // it asks anew on a new link
+  m_peer.Drop();  // the agent asks again on a new link
   m_peer.SetAnswering(true);
   const bool came = Comes("INT " + std::to_string(kOnlyInUpdates), kPatienceMs);
   m_peer.SetAnswering(false);
@@ -112,7 +111,7 @@ std::string Target::HowLinksEnded() const {
 bool Target::Comes(const std::string& value, std::uint32_t patienceMs) {
   const std::string wanted = "0 P.2.0 = " + value;
   const std::uint32_t start = SystemClock().TickMs();
-  std::uint32_t pauseMs = 1;  // grows: each look costs the machine lines of log
+  std::uint32_t pauseMs = 1;  // grows, because each Get writes lines to the log
   while (m_module.Get("P.2.0") != wanted) {
     if (SystemClock().TickMs() - start > patienceMs) return false;
     SystemClock().SleepMs(pauseMs);

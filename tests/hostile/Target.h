@@ -11,39 +11,40 @@
 
 namespace Hostile {
 
-// The built module, started, and the hostile peer on its link. One thread.
+// The built module, and the hostile peer on its link. One thread.
 //
-// What goes wrong is answered as a phrase; the empty text is good.
+// The functions return a phrase that says what went wrong, or an empty text.
 class Target {
  public:
-  // How many streams a frame may tell of that is none of this class's own: what
-  // Serves looks for is then not there before it has been sent.
+  // The number of streams in a frame that this class does not send itself. The frames
+  // that Serves sends never contain it, so it cannot be mistaken for one of them.
   static constexpr int kForeignStreams = 1002;
 
   Target();
 
-  // Starts the module unless it has been, and waits for the link, and for a good
-  // frame to be served.
+  // Starts the module unless it is started. Waits for the link, and until a good frame
+  // is applied.
   std::string Begin(bool isStarted = false);
 
-  // Sends an input, lets become of the link what must, and checks that the agent
-  // serves on.
+  // Sends an input, waits for the state of the link that it names, and checks that the
+  // agent still serves.
   std::string Take(const Input& input);
 
-  // Whether the next good frame is applied and a Get answers with it. On a link
-  // that has just come back it may take more than one. So many bytes may still lie
-  // before it, of which each takes its time.
+  // Checks that the agent applies the next good frame and that a Get returns its value.
+  // On a link that has just come back, more than one frame may be necessary
+  // (`firstFrameCounts` is false). The agent first reads `bytesBefore` bytes of earlier
+  // input, and the check waits longer for them.
   std::string Serves(bool firstFrameCounts = true, std::size_t bytesBefore = 0);
 
-  // Good frames without a pause, each of which raises a trap; every so many
-  // frames the traps are taken.
+  // Sends good frames without a pause. Each raises a trap. If `takeTraps` is true, takes
+  // the traps after a number of frames.
   std::string Flood(std::size_t frames, bool takeTraps);
 
-  // Drops the link, and leaves the next one alone until the agent asks for an
-  // update, which is answered.
+  // Drops the link, sends nothing on the next one until the agent asks for an update,
+  // and answers it.
   std::string AnswersUpdate();
 
-  // The last few, for whoever looks for a reason.
+  // The ends of the last links, for a message of a failure.
   std::string HowLinksEnded() const;
 
   Contract::Module& Module() { return m_module; }
@@ -57,7 +58,7 @@ class Target {
   Contract::LogFolder m_log;
   Simulator::CorvaneServer m_peer;
   Contract::Module m_module;
-  int m_count = 0;  // what the last good frame said
+  int m_count = 0;  // number of streams in the last good frame
 };
 
 }  // namespace Hostile

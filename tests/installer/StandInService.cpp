@@ -1,9 +1,9 @@
-// Stands in for the Windows SNMP service where there is none: a service that
-// reads the registration of extension agents as the real one does, loads each,
-// starts it, and lets go of it when told to stop. What it did goes to the file
-// named on its command line, a line each.
+// A stand-in for the Windows SNMP service, for systems without it. It reads the
+// registration of extension agents in the same way as the real service, loads and
+// starts each agent, and unloads it when the service stops. It writes one line for
+// each step to LOG-FILE.
 //
-//   StandInService.exe LOG-FILE     run by the service control manager as "SNMP"
+//   StandInService.exe LOG-FILE     the service control manager runs it as "SNMP"
 
 #include <winsock2.h>
 
@@ -31,12 +31,13 @@ std::vector<HMODULE> g_agents;
 
 void Log(const std::string& line) {
   if (std::FILE* file = std::fopen(g_logFile, "a")) {
-    std::fprintf(file, "%s\n", line.c_str());
-    std::fclose(file);
+    static_cast<void>(std::fprintf(file, "%s\n", line.c_str()));
+    static_cast<void>(std::fclose(file));
   }
 }
 
-// The text of a REG_SZ or REG_EXPAND_SZ value, expanded; empty when it is neither.
+// Returns the text of a REG_SZ value, or the expanded text of a REG_EXPAND_SZ value;
+// otherwise "".
 std::string ReadText(HKEY key, const char* name) {
   char text[1024] = "";
   DWORD size = sizeof(text) - 1;
@@ -54,9 +55,7 @@ std::string ReadText(HKEY key, const char* name) {
 
 std::string ReadText(const std::string& path, const char* name) {
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != 0) {
-    return "";
-  }
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != 0) return "";
   const std::string text = ReadText(key, name);
   RegCloseKey(key);
   return text;
@@ -74,7 +73,7 @@ std::vector<std::string> AgentNames(HKEY key) {
   return names;
 }
 
-// The four numbers of a file's VERSIONINFO.
+// Returns the four numbers of a file's VERSIONINFO, or "none".
 std::string FileVersion(const std::string& path) {
   std::vector<char> block(GetFileVersionInfoSizeA(path.c_str(), nullptr));
   VS_FIXEDFILEINFO* info = nullptr;
@@ -85,17 +84,15 @@ std::string FileVersion(const std::string& path) {
     return "none";
   }
   char text[64];
-  std::snprintf(text, sizeof(text), "%u.%u.%u.%u", HIWORD(info->dwFileVersionMS),
-                LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
-                LOWORD(info->dwFileVersionLS));
+  static_cast<void>(std::snprintf(text, sizeof(text), "%u.%u.%u.%u", HIWORD(info->dwFileVersionMS),
+                                  LOWORD(info->dwFileVersionMS), HIWORD(info->dwFileVersionLS),
+                                  LOWORD(info->dwFileVersionLS)));
   return text;
 }
 
 std::string Dotted(const AsnObjectIdentifier& oid) {
   std::string text;
-  for (UINT i = 0; i < oid.idLength; ++i) {
-    text += (i == 0 ? "" : ".") + std::to_string(oid.ids[i]);
-  }
+  for (UINT i = 0; i < oid.idLength; ++i) text += (i == 0 ? "" : ".") + std::to_string(oid.ids[i]);
   return text;
 }
 
@@ -104,7 +101,7 @@ Function Export(HMODULE module, const char* name) {
   return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 
-// Starts a loaded agent as the service does; the result is a text for the log.
+// Starts a loaded agent in the same way as the service. Returns a text for the log.
 std::string StartAgent(HMODULE module) {
   const auto init = Export<PFNSNMPEXTENSIONINIT>(module, "SnmpExtensionInit");
   if (init == nullptr || Export<PFNSNMPEXTENSIONQUERY>(module, "SnmpExtensionQuery") == nullptr ||
@@ -135,9 +132,7 @@ HMODULE LoadAgent(const std::string& name, const std::string& keyPath) {
 std::vector<HMODULE> LoadAgents() {
   std::vector<HMODULE> modules;
   HKEY key = nullptr;
-  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kAgentsKey, 0, KEY_READ, &key) != 0) {
-    return modules;
-  }
+  if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, kAgentsKey, 0, KEY_READ, &key) != 0) return modules;
   for (const std::string& name : AgentNames(key)) {
     if (const HMODULE module = LoadAgent(name, ReadText(key, name.c_str()))) {
       modules.push_back(module);
@@ -155,17 +150,15 @@ void Report(DWORD state) {
   SetServiceStatus(g_statusHandle, &status);
 }
 
-// Lets the agents go before it returns: Wine's installer does not wait for a
-// service to have stopped, only for its answer to the order.
+// Unloads the agents before it returns, because Wine's installer does not wait until a
+// service has stopped. It waits only for the return of this function.
 void WINAPI OnControl(DWORD control) {
   if (control != SERVICE_CONTROL_STOP) {
     Report(SERVICE_RUNNING);
     return;
   }
   Report(SERVICE_STOP_PENDING);
-  for (const HMODULE module : g_agents) {
-    FreeLibrary(module);
-  }
+  for (const HMODULE module : g_agents) FreeLibrary(module);
   Log("service stopped");
   Report(SERVICE_STOPPED);
   SetEvent(g_stopEvent);
@@ -178,16 +171,14 @@ void WINAPI ServiceMain(DWORD, char**) {
   Log("service ready");
   Report(SERVICE_RUNNING);
   WaitForSingleObject(g_stopEvent, INFINITE);
-  // The process ends with this function: the order to stop is answered first, by another thread.
+  // The process ends with this function. Another thread must first return from OnControl.
   Sleep(kAnswerTimeMs);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    return 2;
-  }
+  if (argc != 2) return 2;
   g_logFile = argv[1];
   g_stopEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
   char name[] = "SNMP";

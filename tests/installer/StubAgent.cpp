@@ -1,5 +1,5 @@
-// An extension agent that answers nothing: what stands for the DLL of an older
-// or newer version in the installer's tests, where only its version counts.
+// An extension agent without variables. The installer's tests use it as the DLL of an
+// older or newer version; only its version matters.
 
 #include <winsock2.h>
 

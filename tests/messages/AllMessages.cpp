@@ -2,20 +2,12 @@
 
 #include <utility>
 
-#include "messages/Confirmation.h"
-#include "messages/GetAudioOutputDeviceList.h"
 #include "messages/GlobalOptions.h"
 #include "messages/GlobalOptions2.h"
-#include "messages/ProcessInfo.h"
-#include "messages/ProcessList.h"
-#include "messages/ProcessList2.h"
-#include "messages/ProductVersion.h"
+#include "messages/Processes.h"
 #include "messages/Registrar.h"
 #include "messages/SNMPmessage.h"
-#include "messages/SNMPsequence.h"
 #include "messages/SNMPtrap.h"
-#include "messages/UpdateGlobalOptions.h"
-#include "messages/UpdateGlobalOptions2.h"
 
 namespace Messages::Tests {
 

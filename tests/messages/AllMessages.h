@@ -5,19 +5,19 @@
 
 namespace Messages::Tests {
 
-// The typed operations of one message of the catalogue, behind one signature.
+// The typed operations on one message of the catalogue as plain functions.
 struct Message {
   std::string name;
   void (*subscribe)();    // a handler that adds to Handled()
   void (*unsubscribe)();  // that handler
-  void (*dispatch)();     // an empty record, with id 3
+  void (*dispatch)();     // dispatches an empty record with id 3
 };
 
 // Every message, in the order of the catalogue.
 const std::vector<Message>& AllMessages();
 
-// What the handlers were called with since the last question, each call as
-// HandledAs() gives it.
+// Returns the calls of the handlers since the last time, each as HandledAs()
+// formats it.
 std::string Handled();
 std::string HandledAs(std::size_t catalogueIndex, int id);
 

@@ -9,8 +9,8 @@
 namespace Messages::Tests {
 namespace {
 
-// The protocol's names in matching order, written by hand. An arrow stands
-// before the answer to the request right above it.
+// The protocol's names in matching order, written by hand. An arrow marks the answer
+// to the request on the line above.
 constexpr const char* kNames[] = {
     "Confirmation",
     "GetLogsList",
@@ -150,11 +150,11 @@ Names NamesOf(const std::vector<CatalogueEntry>& entries) {
 const std::vector<CatalogueEntry> kEntries(std::begin(kCatalogue), std::end(kCatalogue));
 const Names kExpected(std::begin(kNames), std::end(kNames));
 
-TEST(CatalogueTest, HoldsEveryNameInItsOrderEachAnswerAfterItsRequest) {
+TEST(CatalogueTest, HoldsEveryNameInOrderAndEachAnswerAfterItsRequest) {
   EXPECT_EQ(kExpected, NamesOf(kEntries));
 }
 
-TEST(CatalogueTest, SwapOfAnyTwoNeighboursIsNoticed) {
+TEST(CatalogueTest, SwappedNeighboursAreNoticed) {
   for (std::size_t i = 0; i + 1 < kEntries.size(); ++i) {
     std::vector<CatalogueEntry> swapped = kEntries;
     std::swap(swapped[i], swapped[i + 1]);

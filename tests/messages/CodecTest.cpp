@@ -2,17 +2,47 @@
 
 #include <cstdio>
 
-#include "tests/messages/ListReading.h"
 #include "tests/messages/MessageTest.h"
 #include "tests/messages/ProgramRecords.h"
 
 namespace Messages::Tests {
 namespace {
 
-// The rules of rows, proven on a record that has every kind of them.
+std::string Dump(const ProgramStream::AAC& aac) {
+  std::string text = "AAC(";
+  for (const auto& [key, codec] : Elements(aac.m_codecs)) {
+    text += key + ":" + std::to_string(codec->m_encodebitratekbps) + "/" +
+            std::to_string(codec->m_encodechannels) + " ";
+  }
+  return text + "options " + std::to_string(aac.m_options.m_tag) + ")";
+}
+
+std::string Dump(const ProgramStream::instance& instance) {
+  switch (instance.m_tag) {
+    case ProgramStream::instance::kMP3:
+      return "MP3(" + std::to_string(instance.m_MP3.m_encodebitratekbps) + "/" +
+             std::to_string(instance.m_MP3.m_encodechannels) + ")";
+    case ProgramStream::instance::kAAC:
+      return Dump(instance.m_AAC);
+    default:
+      return "tag " + std::to_string(instance.m_tag);
+  }
+}
+
+// A decoded program on one line.
+std::string Dump(const CreateProgramMP3& program) {
+  std::string text = "gain " + std::to_string(program.m_inputgainl) + " fade " +
+                     std::to_string(program.m_fade_duration);
+  for (const auto& [key, element] : Elements(program.m_streams)) {
+    text += " " + key + "=" + element->m_Stream.m_name + " " + Dump(element->m_Stream.m_instance);
+  }
+  return text;
+}
+
+// Tests the rules of rows on a record that has every kind of row.
 class CodecTest : public MessageTest {
  protected:
-  // The answer, and what the record held afterwards.
+  // Returns the result of the decode and what the record then holds.
   std::string DecodeProgram(const std::string& body) {
     CreateProgramMP3 program;
     const bool decoded = Decode(*ParseObject(body), program);
@@ -41,7 +71,7 @@ TEST_F(CodecTest, WholeRecordIsFilled) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(CodecTest, FieldsAreReadInTheirOrderUpToTheFirstFault) {
+TEST_F(CodecTest, FieldsAreReadInOrderUpToTheFirstFault) {
   EXPECT_EQ("false: gain 0.000000 fade 0", DecodeProgram("{}"));
   EXPECT_EQ(Texts{"GetFloatProperty: Property 'inputgainl' not found"}, Reports());
   EXPECT_EQ("false: gain 2.000000 fade 0",
@@ -136,7 +166,7 @@ TEST_F(CodecTest, ListThatIsNoObjectFailsWithoutAReport) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(CodecTest, ListMemberThatIsNoObjectEndsTheDecodeAfterTheOnesBefore) {
+TEST_F(CodecTest, ListMemberThatIsNoObjectEndsTheDecode) {
   EXPECT_EQ("false: gain 0.000000 fade 0 a=n MP3(8/1)",
             DecodeProgram(R"({"inputgainl":0,"fade_duration":0,"streams":{
                 "c":{"Stream":{"name":"n","instance":{"MP3":{"encodebitratekbps":8,"encodechannels":1}}}},
@@ -222,7 +252,7 @@ TEST_F(CodecTest, DestroyingAUnionDestroysWhatItsAlternativeOwns) {
       Decode(*ParseObject(R"({"name":"n","instance":{"AAC":{"options":{"Quality":{}},"codecs":{
           "c":{"encodebitratekbps":8,"encodechannels":1}}}}})"),
              stream));
-  DestroyUnion_instance(stream.m_instance);  // the address sanitizer sees what is left behind
+  DestroyUnion_instance(stream.m_instance);  // the address sanitizer sees a leak
   EXPECT_EQ(ProgramStream::instance::kEmpty, stream.m_instance.m_tag);
   EXPECT_EQ(Texts{}, Reports());
 }
@@ -263,7 +293,7 @@ TEST_F(CodecTest, RecordsDestructorReportsAndResetsItsUnions) {
             Reports());
 }
 
-TEST_F(CodecTest, ListDeclaredAfterAUnionGoesFirst) {
+TEST_F(CodecTest, ListDeclaredAfterAUnionIsDestroyedFirst) {
   struct Mixed {
     ProgramStream::AAC::options m_options;
     KeyedList<ProgramStream> m_list;
@@ -322,8 +352,10 @@ TEST_F(CodecTest, AlternativeWhoseOwnUnionIsEmptyCannotBeEncoded) {
     ProgramSummary summary;
   };
   static constexpr Alternative kAlternatives[] = {
-      {"Summary", &kRecordTable<ProgramSummary>,
-       [](void* choice) -> void* { return &static_cast<Choice*>(choice)->summary; }}};
+      {.tag = 0,
+       .name = "Summary",
+       .record = &kRecordTable<ProgramSummary>,
+       .member = [](void* choice) -> void* { return &static_cast<Choice*>(choice)->summary; }}};
   constexpr UnionTable kTable = {"Choice", "Choice", kAlternatives, 1,
                                  [](void* choice) { return &static_cast<Choice*>(choice)->tag; }};
   Choice choice;

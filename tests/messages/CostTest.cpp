@@ -11,11 +11,10 @@ void Count(const SNMPmessage&, std::int32_t, void*) {
   ++s_handled;
 }
 
-// What a frame costs beyond time: allocations, which do not depend on the
-// machine.
+// Counts the allocations of a frame, which do not depend on the machine.
 class CostTest : public MessageTest {
  protected:
-  // Allocations of one call, after a first one that builds whatever stays.
+  // Returns the allocations of one call, after a first call that makes what stays.
   template <class Call>
   static std::uint64_t AllocationsOf(Call call) {
     call();

@@ -7,7 +7,7 @@
 namespace Messages::Tests {
 namespace {
 
-// A body that decodes, for the messages whose empty body does not.
+// Returns a body that decodes; an empty one if the message accepts it.
 std::string GoodBody(const std::string& name) {
   static const std::map<std::string, std::string> bodies = {
       {"Confirmation", R"({"result":0,"message":""})"},
@@ -95,9 +95,8 @@ TEST_P(EveryMessageTest, IsMatchedWithoutRegardToCaseAndOnlyWhole) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-// A body of which every required field is missing: only a decoder that runs
-// speaks of it.
-TEST_P(EveryMessageTest, IsSkippedWithoutDecodingUntilSomebodySubscribes) {
+// The body lacks every required field, and only a decoder that runs reports this.
+TEST_P(EveryMessageTest, IsSkippedWithoutDecodingUntilAHandlerSubscribes) {
   const bool strict = GoodBody(Tested().name) != "{}";
   EXPECT_TRUE(Receive(Tested().name, R"({"nothing":"expected"})"));
   EXPECT_EQ(Texts{}, Reports());
@@ -109,7 +108,7 @@ TEST_P(EveryMessageTest, IsSkippedWithoutDecodingUntilSomebodySubscribes) {
   Tested().unsubscribe();
 }
 
-TEST_P(EveryMessageTest, NeedsItsDataToBeAnObjectEvenWhenNobodySubscribes) {
+TEST_P(EveryMessageTest, NeedsAnObjectAsDataEvenWithoutSubscribers) {
   EXPECT_FALSE(Receive(Tested().name, "[]"));
   EXPECT_EQ(1u, Reports().size());
 }
@@ -118,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(Catalogue, EveryMessageTest,
                          ::testing::Range(std::size_t{0}, kCatalogueSize),
                          [](const auto& test) { return AllMessages()[test.param].name; });
 
-// The requests that carry no fields.
+// These requests carry no fields.
 TEST(FieldLessRequestsTest, AreFieldLess) {
   for (const char* name :
        {"GetPresetList", "GetPresetList2", "GetMetadataFilterList", "GetMetadataFilterList2",

@@ -8,19 +8,45 @@
 namespace Messages::Tests {
 namespace {
 
-// These are checks that keep a wrong description from compiling; the functions
-// that make them are tried on both kinds of input.
+// Static assertions keep a wrong description from compiling. These tests call the
+// functions of those assertions with right and wrong input.
 
-constexpr Alternative kDistinct[] = {FieldLess("One"), FieldLess("Two"), FieldLess("OneTwo")};
-constexpr Alternative kTwice[] = {FieldLess("One"), FieldLess("Two"), FieldLess("One")};
-constexpr Alternative kTwiceFolded[] = {FieldLess("one"), FieldLess("ONE")};
+constexpr Alternative kDistinct[] = {{0, "One"}, {1, "Two"}, {2, "OneTwo"}};
+constexpr Alternative kTwice[] = {{0, "One"}, {1, "Two"}, {2, "One"}};
+constexpr Alternative kTwiceFolded[] = {{0, "one"}, {1, "ONE"}};
+constexpr Alternative kSwapped[] = {{0, "One"}, {2, "OneTwo"}, {1, "Two"}};
 
-TEST(FieldsTest, DuplicateNamesAreSeenWhateverTheirCase) {
-  static_assert(!HasDuplicateNames(kDistinct));
-  static_assert(HasDuplicateNames(kTwice));
-  static_assert(HasDuplicateNames(kTwiceFolded));
+TEST(FieldsTest, DuplicateNamesAreFoundWhateverTheirCase) {
   EXPECT_FALSE(HasDuplicateNames(kDistinct));
   EXPECT_TRUE(HasDuplicateNames(kTwice));
+  EXPECT_TRUE(HasDuplicateNames(kTwiceFolded));
+}
+
+TEST(FieldsTest, AlternativesStandAtThePlacesOfTheirTags) {
+  EXPECT_TRUE(AreInOrderOfTags(kDistinct));
+  EXPECT_FALSE(AreInOrderOfTags(kSwapped));
+}
+
+TEST(FieldsTest, OneWordGivesTagMemberAndNameOfAnAlternative) {
+  constexpr Alternative row = MESSAGES_ALTERNATIVE(ProgramStream::instance, AAC);
+  EXPECT_EQ(1u, row.tag);
+  EXPECT_STREQ("AAC", row.name.Text());
+  EXPECT_EQ(&kRecordTable<ProgramStream::AAC>, row.record);
+  ProgramStream::instance choice;
+  EXPECT_EQ(&choice.m_AAC, row.member(&choice));
+
+  constexpr Alternative empty = MESSAGES_EMPTY_ALTERNATIVE(ProgramStream::AAC::options, Quality);
+  EXPECT_EQ(1u, empty.tag);
+  EXPECT_STREQ("Quality", empty.name.Text());
+  EXPECT_EQ(nullptr, empty.record);
+}
+
+TEST(FieldsTest, OnlyRecordsWithARangeHaveADecodersName) {
+  EXPECT_TRUE(HasRanges(Description<ProgramStream::MP3>::kRows));
+  EXPECT_STREQ("DecodeStruct_MP3", kRecordTable<ProgramStream::MP3>.decoder);
+  EXPECT_TRUE(HasRanges(Description<Program>::kRows));  // a lower bound only
+  EXPECT_FALSE(HasRanges(Description<ProgramStream>::kRows));
+  EXPECT_EQ(nullptr, kRecordTable<ProgramStream>.decoder);
 }
 
 TEST(FieldsTest, UnionsKeyIsTheLastPartOfItsPath) {

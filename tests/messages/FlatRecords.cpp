@@ -1,14 +1,9 @@
 #include "tests/messages/RecordTable.h"
 
-#include "messages/Confirmation.h"
-#include "messages/GetAudioOutputDeviceList.h"
 #include "messages/GlobalOptions.h"
 #include "messages/GlobalOptions2.h"
-#include "messages/ProcessInfo.h"
-#include "messages/ProductVersion.h"
+#include "messages/Processes.h"
 #include "messages/SNMPmessage.h"
-#include "messages/UpdateGlobalOptions.h"
-#include "messages/UpdateGlobalOptions2.h"
 
 namespace Messages::Tests {
 

@@ -5,8 +5,8 @@
 #include "messages/SNMPmessage.h"
 #include "tests/support/UpdateFrames.h"
 
-// Takes as many frames as the command line says, the four of an update in turn,
-// so that count_instructions.sh can tell what one costs.
+// Processes as many frames as the command line says, the four of an update in turn.
+// count_instructions.sh counts the instructions of one frame with it.
 
 namespace {
 

@@ -4,11 +4,12 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace Messages::Tests {
 namespace {
 
-// Handlers are plain functions, so what they do and who was called is kept here.
+// Handlers are plain functions, so this holds what they do and which were called.
 struct Script {
   HandlerList* list = nullptr;
   std::string calls;
@@ -36,7 +37,7 @@ class HandlerListTest : public ::testing::Test {
   HandlerListTest() { s_script = &script; }
   ~HandlerListTest() override { s_script = nullptr; }
 
-  // Who one dispatch calls, in order.
+  // Returns the handlers that one dispatch calls, in order.
   std::string Dispatch() {
     script.calls.clear();
     list.Dispatch(&s_script, 7, Invoke);
@@ -74,7 +75,7 @@ TEST_F(HandlerListTest, SubscribingTwiceLeavesOneSubscriptionAtTheEnd) {
   EXPECT_EQ(2u, list.Count());
 }
 
-TEST_F(HandlerListTest, RemovalMendsHeadMiddleAndTail) {
+TEST_F(HandlerListTest, HandlerIsRemovedAtHeadMiddleAndTail) {
   struct Row {
     HandlerList::Function removed;
     const char* left;
@@ -84,14 +85,14 @@ TEST_F(HandlerListTest, RemovalMendsHeadMiddleAndTail) {
     for (const HandlerList::Function handler : {A, B, C}) rest.Subscribe(handler);
     rest.Unsubscribe(row.removed);
     EXPECT_EQ(2u, rest.Count());
-    rest.Subscribe(D);  // goes behind whatever is last now
+    rest.Subscribe(D);  // goes behind the last one
     script.calls.clear();
     rest.Dispatch(&s_script, 7, Invoke);
     EXPECT_EQ(row.left, script.calls);
   }
 }
 
-TEST_F(HandlerListTest, RemovingTheLastOneEmptiesTheList) {
+TEST_F(HandlerListTest, RemovingTheOnlyHandlerEmptiesTheList) {
   list.Subscribe(A);
   list.Unsubscribe(A);
   EXPECT_TRUE(list.Empty());
@@ -100,7 +101,7 @@ TEST_F(HandlerListTest, RemovingTheLastOneEmptiesTheList) {
   EXPECT_EQ("B", Dispatch());
 }
 
-TEST_F(HandlerListTest, RemovingWhatIsNotThereChangesNothing) {
+TEST_F(HandlerListTest, RemovingAHandlerThatIsNotThereChangesNothing) {
   list.Unsubscribe(A);
   list.Subscribe(B);
   list.Unsubscribe(A);
@@ -125,27 +126,27 @@ TEST_F(HandlerListTest, OnlyHandlerMayRemoveItself) {
   EXPECT_EQ("", Dispatch());
 }
 
-TEST_F(HandlerListTest, OneThatIsRemovedBeforeItsTurnIsNotCalled) {
+TEST_F(HandlerListTest, HandlerRemovedBeforeItsTurnIsNotCalled) {
   for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
   script.duringA = [this] { list.Unsubscribe(B); };
   EXPECT_EQ("AC", Dispatch());
   EXPECT_EQ("AC", Dispatch());
 }
 
-TEST_F(HandlerListTest, OneThatIsRemovedAfterItsTurnWasCalled) {
+TEST_F(HandlerListTest, HandlerRemovedAfterItsTurnWasCalled) {
   for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
   script.duringB = [this] { list.Unsubscribe(A); };
   EXPECT_EQ("ABC", Dispatch());
   EXPECT_EQ("BC", Dispatch());
 }
 
-TEST_F(HandlerListTest, OneThatIsAddedIsCalledInTheSameWalk) {
+TEST_F(HandlerListTest, HandlerAddedDuringADispatchIsCalledByIt) {
   list.Subscribe(A);
   script.duringA = [this] { list.Subscribe(B); };
   EXPECT_EQ("AB", Dispatch());
 }
 
-TEST_F(HandlerListTest, OneThatIsAddedAndRemovedAgainIsNotCalled) {
+TEST_F(HandlerListTest, HandlerAddedAndRemovedAgainIsNotCalled) {
   list.Subscribe(A);
   script.duringA = [this] {
     list.Subscribe(B);
@@ -155,7 +156,7 @@ TEST_F(HandlerListTest, OneThatIsAddedAndRemovedAgainIsNotCalled) {
   EXPECT_EQ(1u, list.Count());
 }
 
-TEST_F(HandlerListTest, HandlerThatSubscribesItselfAnewIsCalledOnceAWalk) {
+TEST_F(HandlerListTest, HandlerThatSubscribesItselfAgainIsCalledOncePerDispatch) {
   for (const HandlerList::Function handler : {A, B}) list.Subscribe(handler);
   script.duringA = [this] { list.Subscribe(A); };
   EXPECT_EQ("AB", Dispatch());
@@ -168,13 +169,13 @@ TEST_F(HandlerListTest, HandlerThatSubscribesItselfAnewIsCalledOnceAWalk) {
   EXPECT_EQ(2u, list.Count());
 }
 
-TEST_F(HandlerListTest, OneThatIsMovedBeforeItsTurnIsCalledAtItsNewPlace) {
+TEST_F(HandlerListTest, HandlerMovedBeforeItsTurnIsCalledAtItsNewPlace) {
   for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
   script.duringA = [this] { list.Subscribe(B); };
   EXPECT_EQ("ACB", Dispatch());
 }
 
-TEST_F(HandlerListTest, WalkWithinAWalkCallsEverybodyAndTheOuterOneGoesOn) {
+TEST_F(HandlerListTest, NestedDispatchCallsAllHandlersAndTheOuterOneContinues) {
   for (const HandlerList::Function handler : {A, B}) list.Subscribe(handler);
   bool within = false;
   script.duringA = [this, &within] {
@@ -186,7 +187,37 @@ TEST_F(HandlerListTest, WalkWithinAWalkCallsEverybodyAndTheOuterOneGoesOn) {
   EXPECT_EQ("B", Dispatch());
 }
 
-TEST_F(HandlerListTest, AllMayGoDuringAWalk) {
+TEST_F(HandlerListTest, HandlerAddedAndCalledInANestedDispatchIsCalledByTheOuterOneToo) {
+  list.Subscribe(A);
+  bool within = false;
+  script.duringA = [this, &within] {
+    if (std::exchange(within, true)) return;
+    list.Subscribe(B);
+    DispatchWithin();
+  };
+  EXPECT_EQ("AABB", Dispatch());
+}
+
+TEST_F(HandlerListTest, HandlerMovedByANestedDispatchIsNotCalledAgainByTheOuterOne) {
+  for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
+  bool within = false;
+  script.duringB = [this, &within] {
+    if (std::exchange(within, true)) return;
+    DispatchWithin();
+    list.Subscribe(A);
+    list.Subscribe(C);
+    DispatchWithin();
+  };
+  // The outer dispatch has called A and B, so only C is left for it.
+  EXPECT_EQ(
+      "AB"
+      "ABC"
+      "BAC"
+      "C",
+      Dispatch());
+}
+
+TEST_F(HandlerListTest, AllHandlersMayBeRemovedDuringADispatch) {
   for (const HandlerList::Function handler : {A, B, C}) list.Subscribe(handler);
   script.duringA = [this] {
     for (const HandlerList::Function handler : {A, B, C}) list.Unsubscribe(handler);

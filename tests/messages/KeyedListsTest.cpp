@@ -1,16 +1,14 @@
-#include "messages/ProcessList.h"
-#include "messages/ProcessList2.h"
-#include "messages/SNMPsequence.h"
-#include "tests/messages/ListReading.h"
+#include "messages/Processes.h"
+#include "messages/SNMPmessage.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {
 namespace {
 
-// The protocol's messages that consist of a keyed list.
+// Tests the messages of the protocol that consist of a keyed list.
 class KeyedListsTest : public MessageTest {
  protected:
-  // The answer and everything that was decoded.
+  // These return the result of the decode and the decoded values.
   std::string Sequence(const std::string& body) {
     SNMPsequence sequence;
     std::string text = DecodeStruct_SNMPsequence(*ParseObject(body), sequence) ? "true" : "false";
@@ -169,7 +167,7 @@ TEST_F(KeyedListsTest, ExtendedProcessThatIsNoObjectFailsTheList) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(KeyedListsTest, KeyOfTheLongestKindIsKept) {
+TEST_F(KeyedListsTest, KeyOf128CharactersIsKept) {
   const std::string key(128, 'k');
   EXPECT_EQ("true " + key, Processes(R"({"processes": {")" + key + R"(": {}}})"));
 }

@@ -4,18 +4,20 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "Src/IOnError.h"
+#include "Src/ErrReporter.h"
 #include "json/Json.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
+#include "messages/Fields.h"
 #include "messages/Registrar.h"
 
 namespace Messages::Tests {
 
-// One fault as the error sink heard of it.
+// One fault as the error sink received it.
 struct Fault {
   std::string text;
   std::string message;  // the current message, written compactly; "null" for none
@@ -44,7 +46,7 @@ class RecordingSink final : public Vask::IOnError {
   std::vector<Fault> m_faults;
 };
 
-// A JSON object from its text, which must be one.
+// Parses a text, which must be a JSON object.
 inline Vask::JsonRef<Vask::JsonObject> ParseObject(const std::string& text) {
   Vask::ParseResult result;
   Vask::Json* value = Vask::Parse(result, text.c_str());
@@ -62,8 +64,22 @@ inline std::string Compact(const Vask::Json& value) {
   return text;
 }
 
-// Starts and ends with the registrar as it is constructed, apart from the sink,
-// and sees to it that every JSON value that a test makes is destroyed.
+// Returns the keys and elements of a list in its order. The list still owns them.
+template <class E>
+std::vector<std::pair<std::string, const E*>> Elements(const KeyedList<E>& list) {
+  std::vector<std::pair<std::string, const E*>> found;
+  list.ForEach(
+      "",
+      [](const char* key, auto element, void* context) {
+        static_cast<decltype(found)*>(context)->emplace_back(key, *element);
+        return true;
+      },
+      &found);
+  return found;
+}
+
+// Starts and ends with the registrar as its constructor leaves it, apart from the
+// sink. Checks that every JSON value that a test makes is destroyed.
 class MessageTest : public ::testing::Test {
  protected:
   MessageTest() : m_alive(Vask::Json::Constructed() - Vask::Json::Destroyed()) {
@@ -76,7 +92,7 @@ class MessageTest : public ::testing::Test {
     EXPECT_EQ(m_alive, Vask::Json::Constructed() - Vask::Json::Destroyed());
   }
 
-  // The texts reported since the last call.
+  // Returns the texts reported since the last call.
   std::vector<std::string> Reports() {
     std::vector<std::string> texts;
     for (const Fault& fault : m_sink.Faults()) texts.push_back(fault.text);

@@ -4,13 +4,12 @@
 #include <string>
 
 #include "messages/Codec.h"
-#include "messages/KeyedList.h"
 
 namespace Messages::Tests {
 
-// A record with everything that rows can describe, in the shape of the
-// protocol's program messages: a keyed list whose elements hold a record with a
-// union; the union's alternatives hold a list and a further union.
+// A record with everything that rows can describe, like the protocol's program
+// messages: a keyed list whose elements hold a record with a union. The union's
+// alternatives hold a list and another union.
 struct CreateProgramMP3 {
   struct streams {
     struct Stream {
@@ -24,22 +23,18 @@ struct CreateProgramMP3 {
           std::int32_t m_encodechannels = 0;
         };
         struct options {
-          static constexpr std::uint32_t kLowDelay = 0;
-          static constexpr std::uint32_t kQuality = 1;
-          static constexpr std::uint32_t kEmpty = 2;
+          enum : std::uint32_t { kLowDelay, kQuality, kEmpty };
 
           std::uint32_t m_tag = kEmpty;
 
           ~options();
         };
 
-        options m_options;  // before the list, which so goes first
+        options m_options;  // declared before the list and destroyed after it
         KeyedList<codecs> m_codecs;
       };
       struct instance {
-        static constexpr std::uint32_t kMP3 = 0;
-        static constexpr std::uint32_t kAAC = 1;
-        static constexpr std::uint32_t kEmpty = 2;
+        enum : std::uint32_t { kMP3, kAAC, kEmpty };
 
         std::uint32_t m_tag = kEmpty;
         union {
@@ -65,15 +60,13 @@ struct CreateProgramMP3 {
   KeyedList<streams> m_streams;
 };
 
-// What a program says of its own: everything that can be written.
+// A record with everything that can be encoded.
 struct ProgramSummary {
   struct Level {
     std::int32_t m_peak = 0;
   };
   struct state {
-    static constexpr std::uint32_t kStopped = 0;
-    static constexpr std::uint32_t kPlaying = 1;
-    static constexpr std::uint32_t kEmpty = 2;
+    enum : std::uint32_t { kStopped, kPlaying, kEmpty };
 
     std::uint32_t m_tag = kEmpty;
     union {
@@ -116,12 +109,13 @@ struct Description<ProgramStream::AAC::codecs> {
 template <>
 struct Description<ProgramStream::AAC::options> {
   static constexpr char kPath[] = "CreateProgramMP3::streams::Stream::instance::AAC::options";
-  static constexpr Alternative kAlternatives[] = {FieldLess("LowDelay"), FieldLess("Quality")};
+  static constexpr Alternative kAlternatives[] = {
+      MESSAGES_EMPTY_ALTERNATIVE(ProgramStream::AAC::options, LowDelay),
+      MESSAGES_EMPTY_ALTERNATIVE(ProgramStream::AAC::options, Quality)};
 };
 
 template <>
 struct Description<ProgramStream::AAC> {
-  static constexpr char kDecoder[] = "DecodeStruct_AAC";
   static constexpr Field kRows[] = {
       List<&ProgramStream::AAC::m_codecs>("codecs"),
       Union<&ProgramStream::AAC::m_options>(),
@@ -132,14 +126,13 @@ template <>
 struct Description<ProgramStream::instance> {
   static constexpr char kPath[] = "CreateProgramMP3::streams::Stream::instance";
   static constexpr Alternative kAlternatives[] = {
-      Carrying<&ProgramStream::instance::m_MP3>("MP3"),
-      Carrying<&ProgramStream::instance::m_AAC>("AAC"),
+      MESSAGES_ALTERNATIVE(ProgramStream::instance, MP3),
+      MESSAGES_ALTERNATIVE(ProgramStream::instance, AAC),
   };
 };
 
 template <>
 struct Description<ProgramStream> {
-  static constexpr char kDecoder[] = "DecodeStruct_Stream";
   static constexpr Field kRows[] = {
       Text<&ProgramStream::m_name>("name"),
       Union<&ProgramStream::m_instance>(),
@@ -148,7 +141,6 @@ struct Description<ProgramStream> {
 
 template <>
 struct Description<Program::streams> {
-  static constexpr char kDecoder[] = "DecodeDict_streams";
   static constexpr Field kRows[] = {SubRecord<&Program::streams::m_Stream>("Stream")};
 };
 
@@ -164,7 +156,6 @@ struct Description<Program> {
 
 template <>
 struct Description<Tests::ProgramSummary::Level> {
-  static constexpr char kDecoder[] = "DecodeStruct_Level";
   static constexpr Field kRows[] = {Integer<&Tests::ProgramSummary::Level::m_peak>("Peak")};
 };
 
@@ -172,14 +163,13 @@ template <>
 struct Description<Tests::ProgramSummary::state> {
   static constexpr char kPath[] = "ProgramSummary::state";
   static constexpr Alternative kAlternatives[] = {
-      FieldLess("Stopped"),
-      Carrying<&Tests::ProgramSummary::state::m_Playing>("Playing"),
+      MESSAGES_EMPTY_ALTERNATIVE(Tests::ProgramSummary::state, Stopped),
+      MESSAGES_ALTERNATIVE(Tests::ProgramSummary::state, Playing),
   };
 };
 
 template <>
 struct Description<Tests::ProgramSummary> {
-  static constexpr char kDecoder[] = "DecodeStruct_ProgramSummary";
   static constexpr Field kRows[] = {
       Text<&Tests::ProgramSummary::m_Title>("Title"),
       Integer<&Tests::ProgramSummary::m_Count>("Count"),
@@ -203,10 +193,3 @@ inline ProgramStream::instance::~instance() {
 }
 
 }  // namespace Messages
-
-namespace Messages::Tests {
-
-// Everything of a decoded program on one line.
-std::string Dump(const CreateProgramMP3& program);
-
-}  // namespace Messages::Tests

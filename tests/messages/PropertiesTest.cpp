@@ -13,7 +13,7 @@ class PropertiesTest : public MessageTest {
  protected:
   static constexpr unsigned kCapacity = 4;
 
-  // "true" or "false", the text read and whether the destination was emptied.
+  // Each returns "true" or "false" and what the destination then holds.
   std::string ReadText(const char* object, bool optional = false) {
     char destination[kCapacity + 1] = "####";
     const bool read =

@@ -10,8 +10,8 @@
 
 namespace Messages::Tests {
 
-// What a test expects of one field, written by hand and not taken from the
-// record's own rows.
+// One field as the tests expect it, written by hand and not taken from the record's
+// own rows.
 struct ExpectedField {
   std::string name;
   unsigned capacity;  // 0: an integer
@@ -19,8 +19,8 @@ struct ExpectedField {
   bool limited = false;  // an integer of 0 to 1024
 };
 
-// One record: its fields in order, whether it is a partial update, and how to
-// decode it (the answer, and every field's value afterwards).
+// One record: its fields in order, whether it is a partial update, and a function
+// that decodes it and returns the result and every field's value.
 struct ExpectedRecord {
   struct Outcome {
     bool decoded;

@@ -1,17 +1,18 @@
 #include <map>
 
+#include "messages/GlobalOptions.h"
 #include "tests/messages/MessageTest.h"
 #include "tests/messages/RecordTable.h"
 
 namespace Messages::Tests {
 namespace {
 
-// The same questions to every record of texts and integers.
+// Runs the same tests on every record of texts and integers.
 class RecordsTest : public MessageTest, public ::testing::WithParamInterface<ExpectedRecord> {
  protected:
   using Members = std::map<std::string, std::string>;  // name and JSON text
 
-  // A value that differs from field to field.
+  // A different value for each field.
   static std::string GoodValue(std::size_t index) { return std::to_string(100 + index); }
   static std::string GoodJson(const ExpectedField& field, std::size_t index) {
     return field.capacity != 0 ? "\"" + GoodValue(index) + "\"" : GoodValue(index);
@@ -59,8 +60,8 @@ class RecordsTest : public MessageTest, public ::testing::WithParamInterface<Exp
                                      "' was expected to be an int (but it is not)";
   }
 
-  // One faulty field in an otherwise whole body: what a strict record and what a
-  // partial update make of it.
+  // Checks the outcome of one faulty field in an otherwise good body, for a strict
+  // record or a partial update.
   void ExpectFault(std::size_t index, const ExpectedRecord::Outcome& outcome,
                    const std::string& report) {
     const std::string name = Fields()[index].name;
@@ -189,8 +190,7 @@ TEST_P(RecordsTest, FieldsAreFoundInAnyLetterCase) {
 
 TEST_P(RecordsTest, SubsetsOfEverySizeDecodeForPartialUpdatesOnly) {
   for (std::size_t size = 0; size <= Fields().size(); ++size) {
-    // A window that starts elsewhere for each size, so that it is not always the
-    // same fields that are there.
+    // A window with another start for each size, so that the fields differ.
     Members members;
     std::vector<std::string> values;
     for (const ExpectedField& field : Fields()) values.push_back(EmptyValue(field));
@@ -209,6 +209,34 @@ TEST_P(RecordsTest, SubsetsOfEverySizeDecodeForPartialUpdatesOnly) {
       EXPECT_EQ(1u, Reports().size()) << size;
     }
   }
+}
+
+using PartialUpdatesTest = MessageTest;
+
+TEST_F(PartialUpdatesTest, UpdateOfOnePortLeavesEverythingElseEmpty) {
+  UpdateGlobalOptions options;
+  EXPECT_TRUE(DecodeStruct_UpdateGlobalOptions(*ParseObject(R"({"httpport":8080})"), options));
+  EXPECT_EQ(8080, options.m_httpport);
+  for (const char* text : {options.m_adminpass, options.m_adminuser, options.m_fromemail,
+                           options.m_fromname, options.m_notifyemail, options.m_smtpusername,
+                           options.m_smtppassword, options.m_smtpserver}) {
+    EXPECT_STREQ("", text);
+  }
+  for (const std::int32_t number :
+       {options.m_reconnecttimeout, options.m_emailonerror, options.m_httpsport,
+        options.m_smtpserverport, options.m_streamserverport, options.m_usessl,
+        options.m_waitintervalsec}) {
+    EXPECT_EQ(0, number);
+  }
+  EXPECT_EQ(Texts{}, Reports());
+}
+
+TEST_F(PartialUpdatesTest, PortOfTheWrongKindIsReportedAndStaysZero) {
+  UpdateGlobalOptions options;
+  EXPECT_TRUE(DecodeStruct_UpdateGlobalOptions(*ParseObject(R"({"httpport":"8080"})"), options));
+  EXPECT_EQ(0, options.m_httpport);
+  EXPECT_EQ(Texts{"GetIntProperty: Property 'httpport' was expected to be an int (but it is not)"},
+            Reports());
 }
 
 INSTANTIATE_TEST_SUITE_P(Messages, RecordsTest, ::testing::ValuesIn(FlatRecords()),

@@ -1,12 +1,12 @@
 #include "messages/Registrar.h"
 #include "messages/SNMPtrap.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {
 namespace {
 
-// Stands in for the link.
+// A link that records what is sent.
 class RecordingSender final : public Vask::IOnJsonMessage {
  public:
   bool OnJsonMessage(Vask::Json* message) override {
@@ -27,6 +27,12 @@ class RegistrarSendTest : public MessageTest {
     SNMPtrap trap;
     trap.m_trapType.m_tag = tag;
     return registrar.SendSNMPtrap(trap);
+  }
+  template <class Call>
+  static unsigned ValuesMadeBy(Call call) {
+    const unsigned before = Vask::Json::Constructed();
+    call();
+    return Vask::Json::Constructed() - before;
   }
   RecordingSender sender;
 };
@@ -64,15 +70,17 @@ TEST_F(RegistrarSendTest, TrapWithoutTypeIsReportedAndNotSent) {
             Reports());
 }
 
-TEST_F(RegistrarSendTest, WithoutASenderTheMessageIsBuiltAllTheSame) {
+TEST_F(RegistrarSendTest, WithoutASenderTheMessageIsBuiltAndNotSent) {
   registrar.SetSender(nullptr);
-  EXPECT_TRUE(registrar.SendSNMPupdate());
-  EXPECT_TRUE(SendTrap(SNMPtrap::kStreamsOK));
+  // The envelope and its five members.
+  EXPECT_EQ(6u, ValuesMadeBy([this] { EXPECT_TRUE(registrar.SendSNMPupdate()); }));
+  // The same, and the objects of trapType and of its alternative.
+  EXPECT_EQ(8u, ValuesMadeBy([this] { EXPECT_TRUE(SendTrap(SNMPtrap::kStreamsOK)); }));
   EXPECT_FALSE(SendTrap(SNMPtrap::kEmpty));
   EXPECT_EQ(Texts{}, sender.sent);
 }
 
-TEST_F(RegistrarSendTest, ResultOfTheLinkIsNotLookedAt) {
+TEST_F(RegistrarSendTest, ResultOfTheLinkIsIgnored) {
   sender.answer = false;
   EXPECT_TRUE(registrar.SendSNMPupdate());
   EXPECT_TRUE(SendTrap(SNMPtrap::kStreamsFailed));

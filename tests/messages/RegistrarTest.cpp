@@ -1,13 +1,13 @@
 #include "messages/Registrar.h"
 
 #include "messages/SNMPmessage.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {
 namespace {
 
-// What the handlers below were called with, as "name:id" in order.
+// The calls of the handlers below, as "name:id" in order.
 std::string s_calls;
 std::string s_currentMessage;
 
@@ -54,7 +54,7 @@ class RegistrarTest : public MessageTest {
                               const std::string& id = "7") {
     return R"({"name":")" + name + R"(","data":)" + data + R"(,"id":)" + id + "}";
   }
-  // Who was called since the last question.
+  // Returns the calls since the last time.
   std::string Calls() { return std::exchange(s_calls, ""); }
 };
 
@@ -104,7 +104,7 @@ TEST_F(RegistrarTest, DispatchCallsTheHandlersOfItsTypeOnly) {
   EXPECT_EQ("message1:12 ", Calls());
 }
 
-TEST_F(RegistrarTest, TextThatIsNotJsonIsReportedWithItsPlace) {
+TEST_F(RegistrarTest, TextThatIsNotJsonIsReportedWithLineAndColumn) {
   EXPECT_FALSE(Receive("{\"name\":\n  nope}"));
   EXPECT_EQ(Texts{"Messages::Registrar::OnJsonMessageText: JSON parse failed at line 2, col 3: "
                   "Unexpected token"},
@@ -173,7 +173,7 @@ TEST_F(RegistrarTest, DataThatIsNoObjectIsReportedOnce) {
   }
 }
 
-TEST_F(RegistrarTest, DataIsLookedAtBeforeTheNameIsMatched) {
+TEST_F(RegistrarTest, DataIsCheckedBeforeTheNameIsMatched) {
   EXPECT_FALSE(Receive(R"({"name":"Nobody","data":1})"));
   EXPECT_EQ(1u, Reports().size());
 }
@@ -208,6 +208,13 @@ TEST_F(RegistrarTest, IdsOfEveryKind) {
   }
 }
 
+TEST_F(RegistrarTest, MessageWhoseIdIsATextIsReportedAndDispatchedWithZero) {
+  EXPECT_TRUE(Receive(Envelope("SNMPmessage", kStreams, R"("7")")));
+  EXPECT_EQ("message1:0 ", Calls());
+  EXPECT_EQ(Texts{"GetIntProperty: Property 'id' was expected to be an int (but it is not)"},
+            Reports());
+}
+
 TEST_F(RegistrarTest, AbsentIdIsZeroWithoutAReport) {
   EXPECT_TRUE(Receive(R"({"name":"SNMPupdateFinished","data":{}})"));
   EXPECT_EQ("finished:0 ", Calls());
@@ -222,7 +229,7 @@ TEST_F(RegistrarTest, FaultsOfIdAndNameAreBothReportedTheIdFirst) {
             Reports());
 }
 
-TEST_F(RegistrarTest, BodyThatDoesNotDecodeReachesNobodyAndGetsNoFurtherText) {
+TEST_F(RegistrarTest, BodyThatDoesNotDecodeReachesNoHandlerAndGetsNoFurtherReport) {
   EXPECT_FALSE(Receive(Envelope("SNMPmessage", "{}")));
   EXPECT_EQ("", Calls());
   EXPECT_EQ(Texts{"GetObjProperty: Property 'messageType' not found"}, Reports());
@@ -282,7 +289,7 @@ void ReportFromHandler(const SNMPupdateFinished&, std::int32_t id, void*) {
   Registrar::Instance().ReportError("handler of %d", id);
 }
 
-TEST_F(RegistrarTest, MessageIsCurrentDuringItsHandlersAndNoLonger) {
+TEST_F(RegistrarTest, MessageIsCurrentUntilItsHandlersReturn) {
   registrar.Subscribe<SNMPupdateFinished>(ReportFromHandler);
   const auto root = ParseObject(Envelope("SNMPupdateFinished", "{}"));
   EXPECT_TRUE(registrar.OnJsonMessage(root.Get()));
@@ -310,6 +317,11 @@ TEST_F(RegistrarTest, WithoutASinkReportsAreDropped) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
+TEST_F(RegistrarTest, EmptyReportReachesTheSink) {
+  registrar.ReportError("%s", "");
+  EXPECT_EQ(Texts{""}, Reports());
+}
+
 TEST_F(RegistrarTest, LongReportsAreWhole) {
   for (const std::size_t length : {510u, 511u, 512u, 513u, 5000u}) {
     const std::string text(length, 'x');
@@ -318,9 +330,9 @@ TEST_F(RegistrarTest, LongReportsAreWhole) {
   }
 }
 
-#if !defined(_WIN32)  // there no conversion fails
-TEST_F(RegistrarTest, ReportThatCannotBePutTogetherIsItsFormat) {
-  // Half of a surrogate pair stands for no character.
+#if !defined(_WIN32)  // no conversion fails on Windows
+TEST_F(RegistrarTest, ReportThatCannotBeFormattedIsItsFormat) {
+  // Half of a surrogate pair is no character.
   registrar.ReportError("%s: %ls", "lost", L"\xDC00");
   EXPECT_EQ(Texts{"%s: %ls"}, Reports());
 }

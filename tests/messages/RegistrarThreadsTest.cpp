@@ -3,11 +3,11 @@
 
 #include "messages/Registrar.h"
 #include "messages/SNMPtrap.h"
-#include "net/IOnJsonMessage.h"
+#include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
 
-// What several threads may do at once. The thread sanitizer is the judge of
-// these; the counts only show that everybody was at work.
+// Tests what several threads may do at once. The thread sanitizer finds the faults;
+// the counts only show that all threads ran.
 namespace Messages::Tests {
 namespace {
 
@@ -30,8 +30,8 @@ void MovesItself(const SNMPupdateFinished&, std::int32_t, void*) {
 constexpr int kRounds = 2000;
 constexpr const char* kFinished = R"({"name":"SNMPupdateFinished","data":{}})";
 
-// The statistic of living values is exact for one thread only, so this fixture
-// does not stand on MessageTest.
+// The count of living values is exact for one thread only, so this fixture does not
+// derive from MessageTest.
 class RegistrarThreadsTest : public ::testing::Test {
  protected:
   RegistrarThreadsTest() {
@@ -81,7 +81,7 @@ TEST_F(RegistrarThreadsTest, AfterUnsubscribingNoCallIsUnderWay) {
   std::thread dispatcher([&] {
     while (!stop) registrar.OnJsonMessageText(kFinished);
   });
-  // Few: the lock is not fair to who asks for it beside a busy dispatcher.
+  // Few rounds, because the lock is not fair to a thread beside a busy dispatcher.
   for (int i = 0; i < 100; ++i) {
     s_alive = true;
     registrar.Subscribe<SNMPupdateFinished>(handler);

@@ -7,7 +7,7 @@ namespace {
 
 class SNMPmessageTest : public MessageTest {
  protected:
-  // The answer and what the union holds afterwards.
+  // Returns the result of the decode and what the union then holds.
   std::string Decoded(const std::string& body) {
     SNMPmessage message;
     const bool decoded = DecodeStruct_SNMPmessage(*ParseObject(body), message);
@@ -113,7 +113,7 @@ TEST_F(SNMPmessageTest, OfTwoAlternativesTheLowerTagIsTaken) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(SNMPmessageTest, AlternativeThatFailsIsNotMadeUpForByAnother) {
+TEST_F(SNMPmessageTest, AlternativeThatFailsIsNotReplacedByAnother) {
   EXPECT_EQ("false 4", Decoded(R"({"messageType": {"Product": {"Name": "x"},
                                    "Streams": {"Count": 1, "Errors": 0}}})"));
   EXPECT_EQ(Texts{"GetStrProperty: Property 'Version' not found"}, Reports());

@@ -83,12 +83,12 @@ TEST_F(SNMPtrapTest, FirstNameInTagOrderIsTaken) {
                                   "AudioSourcesFailed": {}}})"));
 }
 
-TEST_F(SNMPtrapTest, WhatStandsInTheAlternativeIsNotRead) {
+TEST_F(SNMPtrapTest, MembersOfTheAlternativeAreNotRead) {
   EXPECT_EQ("true 9", Decoded(R"({"trapType": {"StreamMonitorsOK": {"more": [1, 2]}}})"));
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(SNMPtrapTest, EncodingATrapWithoutTypeIsReportedAndGivesNothing) {
+TEST_F(SNMPtrapTest, TrapWithoutTypeIsReportedAndNotEncoded) {
   SNMPtrap trap;
   EXPECT_EQ(nullptr, EncodeStruct_SNMPtrap(trap));
   EXPECT_EQ(Texts{"EncodeUnion_trapType: Union tag not understood for 'SNMPtrap::trapType' "

@@ -4,11 +4,11 @@
 #include "tests/messages/AllMessages.h"
 #include "tests/messages/MessageTest.h"
 
-// Holds docs/wire-protocol.md against the code.
+// Compares docs/wire-protocol.md with the code.
 namespace Messages::Tests {
 namespace {
 
-// A fenced block: what stands behind its opening fence, and its lines.
+// A fenced block: the text behind its opening fence, and its lines.
 struct Block {
   std::string info;
   std::string content;
@@ -22,7 +22,7 @@ class WireProtocolPageTest : public MessageTest {
     for (std::string line; std::getline(file, line);) m_lines.push_back(line);
   }
 
-  // The blocks whose info starts so.
+  // Returns the blocks whose info begins with `start`.
   std::vector<Block> Blocks(const std::string& start) const {
     std::vector<Block> blocks;
     bool within = false;
@@ -37,7 +37,7 @@ class WireProtocolPageTest : public MessageTest {
     return blocks;
   }
 
-  // The rows of the table with this heading.
+  // Returns the rows of the table with this heading.
   Texts Table(const std::string& heading) const {
     Texts rows;
     auto line = std::find(m_lines.begin(), m_lines.end(), heading);
@@ -45,8 +45,8 @@ class WireProtocolPageTest : public MessageTest {
     return rows;
   }
 
-  // The answer to a text while every message has a subscriber, and who was
-  // called.
+  // Processes a text while every message has a subscriber. Returns the result and
+  // the calls.
   std::string ReceiveSubscribed(const std::string& text) {
     Handled();
     for (const Message& message : AllMessages()) message.subscribe();
@@ -74,7 +74,7 @@ TEST_F(WireProtocolPageTest, CatalogueTableIsTheCatalogue) {
   EXPECT_EQ(expected, Table(expected[0])) << "the table as it should stand:\n" << rows;
 }
 
-TEST_F(WireProtocolPageTest, ExampleFramesHaveTheirLengthsAndAreTaken) {
+TEST_F(WireProtocolPageTest, ExampleFramesHaveTheirLengthsAndAreProcessed) {
   const std::vector<Block> frames = Blocks("frame");
   EXPECT_EQ(9u, frames.size());
   for (const Block& frame : frames) {
@@ -99,7 +99,7 @@ TEST_F(WireProtocolPageTest, ExampleFramesHaveTheirLengthsAndAreTaken) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(WireProtocolPageTest, ExampleBodiesAreTaken) {
+TEST_F(WireProtocolPageTest, ExampleBodiesAreProcessed) {
   const std::vector<Block> bodies = Blocks("body ");
   EXPECT_EQ(9u, bodies.size());
   for (const Block& body : bodies) {

@@ -1,14 +1,13 @@
-"""Reads the monitoring files as the programs that they are for would.
+"""Reads the monitoring files in the same way as the programs that use them.
 
-    configuration.py nagios FILE ADDRESS PORT      the commands of its services
-    configuration.py icinga DEBUG-FILE ADDRESS PORT  the same, from icinga2's dump of objects
-    configuration.py modules OLD NEW               "same", or how the two formats differ
-    configuration.py relabelled GENERATED PROMETHEUS  the series that the generated module ends up with
-    configuration.py series MODULE                 the same of the finished module
-    configuration.py metrics MODULE                the names of its metrics
-    configuration.py queries DASHBOARD             the dashboard's queries as a file of rules
-    configuration.py zabbix TEMPLATE               what is wrong with it, a line each
-    configuration.py zabbix-traps TEMPLATE FILE    for each trap in FILE: item, "problem" or "recovery"
+    configuration.py nagios FILE ADDRESS PORT         the commands of its services
+    configuration.py icinga DEBUG-FILE ADDRESS PORT   the same, from the objects that icinga2 wrote
+    configuration.py modules OLD NEW                  "same", or how the two formats differ
+    configuration.py relabelled GENERATED PROMETHEUS  the series of the generated module after renaming
+    configuration.py series MODULE                    the series of the delivered module
+    configuration.py queries DASHBOARD                the queries of the dashboard as a file of rules
+    configuration.py zabbix TEMPLATE                  its errors, one on each line
+    configuration.py zabbix-traps TEMPLATE FILE       for each trap in FILE: item, "problem" or "recovery"
 """
 
 import collections
@@ -31,7 +30,7 @@ def read_yaml(path):
 
 
 def nagios_objects(path):
-    """(type, {directive: value}) of every object of the file."""
+    """Returns (type, {directive: value}) for every object of the file."""
     with open(path, encoding="utf-8") as file:
         text = re.sub(r"^\s*[#;].*$", "", file.read(), flags=re.MULTILINE)
     for kind, body in re.findall(r"define (\w+) \{(.*?)\n\}", text, flags=re.DOTALL):
@@ -57,7 +56,7 @@ def nagios(path, address, port):
 
 
 def icinga_objects(path):
-    """The objects that `icinga2 daemon -C` has written down, as netstrings of JSON."""
+    """Returns the objects that `icinga2 daemon -C` wrote to a file as netstrings of JSON."""
     with open(path, "rb") as file:
         data = file.read()
     while data:
@@ -80,7 +79,7 @@ def icinga(path, address, port):
 
 def print_commands(commands):
     for name, line in sorted(commands):
-        # Values of Icinga's are numbers of its own kind.
+        # Icinga writes whole numbers as 2.0.
         words = [re.sub(r"^(\d+)\.0$", r"\1", word) for word in line]
         print(name, shlex.join(words), sep="\t")
 
@@ -89,20 +88,16 @@ def print_commands(commands):
 
 
 def modules(old, new):
-    """The module that both formats describe is one and the same."""
+    """Compares the module in both formats."""
     first, second = dict(read_yaml(old)["corvane"]), read_yaml(new)
     auth = {"version": first.pop("version"), **first.pop("auth")}
     if first != second["modules"]["corvane"]:
         return "the modules differ"
-    return "same" if [auth] == list(second["auths"].values()) else "the ways to ask differ"
-
-
-def metrics(path):
-    return [metric["name"] for metric in read_yaml(path)["corvane"]["metrics"]]
+    return "same" if [auth] == list(second["auths"].values()) else "version or community differ"
 
 
 def relabelled(generated, prometheus):
-    """Applies the renaming rules of prometheus.yml, whose regular expressions are anchored."""
+    """Applies the renaming rules of prometheus.yml. A rule must match the whole name."""
     rules = read_yaml(prometheus)["scrape_configs"][0]["metric_relabel_configs"]
     for metric in read_yaml(generated)["corvane"]["metrics"]:
         name, oid = metric["name"], metric["oid"]
@@ -129,7 +124,7 @@ def queries(path):
     with open(path, encoding="utf-8") as file:
         dashboard = json.load(file)
     ids = [panel["id"] for panel in dashboard["panels"]]
-    assert len(ids) == len(set(ids)), "two panels have one id"
+    assert len(ids) == len(set(ids)), "two panels have the same id"
     rules = [{"record": f"panel:{panel['id']}:{target['refId']}",
               "expr": target["expr"].replace("$instance", ".*")}
              for panel in dashboard["panels"] for target in panel["targets"]]
@@ -142,7 +137,7 @@ REFERENCE = re.compile(r'/Corvane by SNMP/([a-z.]+(?:\["[^"]*"\])?)')
 
 
 class ZabbixTemplate:
-    """The one template of an export, and its triggers wherever they stand."""
+    """The template of an export, with all of its triggers."""
 
     def __init__(self, path):
         export = read_yaml(path)["zabbix_export"]
@@ -169,17 +164,17 @@ class ZabbixTemplate:
 
     def _form(self):
         if self.export["version"] != "6.0":
-            yield "not of version 6.0, which newer ones read as well"
+            yield "the version is not 6.0, which later versions can import too"
         ids = list(self.uuids())
         yield from (f"uuid {i} is used twice" for i, n in collections.Counter(ids).items() if n > 1)
-        yield from (f"uuid {i} is no random one (version 4)" for i in ids
+        yield from (f"uuid {i} is not random (version 4)" for i in ids
                     if not re.fullmatch(r"[0-9a-f]{12}4[0-9a-f]{3}[89ab][0-9a-f]{15}", i))
         yield from (f"key {k} is used twice" for k, n in collections.Counter(self.keys).items() if n > 1)
         for item in self.items:
             if item["type"] == "SNMP_AGENT" and not item["snmp_oid"].endswith(".0"):
-                yield f"{item['key']} asks for a name without .0"
+                yield f"{item['key']} requests a name without .0"
             if item["type"] == "SNMP_TRAP" and item["value_type"] != "LOG":
-                yield f"{item['key']} is no log"
+                yield f"{item['key']} is not a log"
 
     def _references(self):
         maps = [valuemap["name"] for valuemap in self.template["valuemaps"]]
@@ -195,10 +190,10 @@ class ZabbixTemplate:
                             for macro in re.findall(r"\{\$[^}]*\}", expression) if macro not in macros)
             for other in trigger.get("dependencies", []):
                 if (other["name"], other["expression"], other.get("recovery_expression")) not in known:
-                    yield f"{trigger['name']} depends on a trigger that is not there: {other['name']}"
+                    yield f"{trigger['name']} depends on a trigger that does not exist: {other['name']}"
 
     def verdicts(self, text):
-        """What the trap items take the text in for, and what their triggers make of it."""
+        """Returns, for each trap item that matches the text, what its trigger makes of it."""
         for item in self.items:
             if item["type"] != "SNMP_TRAP" or not re.search(item["key"][len('snmptrap["'):-2], text):
                 continue
@@ -223,7 +218,7 @@ def main(what, *arguments):
         print_commands({"nagios": nagios, "icinga": icinga}[what](*arguments))
         return
     answer = {
-        "modules": modules, "metrics": metrics, "relabelled": relabelled, "queries": queries,
+        "modules": modules, "relabelled": relabelled, "queries": queries,
         "series": module_series, "zabbix-traps": zabbix_traps,
         "zabbix": lambda path: ZabbixTemplate(path).complaints(),
     }[what](*arguments)

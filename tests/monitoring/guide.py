@@ -1,11 +1,11 @@
-"""Holds what the operator's guide and corvane-check say against the agent.
+"""Compares the operator's guide and corvane-check with the agent.
 
-    guide.py log-lines PROJECT       lines of the log that no source can print
+    guide.py log-lines PROJECT       lines of the guide's log that no source can print
     guide.py check-lines PROJECT     the same for the lines that corvane-check looks for
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
     guide.py alerts GUIDE            alert and waiting time of its table
-    guide.py files PROJECT           files that the guides name and that do not exist
+    guide.py files PROJECT           files that the guides name but that do not exist
 """
 
 import pathlib
@@ -21,7 +21,7 @@ def read(*path):
 
 
 def texts(project):
-    """Each text in the sources that a log line can be made of."""
+    """Returns each text in the sources from which the agent can make a line of the log."""
     for folder in SOURCES:
         for source in sorted(pathlib.Path(project, folder).rglob("*.cpp")):
             code = re.sub(r'"\s*\n\s*"', "", read(source))
@@ -32,7 +32,7 @@ def texts(project):
 
 
 def printable(project):
-    """One regular expression for each of these texts, its conversions left open."""
+    """Returns a regular expression for each text in the sources; a conversion matches anything."""
     for text in texts(project):
         yield re.sub(r"%[a-z]", ".*", re.escape(text).replace(r"\%", "%"))
 
@@ -47,7 +47,7 @@ def unknown(lines, project):
 def log_lines(project):
     quoted = re.findall(rf"^    [\d:]{{8}}\.\d{{3}}: {LEVELS}: (.*)$", read(project, "docs/operating.md"),
                         re.MULTILINE)
-    assert len(quoted) > 30, "the guide quotes no log"
+    assert len(quoted) > 30, "the guide does not quote the log"
     return unknown([line for _, line in quoted], project)
 
 
@@ -63,7 +63,7 @@ def check_lines(project):
 
 
 def rows(guide, first):
-    """The cells of the table whose first heading is `first`, without backquotes."""
+    """Returns the cells of the table whose first heading is `first`, without backquotes."""
     table = re.search(rf"^\| {first} \|.*\n\|[-|]+\n((?:\|.*\n)+)", read(guide), re.MULTILINE)[1]
     for line in table.splitlines():
         yield [cell.strip().replace("`", "") for cell in line.strip("|").split("|")]

@@ -1,6 +1,6 @@
-# Those who ask: snmp_exporter with the committed module, check_snmp as the
-# committed commands call it. Beside them an SNMP service without the agent. To be
-# sourced after snmp.sh and stand.sh.
+# The pollers: snmp_exporter with the committed module, and check_snmp with the
+# committed commands. Also starts an SNMP service without the agent. Source this file
+# after snmp.sh and stand.sh.
 
 bare_address=127.0.0.1:$((snmp_port + 5))
 exporter_address=127.0.0.1:$((snmp_port + 6))
@@ -13,8 +13,8 @@ start_pollers() {
   setsid prometheus-snmp-exporter --config.file="$top/monitoring/prometheus/snmp-corvane-0.22.yml" \
     --web.listen-address="$exporter_address" >"$work/exporter.out" 2>&1 </dev/null &
   pollers+=($!)
-  await curl -sf "http://$exporter_address/" || fail "no exporter: $(tail -n 2 "$work/exporter.out")"
-  await snmpget -v2c -c public -t 1 -r 0 "$bare_address" 1.3.6.1.2.1.1.3.0 || fail "no snmpd: $(tail -n 2 "$work/snmpd.out")"
+  await curl -sf "http://$exporter_address/" || fail "the exporter did not start: $(tail -n 2 "$work/exporter.out")"
+  await snmpget -v2c -c public -t 1 -r 0 "$bare_address" 1.3.6.1.2.1.1.3.0 || fail "snmpd did not start: $(tail -n 2 "$work/snmpd.out")"
 }
 
 stop_pollers() {
@@ -24,7 +24,7 @@ stop_pollers() {
   done
 }
 
-# scrape ADDRESS: the HTTP status and the agent's series, sorted.
+# scrape ADDRESS: prints the HTTP status and the series of the agent, sorted.
 scrape() {
   curl -s -w 'status %{http_code}\n' -o "$work/scraped" \
     "http://$exporter_address/snmp?target=$1&module=corvane&auth=corvane_v2"
@@ -32,7 +32,7 @@ scrape() {
 }
 packets_of_last_scrape() { sed -n 's/^snmp_scrape_packets_sent //p' "$work/scraped"; }
 
-# check NAME [PORT]: exit status and text of this service's check.
+# check NAME [PORT]: prints the exit status and the text of this service's check.
 check() {
   local status=0 text command
   command=$(python3 "$here/configuration.py" nagios "$top/monitoring/nagios/corvane.cfg" \
@@ -41,7 +41,7 @@ check() {
   echo "$status ${text%"${text##*[! ]}"}"
 }
 
-# Name and exit status of every service's check.
+# Prints the name and the exit status of every service's check.
 check_all() {
   local name
   for name in audio-sources link product silence streams; do

@@ -1,14 +1,14 @@
-# Three snmptrapd, each with one of the ways that monitoring/snmptrapd/snmptrapd.conf
-# offers, and each with other spellings of names: with the MIB, without it, and
-# all in numbers. To be sourced after snmp.sh and stand.sh.
+# Three snmptrapd. Each uses one of the three handlers of
+# monitoring/snmptrapd/snmptrapd.conf and another spelling of names: with the MIB,
+# without the MIB, and with numbers only. Source this file after snmp.sh and stand.sh.
 
 log_port=$((snmp_port + 2))
 zabbix_port=$((snmp_port + 3))
 snmptt_port=$((snmp_port + 4))
 receivers=()
 
-# write_receiver NAME HANDLER: the committed file with this way chosen and the
-# places of an installation replaced by the test's.
+# write_receiver NAME HANDLER: writes the committed file with this handler only. The
+# paths of an installation are replaced by paths of the test.
 write_receiver() {
   sed -E -e 's/^#?(traphandle .*)/\1/' \
     -e "s|/usr/local/bin/|$top/monitoring/snmptrapd/|; s|/var/log/.*|$work/$1.log|" \
@@ -36,7 +36,7 @@ start_receivers() {
   start_receiver zabbix "$zabbix_port"
   start_receiver snmptt "$snmptt_port" -On
   for port in "$log_port" "$zabbix_port" "$snmptt_port"; do
-    await listens_on_udp "$port" || fail "no snmptrapd on port $port"
+    await listens_on_udp "$port" || fail "snmptrapd does not listen on port $port"
   done
 }
 listens_on_udp() { ss -Hlun "sport = :$1" | grep -q .; }
@@ -48,15 +48,16 @@ stop_receivers() {
   done
 }
 
-# mib_traps FORMAT: severity, name and sentence of every trap in the order in which
-# the test raises them, as the MIB has them. The name is the whole one for
-# SNMPTT, whose lines carry the identifier.
+# mib_traps FORMAT: prints severity, name and sentence of every trap from the MIB, in
+# the order in which the test raises the traps. In the format for SNMPTT, the name is
+# the object identifier.
 mib_traps() {
   local name
-  for name in SoftwareLinkDown SoftwareLinkUp StreamsFailed AudioSourcesFailed AudioSilenceDetectFailed \
-    StreamsFailedUpdated AudioSourcesFailedUpdated AudioSilenceDetectFailedUpdated \
-    StreamsOK AudioSourcesOK AudioSilenceDetectPassed; do
-    awk -v name="corvaneTrap$name" -v oid=".$prefix.0." -v format="$1\n" '
+  for name in TrapSoftwareLinkDown TrapSoftwareLinkUp \
+    TrapStreamsFailed TrapAudioSourcesFailed TrapAudioSilenceDetectFailed \
+    TrapStreamsFailedUpdated TrapAudioSourcesFailedUpdated TrapAudioSilenceDetectFailedUpdated \
+    TrapStreamsOK TrapAudioSourcesOK TrapAudioSilenceDetectPassed; do
+    awk -v name="corvane$name" -v oid=".$prefix.0." -v format="$1\n" '
       $1 == name {inside = 1}
       inside && /#SUMMARY/ {sentence = $0; gsub(/^[^"]*"|"$/, "", sentence)}
       inside && /#SEVERITY/ {severity = $2}

@@ -1,9 +1,9 @@
-"""Talks to a Zabbix frontend for the test `zabbix`.
+"""Sends requests to a Zabbix frontend for the test `zabbix`.
 
-    zabbix_api.py URL import FILE         the template, new or over the old one
-    zabbix_api.py URL host ADDRESS PORT   a host with the template, polled every five seconds
-    zabbix_api.py URL values              key and last value of its polled items
-    zabbix_api.py URL problems            severity and name of what is wrong now
+    zabbix_api.py URL import FILE         imports the template, or replaces the old one
+    zabbix_api.py URL host ADDRESS PORT   creates a host with the template; it is polled every five seconds
+    zabbix_api.py URL values              prints key and last value of its polled items
+    zabbix_api.py URL problems            prints severity and name of the current problems
 """
 
 import json

@@ -78,7 +78,7 @@ TEST_F(CreateFoldersTest, CreatesOnlyWhatIsMissing) {
   EXPECT_THAT(files.created, ElementsAre(R"(C:\a\b)"));
 }
 
-TEST_F(CreateFoldersTest, FolderThatExistsIsASuccessWhateverItsDrive) {
+TEST_F(CreateFoldersTest, ExistingFolderSucceedsOnAnyDrive) {
   files.drive = DriveKind::Unknown;
   files.folders.insert(R"(C:\a)");
   EXPECT_TRUE(Create(R"(C:\a)"));
@@ -86,35 +86,35 @@ TEST_F(CreateFoldersTest, FolderThatExistsIsASuccessWhateverItsDrive) {
   EXPECT_THAT(files.rootsAsked, IsEmpty());
 }
 
-TEST_F(CreateFoldersTest, TrailingBackslashIsTakenOff) {
+TEST_F(CreateFoldersTest, TrailingBackslashIsRemoved) {
   EXPECT_TRUE(Create(R"(C:\a\)"));
   EXPECT_THAT(files.created, ElementsAre(R"(C:\a)"));
 }
 
-TEST_F(CreateFoldersTest, DriveIsAskedForWithABackslash) {
+TEST_F(CreateFoldersTest, DriveIsQueriedWithABackslash) {
   EXPECT_TRUE(Create(R"(C:\a)"));
   EXPECT_THAT(files.rootsAsked, ElementsAre(R"(C:\)"));
 }
 
-TEST_F(CreateFoldersTest, ShareIsAskedForWithABackslash) {
+TEST_F(CreateFoldersTest, ShareIsQueriedWithABackslash) {
   files.folders.insert(R"(\\server\share)");
   EXPECT_TRUE(Create(R"(\\server\share\a)"));
   EXPECT_THAT(files.rootsAsked, ElementsAre(R"(\\server\share\)"));
 }
 
-TEST_F(CreateFoldersTest, PathWithoutADriveAsksForTheCurrentOne) {
+TEST_F(CreateFoldersTest, PathWithoutADriveQueriesTheCurrentOne) {
   EXPECT_TRUE(Create("a"));
   EXPECT_THAT(files.rootsAsked, ElementsAre(R"(\)"));
   EXPECT_THAT(files.created, ElementsAre("a"));
 }
 
-TEST_F(CreateFoldersTest, FailsWhereAParentCannotBeCreated) {
+TEST_F(CreateFoldersTest, FailsIfAParentCannotBeCreated) {
   files.refused.insert(R"(C:\a\b)");
   EXPECT_FALSE(Create(R"(C:\a\b\c)"));
   EXPECT_THAT(files.created, ElementsAre(R"(C:\a)"));
 }
 
-TEST_F(CreateFoldersTest, FailsWhereTheFolderItselfCannotBeCreated) {
+TEST_F(CreateFoldersTest, FailsIfTheFolderItselfCannotBeCreated) {
   files.refused.insert(R"(C:\a)");
   EXPECT_FALSE(Create(R"(C:\a)"));
 }
@@ -170,7 +170,7 @@ TEST(CreateFoldersOnDiskTest, CreatesFoldersWhoseNamesHoldBlanks) {
   EXPECT_TRUE(CFileName2::CreateFolders(path.c_str()));
 }
 
-TEST(CreateFoldersOnDiskTest, FailsWhereAFileIsInTheWay) {
+TEST(CreateFoldersOnDiskTest, FailsIfAFileHasTheName) {
   const TempFolder temp;
   std::ofstream(temp.NativePath() / "file") << "text";
   EXPECT_FALSE(CFileName2::CreateFolders(temp.Path(R"(file\folder)").c_str()));

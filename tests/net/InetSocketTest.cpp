@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "net/InetSocketConnector.h"
 #include "tests/support/FaultySockets.h"
 #include "tests/support/RecordingLog.h"
 
@@ -32,7 +31,7 @@ class InetSocketTest : public testing::Test {
 
 struct SendRow {
   const char* name;
-  std::vector<int> results;  // what the system's send answers, call by call
+  std::vector<int> results;  // what the system's send returns, call by call
   bool wouldBlock;
   std::int32_t sent;
   std::vector<std::string> calls;
@@ -44,7 +43,7 @@ void PrintTo(const SendRow& row, std::ostream* out) {
 
 class InetSocketSends : public InetSocketTest, public testing::WithParamInterface<SendRow> {};
 
-TEST_P(InetSocketSends, AnswersWhatWentOut) {
+TEST_P(InetSocketSends, ReturnTheNumberOfBytesSent) {
   Connect();
   sockets.sendResults.assign(GetParam().results.begin(), GetParam().results.end());
   sockets.wouldBlock = GetParam().wouldBlock;
@@ -90,7 +89,7 @@ TEST_F(InetSocketTest, CloseOfASocketThatWasNeverConnectedDoesNothing) {
   EXPECT_THAT(sockets.calls, IsEmpty());
 }
 
-TEST_F(InetSocketTest, CloseDisconnectsBeforeTheHandleGoes) {
+TEST_F(InetSocketTest, CloseDisconnectsBeforeItClosesTheHandle) {
   Connect();
   socket.Close();
   EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
@@ -133,7 +132,7 @@ TEST_F(InetSocketTest, DestructorCloses) {
   EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7"));
 }
 
-TEST_F(InetSocketTest, ShutdownLeavesTheHandleInPlace) {
+TEST_F(InetSocketTest, ShutdownKeepsTheHandle) {
   Connect();
   socket.Shutdown();
   EXPECT_THAT(sockets.calls, ElementsAre("Shutdown 7"));
@@ -142,6 +141,56 @@ TEST_F(InetSocketTest, ShutdownLeavesTheHandleInPlace) {
 
 TEST_F(InetSocketTest, ShutdownOfAClosedSocketDoesNothing) {
   socket.Shutdown();
+  EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+class InetSocketConnectorTest : public testing::Test {
+ protected:
+  FaultySockets sockets;
+  InetSocketConnector socket{sockets};
+};
+
+TEST_F(InetSocketConnectorTest, ConnectsAndSetsBlockingMode) {
+  EXPECT_TRUE(socket.Connect("127.0.0.1", 16969));
+  EXPECT_THAT(sockets.calls, ElementsAre("OpenTcp", "Connect 7 127.0.0.1:16969", "SetBlocking 7"));
+  EXPECT_EQ(socket.Handle(), 7u);
+}
+
+TEST_F(InetSocketConnectorTest, ClosesTheOldConnectionFirst) {
+  ASSERT_TRUE(socket.Connect("127.0.0.1", 16969));
+  sockets.calls.clear();
+  sockets.nextHandle = 8;
+  EXPECT_TRUE(socket.Connect("127.0.0.1", 16969));
+  EXPECT_THAT(sockets.calls, ElementsAre("Disconnect 7", "Shutdown 7", "Close 7", "OpenTcp",
+                                         "Connect 8 127.0.0.1:16969", "SetBlocking 8"));
+}
+
+TEST_F(InetSocketConnectorTest, AddressThatCannotBeFoundChangesNothing) {
+  ASSERT_TRUE(socket.Connect("127.0.0.1", 16969));
+  sockets.calls.clear();
+  EXPECT_FALSE(socket.Connect("127.0.0.1", 0));
+  EXPECT_THAT(sockets.calls, IsEmpty());
+  EXPECT_EQ(socket.Handle(), 7u);
+}
+
+TEST_F(InetSocketConnectorTest, ConnectFailsIfNoSocketCanBeCreated) {
+  sockets.nextHandle = Platform::kInvalidSocket;
+  EXPECT_FALSE(socket.Connect("127.0.0.1", 16969));
+  EXPECT_THAT(sockets.calls, ElementsAre("OpenTcp"));
+}
+
+TEST_F(InetSocketConnectorTest, FailedConnectClosesTheHandle) {
+  sockets.connects = false;
+  EXPECT_FALSE(socket.Connect("127.0.0.1", 16969));
+  EXPECT_THAT(sockets.calls, ElementsAre("OpenTcp", "Connect 7 127.0.0.1:16969", "Close 7"));
+  EXPECT_EQ(socket.Handle(), Platform::kInvalidSocket);
+}
+
+TEST_F(InetSocketConnectorTest, CloseAfterAFailedConnectDoesNothing) {
+  sockets.connects = false;
+  ASSERT_FALSE(socket.Connect("127.0.0.1", 16969));
+  sockets.calls.clear();
+  socket.Close();
   EXPECT_THAT(sockets.calls, IsEmpty());
 }
 

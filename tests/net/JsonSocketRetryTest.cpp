@@ -1,5 +1,5 @@
-// The link without a network and without a second thread: its body runs inside
-// OpenThread, on a clock that only its own sleeping moves.
+// The link without a network and without a second thread. Its body runs inside
+// OpenThread, with a clock that moves only while the body sleeps.
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "net/IJsonSocketEvents.h"
 #include "net/JsonSocket.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
 #include "tests/support/ForwardingClock.h"
+#include "tests/support/ForwardingThreading.h"
 #include "tests/support/LinkRecorders.h"
 #include "tests/support/ScriptedThreading.h"
 
@@ -41,7 +42,10 @@ class JsonSocketRetryTest : public testing::Test, protected IJsonSocketEvents {
     Note("failed");
     m_sockets.connects = ++m_failures >= m_failuresBeforeSuccess;
   }
-  void OnConnected() override { Note("connected"); }
+  void OnConnected() override {
+    Note("connected");
+    if (m_connectedThrows) throw std::bad_alloc();
+  }
   void OnDisconnected() override { Note("disconnected"); }
 
   FakeClock m_clock;
@@ -53,6 +57,7 @@ class JsonSocketRetryTest : public testing::Test, protected IJsonSocketEvents {
 
   Texts m_events;
   bool m_connectingThrows = false;
+  bool m_connectedThrows = false;
   std::size_t m_stopAfterEvents = 1;
   int m_failures = 0;
   int m_failuresBeforeSuccess = 1000;
@@ -66,13 +71,34 @@ TEST_F(JsonSocketRetryTest, AbsentPeerIsTriedAtOnceAndThenEveryFiveSeconds) {
   EXPECT_EQ(m_link.GetState(), FrameReader::kDisconnected);
 }
 
-// Whatever is missing, the reader does not keep a processor busy over it.
-TEST_F(JsonSocketRetryTest, AttemptThatThrowsIsFollowedByAnotherAfterFiveSeconds) {
+// An attempt that throws must not keep a processor busy.
+TEST_F(JsonSocketRetryTest, ExceptionOfOnConnectingIsFollowedByAnAttemptAfterFiveSeconds) {
   m_connectingThrows = true;
   m_stopAfterEvents = 4;
   EXPECT_TRUE(m_link.OpenThread());
   EXPECT_EQ(m_events, (Texts{"connecting at 0", "disconnected at 0", "connecting at 5000",
                              "disconnected at 5000"}));
+}
+
+TEST_F(JsonSocketRetryTest, ExceptionOfOnConnectedIsFollowedByAnAttemptAfterFiveSeconds) {
+  m_sockets.connects = true;
+  m_connectedThrows = true;
+  m_stopAfterEvents = 6;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events, (Texts{"connecting at 0", "connected at 0", "disconnected at 0",
+                             "connecting at 5000", "connected at 5000", "disconnected at 5000"}));
+  EXPECT_EQ(m_sink.recorder.Texts(),
+            (Texts{"Vask::JsonSocket::Run: exception!", "Vask::JsonSocket::Run: exception!"}));
+}
+
+TEST_F(JsonSocketRetryTest, OpenAfterAStopDuringTheWaitConnectsAtOnce) {
+  m_stopAfterEvents = 2;
+  EXPECT_TRUE(m_link.OpenThread());
+  m_link.StopThread();
+  m_stopAfterEvents = 4;
+  EXPECT_TRUE(m_link.OpenThread());
+  EXPECT_EQ(m_events,
+            (Texts{"connecting at 0", "failed at 0", "connecting at 100", "failed at 100"}));
 }
 
 TEST_F(JsonSocketRetryTest, FiveSecondsAreKeptAcrossTheWrapOfTheClock) {
@@ -154,7 +180,7 @@ TEST_F(JsonSocketRetryTest, CanBeOpenedAfterAFailure) {
   EXPECT_EQ(m_events, (Texts{"connecting at 0", "failed at 0"}));
 }
 
-// Passes no time, and stops a link at its n-th sleep.
+// Lets no time pass, and stops a link at its n-th sleep.
 class StoppingClock final : public ForwardingClock {
  public:
   explicit StoppingClock(int sleeps) : m_sleeps(sleeps) {}
@@ -168,7 +194,7 @@ class StoppingClock final : public ForwardingClock {
   int m_sleeps;
 };
 
-TEST_F(JsonSocketRetryTest, AttemptsAreRepeatedAlsoWhenNobodyIsToHearOfThem) {
+TEST_F(JsonSocketRetryTest, AttemptsAreRepeatedAlsoWithoutEvents) {
   StoppingClock clock(51);  // 5,000 ms and one poll more
   JsonSocket link(nullptr, clock, m_sockets, m_threading);
   clock.link = &link;
@@ -188,6 +214,36 @@ TEST_F(JsonSocketRetryTest, StopJoinsTheThreadOnce) {
   m_link.StopThread();
   m_link.StopThread();
   EXPECT_EQ(m_threading.joined, 1u);
+}
+
+// Reports that a thread has started although there is none, so no other event is ever
+// signalled. Keeps the timeouts of the waits.
+class SilentThreading final : public ForwardingThreading {
+ public:
+  std::vector<std::uint32_t> waits;
+
+  bool WaitEvent(Platform::NativeHandle, std::uint32_t timeoutMs) noexcept override {
+    if (timeoutMs == Platform::kInfinite) return true;
+    waits.push_back(timeoutMs);
+    return false;
+  }
+  Platform::NativeHandle StartThread(const Platform::ThreadEntry&) noexcept override {
+    return this;
+  }
+  void JoinThread(Platform::NativeHandle, Platform::NativeHandle) noexcept override {}
+  void CloseThread(Platform::NativeHandle) noexcept override {}
+};
+
+TEST(JsonSocketSilentReaderTest, StopWaits200MsAndThen100TimesFor20MsAndGoesOn) {
+  FakeClock clock;
+  FaultySockets sockets;
+  SilentThreading threading;
+  JsonSocket link(nullptr, clock, sockets, threading);
+  ASSERT_TRUE(link.OpenThread());
+  link.StopThread();
+  std::vector<std::uint32_t> expected(101, 20);
+  expected.front() = 200;
+  EXPECT_EQ(threading.waits, expected);
 }
 
 TEST_F(JsonSocketRetryTest, NothingIsSentBeforeTheFirstConnection) {

@@ -1,4 +1,4 @@
-// How the link's thread comes and goes.
+// How the link's thread stops and starts again.
 
 #include <gtest/gtest.h>
 
@@ -65,14 +65,14 @@ TEST_F(JsonSocketStopTest, StopDuringAFloodEndsWithinASecond) {
   flooder.join();
 }
 
-TEST_F(JsonSocketStopTest, StopFreesASenderWhomThePeerKeepsWaiting) {
+TEST_F(JsonSocketStopTest, StopEndsASendThatBlocks) {
   OpenAndConnect();
   m_server.SetReading(false);
   std::atomic<int> sent{0};
   std::thread sender([&] {
     while (Send('"' + std::string(100'000, 'x') + '"')) ++sent;
   });
-  // The sender is stuck as soon as nothing goes out any more.
+  // The sender blocks when the count no longer grows.
   for (int before = -1; before != sent;) {
     before = sent;
     std::this_thread::sleep_for(milliseconds{200});
@@ -81,7 +81,7 @@ TEST_F(JsonSocketStopTest, StopFreesASenderWhomThePeerKeepsWaiting) {
   sender.join();
 }
 
-TEST_F(JsonSocketStopTest, StopFreesAReaderThatSendsToAPeerThatDoesNotRead) {
+TEST_F(JsonSocketStopTest, StopEndsAReaderThatBlocksInASend) {
   class SendingForEver final : public IOnJsonMessageText {
    public:
     explicit SendingForEver(JsonSocket& link) : m_link(link) {}
@@ -113,7 +113,7 @@ TEST_F(JsonSocketStopTest, StopEndsTheWaitForTheNextAttempt) {
   EXPECT_LT(TimedMs([&] { m_link.StopThread(); }), kOneSecondMs);
 }
 
-TEST_F(JsonSocketStopTest, SecondOpenIsReportedAndHarmsNothing) {
+TEST_F(JsonSocketStopTest, SecondOpenIsReportedAndChangesNothing) {
   OpenAndConnect();
   EXPECT_FALSE(m_link.OpenThread());
   EXPECT_EQ(Faults(), Texts{"Vask::JsonSocket::OpenThread open failed"});
@@ -151,7 +151,7 @@ TEST_F(JsonSocketStopTest, DestructorStops) {
   EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::InOrder});
 }
 
-// A peer whose queue is full, so that a connect neither succeeds nor fails.
+// A peer whose queue is full, so a connect neither succeeds nor fails.
 class MidConnectTest : public LinkTest {
  protected:
   void SetUp() override {

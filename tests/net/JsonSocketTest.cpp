@@ -26,7 +26,7 @@ TEST_F(JsonSocketTest, DeliversWhatThePeerSends) {
   EXPECT_EQ(Bodies(), Texts{R"({"a":1})"});
 }
 
-TEST_F(JsonSocketTest, BodyThatIsNoJsonIsDeliveredAllTheSame) {
+TEST_F(JsonSocketTest, BodyThatIsNoJsonIsDeliveredToo) {
   OpenAndConnect();
   ASSERT_TRUE(m_server.Send("7#no JSON"));
   ASSERT_TRUE(WaitForBodies(1));
@@ -218,7 +218,7 @@ TEST_F(JsonSocketTest, MessageThatNeverCompletesIsNeverDelivered) {
   EXPECT_EQ(Faults(), Texts{});
 }
 
-TEST_F(JsonSocketTest, PeerThatClosesInMidFrameIsMetAgainAfresh) {
+TEST_F(JsonSocketTest, PeerThatClosesInMidFrameStartsANewStream) {
   OpenAndConnect();
   ASSERT_TRUE(m_server.Send("10#half"));
   ASSERT_TRUE(m_server.Drop());
@@ -229,7 +229,7 @@ TEST_F(JsonSocketTest, PeerThatClosesInMidFrameIsMetAgainAfresh) {
   EXPECT_EQ(Faults(), Texts{});
 }
 
-TEST_F(JsonSocketTest, LostConnectionIsMadeAgainAtOnce) {
+TEST_F(JsonSocketTest, LostConnectionIsReplacedAtOnce) {
   OpenAndConnect();
   const std::uint32_t tookMs = TimedMs([&] {
     EXPECT_TRUE(m_server.Drop());
@@ -257,7 +257,7 @@ TEST_F(JsonSocketTest, FloodIsDeliveredInOrder) {
   }
 }
 
-TEST_F(JsonSocketTest, ListenerThatThrowsCostsTheConnectionOnly) {
+TEST_F(JsonSocketTest, ListenerThatThrowsLosesOnlyTheConnection) {
   class Throwing final : public IOnJsonMessageText {
    public:
     bool OnJsonMessageText(const char* text) override {

@@ -8,7 +8,7 @@
 
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "net/FrameWriter.h"
+#include "net/Framing.h"
 #include "net/JsonSocket.h"
 #include "simulator/CorvaneServer.h"
 #include "tests/support/LinkRecorders.h"
@@ -29,7 +29,7 @@ inline JsonRef<Json> Parsed(const std::string& text) {
 
 inline constexpr std::uint32_t kOneSecondMs = 1000;
 
-// A link with its recorders; not yet opened.
+// A link with its recorders. It is not opened.
 class LinkTest : public testing::Test {
  protected:
   LinkTest() {

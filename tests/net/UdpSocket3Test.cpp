@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "net/InetAddress2.h"
+#include "net/InetAddress.h"
 #include "tests/support/FaultySockets.h"
 
 namespace Vask::Tests {
@@ -36,13 +36,13 @@ TEST_F(UdpSocket3Test, OpenClosesTheOldSocketFirst) {
   EXPECT_THAT(sockets.calls, ElementsAre("Close 7", "OpenUdp", "IgnorePortUnreachable 8"));
 }
 
-TEST_F(UdpSocket3Test, OpenWithoutASocketToBeHadFails) {
+TEST_F(UdpSocket3Test, OpenFailsIfNoSocketCanBeCreated) {
   sockets.nextHandle = Platform::kInvalidSocket;
   EXPECT_FALSE(socket.Open());
   EXPECT_THAT(sockets.calls, ElementsAre("OpenUdp"));
 }
 
-TEST_F(UdpSocket3Test, OpenFailsButStaysOpenWhenPortUnreachableStaysOn) {
+TEST_F(UdpSocket3Test, OpenFailsButKeepsTheSocketIfPortUnreachableStaysOn) {
   sockets.ignoresPortUnreachable = false;
   EXPECT_FALSE(socket.Open());
   EXPECT_EQ(socket.Handle(), 7u);
@@ -54,7 +54,7 @@ TEST_F(UdpSocket3Test, BindSharesThePort) {
   EXPECT_THAT(sockets.calls, ElementsAre("AllowAddressReuse 7", "Bind 7 5140"));
 }
 
-TEST_F(UdpSocket3Test, BindAnswersWhetherItWorked) {
+TEST_F(UdpSocket3Test, BindReturnsWhetherItSucceeded) {
   Open();
   sockets.binds = false;
   EXPECT_FALSE(socket.Bind(5140));
@@ -79,7 +79,7 @@ TEST_F(UdpSocket3Test, DestructorOfAClosedSocketDoesNothing) {
   EXPECT_THAT(sockets.calls, IsEmpty());
 }
 
-TEST(UdpSocket3LoopbackTest, SendsOnAfterADatagramThatNobodyTook) {
+TEST(UdpSocket3LoopbackTest, SendsAgainAfterADatagramThatNobodyReceived) {
   constexpr int kDatagrams = 20;
   UdpSocket3 sender;
   ASSERT_TRUE(sender.Open());

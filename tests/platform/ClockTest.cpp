@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <limits>
 #include <ostream>
 #include <string>
 
@@ -26,8 +27,8 @@ milliseconds Since(steady_clock::time_point began) {
   return std::chrono::duration_cast<milliseconds>(steady_clock::now() - began);
 }
 
-// The difference between what the tick and what the standard library's clock
-// advance by while the thread sleeps.
+// Returns by how much the tick and the standard library's clock differ after the
+// thread has slept.
 milliseconds TickErrorOverASleepOf(std::uint32_t sleepMs) {
   const std::uint32_t tick = SystemClock().TickMs();
   const steady_clock::time_point began = steady_clock::now();
@@ -37,12 +38,12 @@ milliseconds TickErrorOverASleepOf(std::uint32_t sleepMs) {
   return ticked > passed ? ticked - passed : passed - ticked;
 }
 
-// Wine's tick stands still while its server waits for a processor, and leaps
-// afterwards. Of many readings most may be wrong on a busy machine; a clock that
-// counts anything but milliseconds is wrong in each.
+// Wine's tick stops while its server waits for a processor, and jumps afterwards. On
+// a busy machine most readings may be wrong; a clock that does not count
+// milliseconds is wrong in each.
 TEST(ClockTest, TickCountsMilliseconds) {
   constexpr std::uint32_t kSleepMs = 5 * kTickStepMs;
-  constexpr milliseconds kAllowed(2 * kTickStepMs);  // a step at either end
+  constexpr milliseconds kAllowed(2 * kTickStepMs);  // one step at each end
   milliseconds least = milliseconds::max();
   for (int reading = 0; reading < 200 && least > kAllowed; ++reading) {
     least = std::min(least, TickErrorOverASleepOf(kSleepMs));
@@ -50,7 +51,7 @@ TEST(ClockTest, TickCountsMilliseconds) {
   EXPECT_LE(least, kAllowed);
 }
 
-TEST(ClockTest, SleepLastsAtLeastWhatIsAskedFor) {
+TEST(ClockTest, SleepLastsAtLeastTheGivenTime) {
   constexpr std::uint32_t kSleepMs = 5 * kTickStepMs;
   const steady_clock::time_point began = steady_clock::now();
   SystemClock().SleepMs(kSleepMs);
@@ -71,7 +72,7 @@ TEST(ClockTest, LocalNowIsThePresentMoment) {
   EXPECT_LT(now.millisecond, 1000u);
 }
 
-// Twice: the second reading may come from what the first one kept.
+// Reads twice, because the clock may keep the first reading for the second.
 TEST(ClockTest, LocalNowAgreesWithTheSecondThatItLiesIn) {
   for (int reading = 0; reading < 2; ++reading) {
     LocalTime now;
@@ -101,17 +102,20 @@ void PrintTo(const MomentRow& row, std::ostream* out) {
 
 class ClockMoments : public testing::TestWithParam<MomentRow> {};
 
-TEST_P(ClockMoments, SurviveTheWayToLocalTimeAndBack) {
+TEST_P(ClockMoments, SurviveTheConversionToLocalTimeAndBack) {
   const LocalTime local = SystemClock().ToLocal(GetParam().epochSeconds);
   EXPECT_EQ(SystemClock().FromLocal(local), GetParam().epochSeconds);
   EXPECT_EQ(local.millisecond, 0u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, ClockMoments,
-                         testing::Values(MomentRow{"MayOf2018", 1'526'299'200},
+                         testing::Values(MomentRow{"SecondDayOf1601", -11'644'387'200},
+                                         MomentRow{"BeforeTheEpoch", -86'401},
+                                         MomentRow{"MayOf2018", 1'526'299'200},
                                          MomentRow{"LeapDayOf2024", 1'709'208'000},
                                          MomentRow{"LastSecondOf2025", 1'767'225'599},
-                                         MomentRow{"PastTheSignedRangeOf32Bits", 2'147'483'648}),
+                                         MomentRow{"PastTheSignedRangeOf32Bits", 2'147'483'648},
+                                         MomentRow{"LastDayButOneOf30827", 910'670'428'799}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST(ClockTest, LocalTimeCountsMonthsAndDaysFromOne) {
@@ -128,6 +132,29 @@ TEST(ClockTest, LocalMidnightIsAMomentOfTheSameDay) {
   const LocalTime again = SystemClock().ToLocal(SystemClock().FromLocal(midnight));
   EXPECT_EQ(again.day, midnight.day);
   EXPECT_EQ(again.hour, 0u);
+}
+
+// Both ends of Windows' calendar.
+TEST(ClockTest, MomentOutsideTheYears1601To30827IsConvertedOrRefused) {
+  for (const std::int64_t moment : {-11'644'473'601, 910'670'515'200}) {
+    const LocalTime local = SystemClock().ToLocal(moment);
+    EXPECT_TRUE(local == LocalTime{} || SystemClock().FromLocal(local) == moment) << moment;
+  }
+}
+
+TEST(ClockTest, MomentThatHasNoLocalTimeIsAllZeros) {
+  for (const std::int64_t moment :
+       {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
+    EXPECT_EQ(SystemClock().ToLocal(moment), LocalTime{}) << moment;
+  }
+}
+
+TEST(ClockTest, LocalTimeOfAFarYearIsConvertedOrRefused) {
+  for (const unsigned year : {1600u, 30'828u, 67'554u}) {
+    const LocalTime local{year, 5, 14, 12};
+    const std::int64_t moment = SystemClock().FromLocal(local);
+    EXPECT_TRUE(moment == -1 || SystemClock().ToLocal(moment) == local) << year;
+  }
 }
 
 }  // namespace

@@ -16,6 +16,7 @@ using Platform::CriticalSection;
 using Platform::CriticalSectionLock;
 using Platform::Event;
 using Platform::EventReset;
+using Platform::LockRank;
 
 constexpr std::uint32_t kPatienceMs = 20'000;
 constexpr std::uint32_t kGlanceMs = 20;
@@ -23,7 +24,7 @@ constexpr std::uint32_t kGlanceMs = 20;
 TEST(CriticalSectionTest, KeepsThreadsApart) {
   constexpr int kThreads = 4;
   constexpr int kRounds = 5'000;
-  CriticalSection section;
+  CriticalSection section{LockRank::Registrar};
   int counter = 0;
   std::vector<std::thread> threads;
   for (int i = 0; i < kThreads; ++i) {
@@ -38,14 +39,14 @@ TEST(CriticalSectionTest, KeepsThreadsApart) {
   EXPECT_EQ(counter, kThreads * kRounds);
 }
 
-// Locks and unlocks once more. Not analysed: clang knows no re-entrant locks
-// and would want to be sure that the caller holds it not.
+// Locks and unlocks once more. Not analysed, because clang knows no re-entrant locks
+// and would want the caller not to hold it.
 void LockWithin(CriticalSection& section) VASK_NO_THREAD_SAFETY_ANALYSIS {
   const CriticalSectionLock inner(section);
 }
 
 TEST(CriticalSectionTest, HolderMayLockAgain) {
-  CriticalSection section;
+  CriticalSection section{LockRank::Registrar};
   Event done(EventReset::Manual);
   std::thread holder([&] {
     const CriticalSectionLock outer(section);
@@ -58,7 +59,7 @@ TEST(CriticalSectionTest, HolderMayLockAgain) {
 }
 
 TEST(CriticalSectionTest, InnerUnlockDoesNotLetOthersIn) {
-  CriticalSection section;
+  CriticalSection section{LockRank::Registrar};
   Event entered(EventReset::Manual);
   std::thread other;
   {
@@ -93,7 +94,7 @@ void LockForEver(CriticalSection& section) {
 
 TEST_F(ProcessExitDeathTest, LockOfADeadThreadIsPassedOver) {
   const auto child = [] {
-    CriticalSection section;
+    CriticalSection section{LockRank::Registrar};
     LockForEver(section);
     Platform::MarkProcessExiting();
     { const CriticalSectionLock lock(section); }
@@ -105,7 +106,7 @@ TEST_F(ProcessExitDeathTest, LockOfADeadThreadIsPassedOver) {
 
 TEST_F(ProcessExitDeathTest, LockHeldFromBeforeIsLeftWithoutHarm) {
   const auto child = [] {
-    CriticalSection section;
+    CriticalSection section{LockRank::Registrar};
     {
       const CriticalSectionLock lock(section);
       Platform::MarkProcessExiting();
@@ -124,6 +125,75 @@ TEST_F(ProcessExitDeathTest, ProcessIsExitingOnlyOnceMarked) {
   };
   EXPECT_EXIT(child(), testing::ExitedWithCode(42), "");
 }
+
+#if defined(CORVANE_CHECK_LOCK_ORDER)
+
+class LockOrderTest : public testing::Test {
+ protected:
+  LockOrderTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  CriticalSection m_traps{LockRank::TrapQueue};
+  CriticalSection m_sending{LockRank::LinkSending};
+  CriticalSection m_log{LockRank::DailyLog};
+};
+
+using LockOrderDeathTest = LockOrderTest;
+
+TEST_F(LockOrderDeathTest, TakingALockOfALowerRankEndsTheProcessAndNamesBoth) {
+  const auto child = [this] {
+    const CriticalSectionLock outer(m_log);
+    const CriticalSectionLock inner(m_traps);
+  };
+  EXPECT_DEATH(child(), "Lock order: 'trap queue' taken while 'daily log' is held");
+}
+
+TEST_F(LockOrderDeathTest, TheLocksBelowTheLastOneCountToo) {
+  const auto child = [this] {
+    const CriticalSectionLock sending(m_sending);
+    const CriticalSectionLock log(m_log);
+    LockWithin(m_sending);
+    const CriticalSectionLock traps(m_traps);
+  };
+  EXPECT_DEATH(child(), "Lock order: 'trap queue' taken while 'link's sending' is held");
+}
+
+TEST_F(LockOrderDeathTest, TakingAnotherLockOfTheSameRankEndsTheProcess) {
+  CriticalSection otherLog{LockRank::DailyLog};
+  const auto child = [&] {
+    const CriticalSectionLock outer(m_log);
+    const CriticalSectionLock inner(otherLog);
+  };
+  EXPECT_DEATH(child(), "Lock order: 'daily log' taken while 'daily log' is held");
+}
+
+TEST_F(LockOrderTest, RisingRanksAndLocksHeldAlreadyMayBeTaken) {
+  const CriticalSectionLock traps(m_traps);
+  const CriticalSectionLock sending(m_sending);
+  const CriticalSectionLock log(m_log);
+  LockWithin(m_traps);
+  LockWithin(m_log);
+}
+
+TEST_F(LockOrderTest, ALockThatWasReleasedCountsNoMore) {
+  { const CriticalSectionLock log(m_log); }
+  const CriticalSectionLock traps(m_traps);
+  { const CriticalSectionLock log(m_log); }
+  const CriticalSectionLock sending(m_sending);
+}
+
+TEST_F(LockOrderTest, LocksOfOtherThreadsDoNotCount) {
+  const CriticalSectionLock log(m_log);
+  std::thread([this] { const CriticalSectionLock traps(m_traps); }).join();
+}
+
+TEST_F(LockOrderTest, SingletonsMayBeConstructedOneInAnother) {
+  CriticalSection outer{LockRank::Singleton};
+  CriticalSection inner{LockRank::Singleton};
+  const CriticalSectionLock outerLock(outer);
+  const CriticalSectionLock innerLock(inner);
+}
+
+#endif
 
 }  // namespace
 }  // namespace Vask::Tests

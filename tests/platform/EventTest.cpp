@@ -25,14 +25,14 @@ TEST(EventTest, IsNotSignalledAtFirst) {
   EXPECT_FALSE(automatic.Wait(kGlanceMs));
 }
 
-TEST(EventTest, AutomaticEventIsTakenByOneWait) {
+TEST(EventTest, AutomaticEventEndsOneWait) {
   Event event(EventReset::Automatic);
   event.Set();
   EXPECT_TRUE(event.Wait(0));
   EXPECT_FALSE(event.Wait(0));
 }
 
-TEST(EventTest, AutomaticEventSetTwiceIsTakenOnce) {
+TEST(EventTest, AutomaticEventSetTwiceEndsOneWait) {
   Event event(EventReset::Automatic);
   event.Set();
   event.Set();

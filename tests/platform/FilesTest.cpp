@@ -60,7 +60,7 @@ TEST_F(FilesTest, FolderWithoutAParentIsNotCreated) {
   EXPECT_FALSE(files.CreateFolder(temp.Path("missing\\folder").c_str()));
 }
 
-TEST_F(FilesTest, FileIsNoFolder) {
+TEST_F(FilesTest, FileIsNotAFolder) {
   Write("file", "x");
   EXPECT_FALSE(files.IsFolder(temp.Path("file").c_str()));
 }
@@ -71,7 +71,7 @@ TEST_F(FilesTest, DriveOfTheTemporaryFolderHoldsFiles) {
   EXPECT_TRUE(drive == DriveKind::Fixed || drive == DriveKind::Remote) << root;
 }
 
-TEST_F(FilesTest, DriveThatIsNotThereHasNoRoot) {
+TEST_F(FilesTest, DriveThatDoesNotExistHasNoRoot) {
   EXPECT_EQ(files.Drive("\\\\no-such-server\\no-such-share\\"), DriveKind::NoRoot);
 }
 
@@ -116,8 +116,8 @@ class SharedFileTest : public FilesTest {
  protected:
   static constexpr std::size_t kPieces = 200;
 
-  // Two threads append pieces of one length to a file, each through a handle of
-  // its own. Answers how many pieces are in it; each must be whole.
+  // Two threads append pieces of one length to a file, each through its own handle.
+  // Returns the number of pieces in the file; each must be whole.
   std::size_t PiecesAfterTwoAppendAtOnce(const std::string& name) {
     const auto append = [&](char letter) {
       const FileHandle file = Open(name);
@@ -136,10 +136,10 @@ class SharedFileTest : public FilesTest {
   }
 };
 
-// Wine looks for the end and then writes there, with time between for a piece of
-// another thread's, which is lost then: now and then it takes another attempt.
-// NTFS appends in one step, as POSIX systems do.
-TEST_F(SharedFileTest, PiecesAppendedAtOnceAreAllThereAndWhole) {
+// Wine finds the end and then writes there. If another thread appends in between, a
+// piece is lost, so the test may need another attempt. NTFS appends in one step, as
+// POSIX systems do.
+TEST_F(SharedFileTest, PiecesAppendedAtOnceAreCompleteAndWhole) {
 #if defined(_WIN32)
   constexpr int kAttempts = 20;
 #else
@@ -169,7 +169,7 @@ TEST_F(FilesTest, AppendWithoutAFileFails) {
   EXPECT_FALSE(Append(kNoFile, "x"));
 }
 
-TEST_F(FilesTest, FileInAFolderThatIsNotThereCannotBeOpened) {
+TEST_F(FilesTest, FileInAMissingFolderCannotBeOpened) {
   EXPECT_EQ(Open("missing\\log"), kNoFile);
 }
 
@@ -195,7 +195,7 @@ TEST_F(FilesTest, OpenFileMayBeRenamedAndDeleted) {
   files.Close(file);
 }
 
-TEST_F(FilesTest, DeleteTakesAFileAway) {
+TEST_F(FilesTest, DeleteRemovesAFile) {
   Write("log", "x");
   EXPECT_TRUE(files.Delete(temp.Path("log").c_str()));
   EXPECT_FALSE(std::filesystem::exists(temp.NativePath() / "log"));
@@ -242,7 +242,7 @@ INSTANTIATE_TEST_SUITE_P(Rows, FilesPatterns,
                                          PatternRow{"StarNotAtTheEnd", "*b.log", false}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(FilesTest, ListEndsWhenTheVisitorHasEnough) {
+TEST_F(FilesTest, ListEndsWhenTheVisitorReturnsFalse) {
   Write("one", "x");
   Write("two", "x");
   int visits = 0;
@@ -254,7 +254,7 @@ TEST_F(FilesTest, ListEndsWhenTheVisitorHasEnough) {
   EXPECT_EQ(visits, 1);
 }
 
-TEST_F(FilesTest, ListOfAFolderThatIsNotThereVisitsNothing) {
+TEST_F(FilesTest, ListOfAMissingFolderVisitsNothing) {
   EXPECT_THAT(List("missing\\*"), IsEmpty());
 }
 

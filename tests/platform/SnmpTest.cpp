@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// On Windows this tests the system's own functions: what the agent expects of
-// them, and what the functions for other systems have to do the same way.
+// On Windows this tests the system's own functions. The agent relies on these
+// results, and the functions for other systems must give the same ones.
 namespace Vask::Tests {
 namespace {
 
@@ -26,7 +26,7 @@ int Sign(int comparison) {
   return comparison < 0 ? -1 : comparison > 0 ? 1 : 0;
 }
 
-// Wherever one of the two ends, the comparison ends too.
+// The comparison ends at the end of the shorter identifier.
 constexpr UINT kWholeLength = 0xFFFFFFFFu;
 
 struct CompareRow {
@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CompareRow{"SubIdentifiersAreUnsigned", {1, 0xFFFFFFFFu}, {1, 1}, 1}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST(SnmpUtilTest, WholeComparisonAgreesWhereOneLeadsTheOther) {
+TEST(SnmpUtilTest, WholeComparisonAgreesIfOneBeginsWithTheOther) {
   Ids ids[] = {{1, 3, 6}, {1, 3, 6, 1}, {1, 3, 6, 2}};
   for (std::size_t i = 0; i < std::size(ids); ++i) {
     for (std::size_t j = 0; j < std::size(ids); ++j) {
@@ -135,7 +135,7 @@ TEST(SnmpUtilTest, NullIdentifiersAreRefused) {
   SnmpUtilOidFree(nullptr);
 }
 
-TEST(SnmpUtilTest, MemoryIsGivenAndTakenBack) {
+TEST(SnmpUtilTest, MemoryIsAllocatedAndFreed) {
   constexpr UINT kBytes = 1000;
   auto* const memory = static_cast<BYTE*>(SnmpUtilMemAlloc(kBytes));
   ASSERT_NE(memory, nullptr);

@@ -42,10 +42,10 @@ bool SendText(SocketHandle socket, const std::string& text) {
   return System().Send(socket, text.data(), text.size()) == static_cast<int>(text.size());
 }
 
-// All that comes until the peer ends, then how it ended.
+// All received bytes until the end, and how the connection ended.
 struct Stream {
   std::string bytes;
-  int end = 1;  // 0: in an orderly way, -1: otherwise
+  int end = 1;  // 0: orderly, -1: otherwise
 };
 
 Stream ReceiveAll(SocketHandle socket) {
@@ -58,13 +58,13 @@ Stream ReceiveAll(SocketHandle socket) {
   return stream;
 }
 
-// Whether a reset followed the orderly end: then sending has failed already,
-// and not only once an answer says that nobody is there.
+// Whether a reset followed the orderly end. Then the first send fails; otherwise
+// only a later one can fail.
 bool WasReset(SocketHandle socket) {
   return !SendText(socket, "x");
 }
 
-// A connection with both of its ends.
+// A connection and both of its ends.
 class SocketsTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -82,7 +82,7 @@ class SocketsTest : public testing::Test {
     if (near != kInvalidSocket) System().Close(near);
     near = kInvalidSocket;
   }
-  // Waits until what the far end sent has arrived.
+  // Waits until the bytes of the far end have arrived.
   void AwaitArrival() { ASSERT_EQ(System().WaitReadable(near, kPatienceMs), Readiness::Readable); }
 
   ListeningSocket listener;
@@ -99,7 +99,7 @@ TEST_F(SocketsTest, BytesArriveInBothDirections) {
   EXPECT_EQ(std::string(buffer, 4), "back");
 }
 
-TEST_F(SocketsTest, WaitTellsSilenceFromArrival) {
+TEST_F(SocketsTest, WaitDistinguishesSilenceFromArrival) {
   EXPECT_EQ(System().WaitReadable(near, 0), Readiness::TimedOut);
   EXPECT_EQ(System().WaitReadable(near, kGlanceMs), Readiness::TimedOut);
   ASSERT_TRUE(SendText(far, "x"));
@@ -161,7 +161,7 @@ TEST_F(SocketsTest, ShutdownEndsAWaitingReceive) {
   reader.join();
 }
 
-TEST_F(SocketsTest, ShutdownEndsASendThatThePeerKeepsWaiting) {
+TEST_F(SocketsTest, ShutdownEndsASendThatWaitsForThePeer) {
   Event ended(EventReset::Manual);
   std::thread sender([&] {
     const std::string much(1'000'000, 'x');
@@ -196,7 +196,7 @@ TEST(ClosedSocketTest, EveryCallFails) {
   EXPECT_FALSE(System().Bind(kInvalidSocket, 0));
 }
 
-TEST(ConnectTest, PortThatNobodyListensOnIsRefused) {
+TEST(ConnectTest, PortWithoutAListenerIsRefused) {
   ListeningSocket listener;
   ASSERT_TRUE(listener.Open(0));
   const std::uint16_t port = listener.Port();
@@ -206,8 +206,8 @@ TEST(ConnectTest, PortThatNobodyListensOnIsRefused) {
   System().Close(socket);
 }
 
-// Once the listener's queue is full, a connect waits for an answer that does
-// not come.
+// If the listener's queue is full, a connect waits for an answer that does not
+// come.
 TEST(ConnectTest, ShutdownEndsAConnectThatGetsNoAnswer) {
   ListeningSocket listener;
   ASSERT_TRUE(listener.Open(0, 0));
@@ -245,7 +245,7 @@ TEST(UdpTest, DatagramReachesABoundSocket) {
   System().Close(receiver);
 }
 
-TEST(UdpTest, PortIsSharedOnlyWhereBothAllowIt) {
+TEST(UdpTest, PortIsSharedOnlyIfBothAllowIt) {
   ListeningSocket portFinder;
   ASSERT_TRUE(portFinder.Open(0));
   const SocketHandle first = System().OpenUdp();

@@ -66,7 +66,7 @@ TEST_F(ThreadingTest, NullArgumentRunsAndSignalsNothing) {
   EXPECT_FALSE(finished.Wait(0));
 }
 
-TEST_F(ThreadingTest, ThreadWhoseHandleIsClosedGoesOn) {
+TEST_F(ThreadingTest, ThreadContinuesAfterItsHandleIsClosed) {
   const NativeHandle thread = Start(Count, &counter);
   ASSERT_NE(thread, nullptr);
   SystemThreading().CloseThread(thread);

@@ -36,7 +36,7 @@ TEST_F(UniqueHandleTest, ClosesAtTheEndOfItsScope) {
   EXPECT_THAT(g_closed, ElementsAre(3));
 }
 
-TEST_F(UniqueHandleTest, ClosesNothingWhereItHoldsNothing) {
+TEST_F(UniqueHandleTest, ClosesNothingIfItHoldsNothing) {
   {
     const Counted never;
     const Counted failed(-1);
@@ -46,7 +46,7 @@ TEST_F(UniqueHandleTest, ClosesNothingWhereItHoldsNothing) {
   EXPECT_THAT(g_closed, IsEmpty());
 }
 
-TEST_F(UniqueHandleTest, ReleasedHandleIsTheCallers) {
+TEST_F(UniqueHandleTest, ReleasedHandleIsNotClosed) {
   {
     Counted handle(3);
     EXPECT_EQ(handle.Release(), 3);
@@ -74,6 +74,27 @@ TEST_F(UniqueHandleTest, MovedHandleIsClosedOnce) {
     EXPECT_THAT(g_closed, ElementsAre(4));
   }
   EXPECT_THAT(g_closed, ElementsAre(4, 3));
+}
+
+// A policy with a member: each handle is closed by the policy that it came with.
+struct ListedPolicy {
+  using Type = int;
+  static constexpr Type None() noexcept { return 0; }
+  void Close(Type handle) const noexcept { list->push_back(handle); }
+  std::vector<int>* list = nullptr;
+};
+
+TEST_F(UniqueHandleTest, MovedHandleIsClosedByItsOwnPolicy) {
+  std::vector<int> first;
+  std::vector<int> second;
+  {
+    Platform::UniqueHandle<ListedPolicy> handle(1, {&first});
+    handle = Platform::UniqueHandle<ListedPolicy>(2, {&second});
+    EXPECT_THAT(first, ElementsAre(1));
+    handle.Reset(3);
+  }
+  EXPECT_THAT(first, ElementsAre(1));
+  EXPECT_THAT(second, ElementsAre(2, 3));
 }
 
 }  // namespace

@@ -47,8 +47,8 @@ constexpr char kEscapes[] =
 INSTANTIATE_TEST_SUITE_P(
     Lines, BadCommandTest,
     testing::Values(
-        BadRow{"Unknown", "jump 3", "no command is called \"jump\"; `help` shows them"},
-        BadRow{"NothingExpected", "drop it", "drop takes nothing, not \"it\""},
+        BadRow{"Unknown", "jump 3", "unknown command \"jump\"; `help` lists the commands"},
+        BadRow{"NothingExpected", "drop it", "drop takes no argument, not \"it\""},
         BadRow{"SetNothing", "set", "expected a name and a value"},
         BadRow{"SetWithoutValue", "set StreamsCount", "expected a name and a value"},
         BadRow{"SetWord", "set StreamsCount many",
@@ -57,7 +57,7 @@ INSTANTIATE_TEST_SUITE_P(
                "expected a whole number from -2147483648 to 2147483647, not \"2147483648\""},
         BadRow{"SetBadEscape", "set ProductName a\\q", kEscapes},
         BadRow{"SendUnknown", "send Everything",
-               "no group is called \"Everything\"; there are Product Streams StreamMonitors "
+               "unknown group \"Everything\"; the groups are Product Streams StreamMonitors "
                "AudioSources, Finished and Update (all of them)"},
         BadRow{"MessageWithoutName", "message", "expected the name of a message"},
         BadRow{"MessageBadBody", "message Presets {\"a\":}", "the body is not JSON: {\"a\":}"},
@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadRow{"ReadNothing", "read", "expected on or off, not \"\""}),
     [](const auto& row) { return std::string(row.param.name); });
 
-// A session on a server with a client, and what it printed.
+// A session on a server with one client, and the lines that it printed.
 class CommandTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -93,7 +93,7 @@ class CommandTest : public testing::Test {
     ASSERT_TRUE(m_server.WaitForConnections(1));
   }
 
-  // The error, or nothing.
+  // Returns the error, or an empty text.
   std::string Do(const std::string& line) {
     std::string error;
     return m_session.Execute(line, error) ? "" : error;
@@ -219,7 +219,7 @@ TEST_F(CommandTest, AnswerAndReadSwitchTheServer) {
   EXPECT_EQ(Do("answer off"), "");
   EXPECT_EQ(Do("read off"), "");
   ASSERT_TRUE(m_client.Send(Framed(R"({"name":"SNMPupdate","data":{}})")));
-  EXPECT_EQ(Do("await SNMPupdate 50"), "waited 50 ms in vain for SNMPupdate");
+  EXPECT_EQ(Do("await SNMPupdate 50"), "SNMPupdate did not come within 50 ms");
   EXPECT_EQ(Do("read on"), "");
   EXPECT_EQ(Do("await snmpUPDATE"), "");
   EXPECT_EQ(Do("raw x"), "");
@@ -231,12 +231,12 @@ TEST_F(CommandTest, AwaitTakesEachMessageOnce) {
       m_client.Send(Framed(R"({"name":"a","data":1})") + Framed(R"({"name":"b","data":1})")));
   EXPECT_EQ(Do("await a"), "");
   EXPECT_EQ(Do("await b"), "");
-  EXPECT_EQ(Do("await a 10"), "waited 10 ms in vain for a");
+  EXPECT_EQ(Do("await a 10"), "a did not come within 10 ms");
 }
 
 TEST_F(CommandTest, AwaitFollowsTheConnection) {
   EXPECT_EQ(Do("await connected"), "");
-  EXPECT_EQ(Do("await disconnected 10"), "waited 10 ms in vain for disconnected");
+  EXPECT_EQ(Do("await disconnected 10"), "disconnected did not come within 10 ms");
   m_client.Close();
   EXPECT_EQ(Do("await disconnected"), "");
 }

@@ -28,7 +28,27 @@ std::string Wire(const std::string& name, const std::string& data) {
                 R"(","op":"broadcast"})");
 }
 
-// A server on a free port, what it printed, and a client.
+TEST(EnvelopeTest, HoldsNameAndData) {
+  EXPECT_EQ(WriteEnvelope("SNMPupdateFinished", "{}"),
+            R"({"data":{},"from":"Corvane","id":0,"name":"SNMPupdateFinished","op":"broadcast"})");
+}
+
+TEST(EnvelopeTest, IsReadBack) {
+  const Message message = ReadEnvelope(
+      R"({"data":{"traptype":{"streamsfailed":{}}},"from":"SNMPd","id":0,"name":"SNMPtrap"})");
+  EXPECT_EQ(message.name, "SNMPtrap");
+  EXPECT_EQ(message.data, R"({"traptype":{"streamsfailed":{}}})");
+}
+
+TEST(EnvelopeTest, TextThatIsNoEnvelopeStaysWhole) {
+  for (const char* text : {"no JSON", "[]", "{}", R"({"name":"x"})", R"({"name":5,"data":{}})"}) {
+    const Message message = ReadEnvelope(text);
+    EXPECT_EQ(message.name, "") << text;
+    EXPECT_EQ(message.data, text);
+  }
+}
+
+// A server on a free port, the lines that it printed, and a client.
 class CorvaneServerTest : public testing::Test {
  protected:
   CorvaneServerTest() {
@@ -72,7 +92,7 @@ TEST_F(CorvaneServerTest, AnswersWithTheValuesThatWereSet) {
   EXPECT_EQ(m_client.Receive(expected.size()), expected);
 }
 
-TEST_F(CorvaneServerTest, DoesNotAnswerWhenToldNotTo) {
+TEST_F(CorvaneServerTest, DoesNotAnswerWhenAnsweringIsOff) {
   ConnectClient();
   m_server.SetAnswering(false);
   ASSERT_TRUE(m_client.Send(kRequest));
@@ -125,13 +145,13 @@ TEST_F(CorvaneServerTest, NoticesThatTheAgentCloses) {
   EXPECT_TRUE(m_lines.WaitForText("disconnected: closed by the agent"));
 }
 
-TEST_F(CorvaneServerTest, DropsWhoeverSendsNoFrames) {
+TEST_F(CorvaneServerTest, DropsAPeerThatSendsNoFrames) {
   ConnectClient();
   ASSERT_TRUE(m_client.Send("GET /"));
   ASSERT_TRUE(m_server.WaitForEnds(1));
   EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::NoFrame});
   EXPECT_TRUE(m_lines.WaitForText(
-      "received what is no frame: Vask::JsonSocket::ProcessByteUnexpected char 'G'"));
+      "received an invalid frame: Vask::JsonSocket::ProcessByteUnexpected char 'G'"));
 }
 
 TEST_F(CorvaneServerTest, ServesTheNextConnectionAfterOneHasEnded) {
@@ -152,7 +172,7 @@ TEST_F(CorvaneServerTest, RefusesConnectionsForAWhile) {
   EXPECT_TRUE(m_server.WaitForConnections(1));
 }
 
-TEST_F(CorvaneServerTest, RefusingKeepsTheConnectionThatStands) {
+TEST_F(CorvaneServerTest, RefusingKeepsThePresentConnection) {
   ConnectClient();
   m_server.RefuseFor(milliseconds{2000});
   EXPECT_TRUE(m_server.Send("still here"));
@@ -160,7 +180,7 @@ TEST_F(CorvaneServerTest, RefusingKeepsTheConnectionThatStands) {
   EXPECT_TRUE(m_lines.WaitForText("listening again"));
 }
 
-TEST_F(CorvaneServerTest, WhatIsNotReadIsTakenUpLater) {
+TEST_F(CorvaneServerTest, BytesThatWaitAreReadLater) {
   ConnectClient();
   m_server.SetReading(false);
   ASSERT_TRUE(m_client.Send("2#hi"));
@@ -177,7 +197,7 @@ TEST_F(CorvaneServerTest, StopEndsTheConnectionInOrder) {
   EXPECT_EQ(m_server.GetRecord().ends, std::vector{End::Dropped});
 }
 
-TEST_F(CorvaneServerTest, StopFreesASenderWhomTheAgentKeepsWaiting) {
+TEST_F(CorvaneServerTest, StopFreesASenderThatTheAgentKeepsWaiting) {
   ConnectClient();
   std::thread sender([this] {
     while (m_server.Send(std::string(100'000, 'x'))) {

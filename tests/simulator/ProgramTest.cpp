@@ -7,13 +7,15 @@
 #include <cstdio>
 #include <deque>
 #include <fstream>
+#include <ostream>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "BuildSettings.h"
 #include "simulator/CorvaneServer.h"
-#include "simulator/StopSignal.h"
 #include "tests/support/RawClient.h"
 #include "tests/support/TextRecorder.h"
 
@@ -24,7 +26,82 @@ using Vask::Tests::RawClient;
 using Vask::Tests::TextRecorder;
 using Lines = std::vector<std::string>;
 
-// Has nothing when it is asked first, hands out the given lines, then is at its end.
+TEST(ProgramOptionsTest, WithoutArgumentsTheAgentsPortAndNoScript) {
+  ProgramOptions options;
+  std::string error;
+  ASSERT_TRUE(ParseOptions({}, options, error));
+  EXPECT_EQ(options.port, 16969);
+  EXPECT_EQ(options.script, "");
+  EXPECT_FALSE(options.help);
+  EXPECT_FALSE(options.version);
+}
+
+TEST(ProgramOptionsTest, AllAreRead) {
+  ProgramOptions options;
+  std::string error;
+  ASSERT_TRUE(
+      ParseOptions({"--port", "0", "--script", "tour.txt", "--help", "--version"}, options, error));
+  EXPECT_EQ(options.port, 0);
+  EXPECT_EQ(options.script, "tour.txt");
+  EXPECT_TRUE(options.help);
+  EXPECT_TRUE(options.version);
+}
+
+struct BadRow {
+  const char* name;
+  Lines arguments;
+  const char* error;
+};
+void PrintTo(const BadRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class BadOptionsTest : public testing::TestWithParam<BadRow> {};
+
+TEST_P(BadOptionsTest, AreExplained) {
+  ProgramOptions options;
+  std::string error;
+  EXPECT_FALSE(ParseOptions(GetParam().arguments, options, error));
+  EXPECT_EQ(error, GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BadOptionsTest,
+    testing::Values(
+        BadRow{"Unknown", {"--prot"}, "unknown option \"--prot\"; --help lists the options"},
+        BadRow{"Word", {"16969"}, "unknown option \"16969\"; --help lists the options"},
+        BadRow{"PortMissing", {"--port"}, "--port expects a value"},
+        BadRow{"ScriptMissing", {"--script"}, "--script expects a value"},
+        BadRow{"PortTooLarge",
+               {"--port", "65536"},
+               "--port expects a number from 0 to 65535, not \"65536\""},
+        BadRow{"PortNegative",
+               {"--port", "-1"},
+               "--port expects a number from 0 to 65535, not \"-1\""},
+        BadRow{"PortWord", {"--port", "x"}, "--port expects a number from 0 to 65535, not \"x\""}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(ProgramOptionsTest, HelpNamesEveryOptionAndCommand) {
+  const std::string help = HelpText();
+  for (const char* word :
+       {"--port",   "--script", "--help",     "--version", "  set ",
+        "  show ",  "  send ",  "  message ", "  frame ",  "  raw ",
+        "  split ", "  drop ",  "  refuse ",  "  answer ", "  read ",
+        "  wait ",  "  await ", "  help ",    "  quit ",   "AudioSourcesSilence"}) {
+    EXPECT_NE(help.find(word), std::string::npos) << word;
+  }
+}
+
+TEST(ProgramOptionsTest, HelpFitsATerminal) {
+  std::istringstream help(HelpText());
+  for (std::string line; std::getline(help, line);) EXPECT_LE(line.size(), 100u) << line;
+}
+
+TEST(ProgramOptionsTest, VersionIsTheProjects) {
+  EXPECT_EQ(VersionText(), "corvane-sim " CORVANE_VERSION_TEXT "\n");
+}
+
+// Has no line at the first call, then returns the given lines, then ends.
 class GivenLines final : public ILineSource {
  public:
   explicit GivenLines(Lines lines) : m_lines(lines.begin(), lines.end()) {}
@@ -41,7 +118,7 @@ class GivenLines final : public ILineSource {
   bool m_isFirstQuestion = true;
 };
 
-// A scenario file that is gone after the test.
+// A scenario file that its destructor deletes.
 class ScriptFile {
  public:
   explicit ScriptFile(const std::string& text)
@@ -85,19 +162,19 @@ TEST_F(ProgramTest, EndsWithTypedInput) {
   EXPECT_EQ(m_printed.Texts().back(), "ended");
 }
 
-TEST_F(ProgramTest, EndsWithQuitAndLeavesTheRest) {
+TEST_F(ProgramTest, EndsWithQuitAndIgnoresTheRest) {
   EXPECT_EQ(Run({"quit", "nonsense"}), 0);
   EXPECT_EQ(m_errors.Texts(), Lines{});
 }
 
 TEST_F(ProgramTest, BadLineIsReportedWithItsNumberAndTheNextOneRuns) {
   EXPECT_EQ(Run({"# a comment", "jump", "show"}), 1);
-  EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:2: no command is called \"jump\"; "
-                                    "`help` shows them"});
+  EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:2: unknown command \"jump\"; "
+                                    "`help` lists the commands"});
   EXPECT_TRUE(m_printed.WaitForText("StreamsCount = 12"));
 }
 
-TEST_F(ProgramTest, CommandThatCannotBeDoneIsReportedWithItsNumber) {
+TEST_F(ProgramTest, CommandThatFailsIsReportedWithItsNumber) {
   EXPECT_EQ(Run({"drop"}), 1);
   EXPECT_EQ(m_errors.Texts(), Lines{"corvane-sim: standard input:1: not connected"});
 }
@@ -125,7 +202,7 @@ TEST_F(ProgramTest, ScriptWithBadLinesIsRefusedAsAWhole) {
   EXPECT_EQ(Run({}), 2);
   EXPECT_EQ(m_errors.Texts(),
             (Lines{"corvane-sim: " + script.Path() +
-                       ":2: no command is called \"jump\"; `help` shows them",
+                       ":2: unknown command \"jump\"; `help` lists the commands",
                    "corvane-sim: " + script.Path() +
                        ":3: expected a whole number from -2147483648 to 2147483647, not \"x\""}));
   EXPECT_EQ(m_printed.Texts(), Lines{});
@@ -153,10 +230,10 @@ TEST_F(ProgramTest, PortThatIsTakenIsReported) {
   EXPECT_EQ(Run({}), 1);
   EXPECT_EQ(m_errors.Texts(),
             Lines{"corvane-sim: cannot listen on 127.0.0.1:" + std::to_string(holder.Port()) +
-                  "; is something else listening there?"});
+                  " (is another program using it?)"});
 }
 
-TEST_F(ProgramTest, ServesOnAfterOtherInputHasEnded) {
+TEST_F(ProgramTest, ContinuesToServeAfterOtherInputHasEnded) {
   m_endWithInput = false;
   int status = -1;
   std::thread program([&] { status = Run({"show"}); });
@@ -172,7 +249,7 @@ TEST_F(ProgramTest, ServesOnAfterOtherInputHasEnded) {
   EXPECT_TRUE(client.ReceivesEnd());
 }
 
-TEST_F(ProgramTest, StopRequestCutsAWaitShortWithoutFailure) {
+TEST_F(ProgramTest, StopRequestEndsAWaitWithoutFailure) {
   int status = -1;
   std::thread program([&] { status = Run({"show", "await connected 600000", "nonsense"}); });
   ASSERT_TRUE(m_printed.WaitForCount(11));

@@ -8,7 +8,7 @@
 namespace Simulator {
 namespace {
 
-TEST(TextTest, WordsAreTakenOffFromTheFront) {
+TEST(TextTest, WordsAreRemovedFromTheFront) {
   std::string_view rest = "  set\tName  two words \r";
   EXPECT_EQ(TakeWord(rest), "set");
   EXPECT_EQ(TakeWord(rest), "Name");
@@ -109,7 +109,7 @@ void PrintTo(const EscapeRow& row, std::ostream* out) {
 
 class EscapeTest : public testing::TestWithParam<EscapeRow> {};
 
-TEST_P(EscapeTest, StandsForItsBytes) {
+TEST_P(EscapeTest, BecomesItsBytes) {
   std::string bytes;
   std::string error;
   EXPECT_TRUE(Unescape(GetParam().text, bytes, error)) << error;

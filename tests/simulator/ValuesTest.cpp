@@ -64,7 +64,7 @@ TEST(ValuesTest, UnknownNameIsRefusedAndChangesNothing) {
   std::string error;
   EXPECT_FALSE(values.Set("Colour", "7", error));
   EXPECT_EQ(error,
-            "no value is called \"Colour\"; there are ProductName ProductVersion StreamsCount "
+            "unknown value \"Colour\"; the values are ProductName ProductVersion StreamsCount "
             "StreamsErrors StreamMonitorsCount StreamMonitorsErrors StreamMonitorsSilence "
             "AudioSourcesCount AudioSourcesErrors AudioSourcesSilence");
   EXPECT_EQ(values.Lines(), before);

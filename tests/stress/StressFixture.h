@@ -19,14 +19,14 @@
 
 namespace Agent::Tests {
 
-// Time for the timer service alone: the 15 seconds before the first request for
-// an update are over in 30 milliseconds.
+// A fast clock for the timer service: the 15 seconds before the first request for
+// an update take 30 milliseconds.
 class HurriedClock final : public Vask::Tests::ForwardingClock {
  public:
   std::uint32_t TickMs() noexcept override { return ForwardingClock::TickMs() * 500; }
 };
 
-// Waits with a limit are over at once, so that whoever waits looks at its clock.
+// Waits with a limit end at once, so that the waiting thread reads its clock.
 class ImpatientThreading final : public Vask::Tests::ForwardingThreading {
  public:
   bool WaitEvent(Vask::Platform::NativeHandle event, std::uint32_t timeoutMs) noexcept override {
@@ -35,7 +35,7 @@ class ImpatientThreading final : public Vask::Tests::ForwardingThreading {
   }
 };
 
-// Reads every byte that the log tells it.
+// Reads every byte that the log passes to it.
 class ReadingListener final : public Vask::IDailyLog::IListener {
  public:
   using Block = Vask::IDailyLog::ILogDataBlock;
@@ -63,9 +63,9 @@ class ReadingListener final : public Vask::IDailyLog::IListener {
   }
 };
 
-// The whole agent on the machine's own threads, disk and network, beside a
-// Corvane server that the test plays. What is wrong on another thread is kept as
-// a line of `complaints`.
+// The whole agent on the machine's own threads, disk and network, with a Corvane
+// server that the test plays. Other threads report their failures as lines of
+// `complaints`.
 class StressTest : public ::testing::Test {
  protected:
   StressTest() { EXPECT_TRUE(serverRuns); }

@@ -1,4 +1,4 @@
-// Everything that the agent does at the same time, at the same time.
+// All activities of the agent at the same time.
 
 #include <chrono>
 #include <functional>
@@ -6,7 +6,6 @@
 
 #include "agent/Traps.h"
 #include "agent/Variables.h"
-#include "tests/agent/TakenTrap.h"
 #include "tests/stress/StressFixture.h"
 #include "tests/support/Binding.h"
 
@@ -16,13 +15,13 @@ namespace {
 
 using Vask::Tests::Binding;
 
-// How much is done: the peer's work ends the test, the others go on meanwhile.
+// The work of the peer. The test ends with it; the other threads run meanwhile.
 constexpr int kConnections = 30;
 constexpr int kChangesPerConnection = 15;
 
-// What the peer sends. Every number has values of its own, so that one that
-// comes out at the wrong variable is seen; 0 is what all have at first and what
-// errors fall to.
+// The numbers that the peer sends. Every variable has a range of its own, so the
+// test notices a value of another variable. 0 is the first value of all, and the
+// value to which errors fall.
 struct NumberRow {
   const char* variable;
   const char* name;
@@ -39,18 +38,19 @@ bool IsSent(const NumberRow& row, std::int32_t value) {
   return value == 0 || (value >= row.lowest && value < row.lowest + kValuesPerNumber);
 }
 
-// Texts of few letters, of which a mixture is made of the same ones.
+// Two texts of the same few letters, so a mixture has no other letter.
 constexpr char kLetters[] = "Corvane";
 constexpr char kLongText[] =
     "CorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvaneCorvane";
 
-class StressRoads : public StressTest {
+class StressActivitiesTest : public StressTest {
  protected:
   INT Ask(BYTE type, Binding& binding) {
     SnmpVarBindList bindings{&binding.Again(), 1};
     AsnInteger status = -1;
     AsnInteger index = -1;
-    if (whole.entries.Query(type, &bindings, &status, &index) != TRUE) Complain("query failed");
+    if (whole.process.Entries().Query(type, &bindings, &status, &index) != TRUE)
+      Complain("query failed");
     if (index != 0) Complain("index " + std::to_string(index));
     return status;
   }
@@ -66,14 +66,13 @@ class StressRoads : public StressTest {
   }
 
   void CheckText(const AsnOctetString& text) {
-    const std::string_view letters(kLetters, sizeof kLetters);  // its zero as well
+    const std::string_view letters(kLetters, sizeof kLetters);  // with its zero
     const std::string_view found(reinterpret_cast<const char*>(text.stream), text.length);
     if (found.size() > 128 || found.find_first_not_of(letters) != std::string_view::npos)
       Complain("ProductName = " + std::string(found));
   }
 
-  // One walk over everything: the same names in the same order each time, which
-  // is strictly ascending.
+  // One walk over all variables: it must return the same names each time.
   void Walk() {
     static const std::vector<std::string> expected{"P.0.0", "P.1.0", "P.1.1", "P.2.0",
                                                    "P.2.1", "P.2.2", "P.2.3", "P.2.4"};
@@ -100,11 +99,11 @@ class StressRoads : public StressTest {
     return Ask(SNMP_PDU_GET, binding) == 0 ? binding.Value() : "none";
   }
 
-  // Traps as the service takes them: all that wait, after each signal.
+  // Takes all waiting traps after each signal, like the service.
   void DrainTraps() {
     TakenTrap trap;
-    (void)threading.WaitEvent(whole.agent.Traps().EventHandle(), 5);
-    while (trap.TakeFrom(whole.entries)) {
+    (void)threading.WaitEvent(whole.process.Extension().Traps().EventHandle(), 5);
+    while (trap.TakeFrom(whole.process.Entries())) {
       const auto known =
           std::find_if(std::begin(kTraps), std::end(kTraps), [&](const TrapRow& row) {
             return static_cast<AsnInteger>(row.specificTrap) == trap.specific;
@@ -116,7 +115,7 @@ class StressRoads : public StressTest {
     }
   }
 
-  // Listens for a while, once in the log's list and once twice.
+  // Adds one listener once and another twice, and removes them again.
   void Listen() {
     whole.log.AddListener(&once);
     whole.log.AddListener(&twice);
@@ -127,8 +126,8 @@ class StressRoads : public StressTest {
     whole.log.RemoveListener(&twice);
   }
 
-  // The peer: other values, one of five 0, and every third time a message that
-  // the agent has to refuse.
+  // The peer sends other values, every fifth time 0, and every third time also a
+  // message that the agent must refuse.
   void Change(int change) {
     for (const NumberRow& row : kNumbers)
       Tell(row.variable, change % 5 == 0 ? 0 : row.lowest + change % kValuesPerNumber);
@@ -143,9 +142,8 @@ class StressRoads : public StressTest {
     if (!server.Set(variable, value, error)) Complain(error);
   }
 
-  // Values for as many connections, of which every other is dropped in the
-  // middle of what was sent, the rest once all of it has arrived. The last one
-  // stands.
+  // Sends values on each connection. Drops every second connection while data
+  // are under way, and the others after all data have arrived. Keeps the last.
   void PlayPeer() {
     for (int connection = 1; connection <= kConnections; ++connection) {
       if (!server.WaitForConnections(static_cast<std::size_t>(connection)))
@@ -157,8 +155,8 @@ class StressRoads : public StressTest {
     }
   }
 
-  // Sends a value until a Get answers it: an answer to a request for an update,
-  // made up a moment before, may still follow and bring the earlier one back.
+  // Sends a value until a Get returns it. The server may still send an older value
+  // afterwards, as its reply to a request for an update.
   void BringStreamsCount(std::int32_t value) {
     const std::string wanted = "INT " + std::to_string(value);
     Tell("StreamsCount", value);
@@ -170,8 +168,8 @@ class StressRoads : public StressTest {
     Complain("StreamsCount never became " + std::to_string(value));
   }
 
-  // Does `body` again and again on a thread of its own until the peer is done.
-  // With a rest between: whoever never rests keeps the log's lock from others.
+  // Calls `body` repeatedly on a new thread until the peer is done. The thread
+  // pauses between two calls, or it would keep the log's lock from the others.
   void Meanwhile(const std::function<void()>& body) {
     helpers.emplace_back([this, body] {
       do {
@@ -192,8 +190,8 @@ class StressRoads : public StressTest {
   ReadingListener twice;
 };
 
-TEST_F(StressRoads, EverythingAtOnceLosesNothingAndMixesNothingUp) {
-  ASSERT_TRUE(whole.lifecycle.Start());
+TEST_F(StressActivitiesTest, NothingIsLostOrMixedUp) {
+  ASSERT_TRUE(whole.process.Start());
   Meanwhile([this] { Walk(); });
   Meanwhile([this] { GetEverything(), Walk(); });
   Meanwhile([this] { DrainTraps(); });
@@ -213,7 +211,7 @@ TEST_F(StressRoads, EverythingAtOnceLosesNothingAndMixesNothingUp) {
   };
   EXPECT_TRUE(server.WaitFor(asked)) << "the timer ticks";
 
-  whole.lifecycle.Stop(Ending::kUnload);
+  whole.process.Stop(Ending::kUnload);
   EXPECT_TRUE(server.WaitForEnds(kConnections));
 }
 

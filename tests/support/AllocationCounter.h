@@ -4,9 +4,9 @@
 
 namespace Vask::Tests {
 
-// Pieces of memory taken from the heap since the program began, by any thread.
-// Programs that link AllocationCounter.cpp count them: calls of operator new,
-// or, under a sanitizer, whose own operators stay in place, of malloc too.
+// The number of allocations since the start of the program, of all threads. The program
+// must link AllocationCounter.cpp. It counts calls of operator new; under a sanitizer,
+// whose operators cannot be replaced, it also counts calls of malloc.
 std::uint64_t Allocations() noexcept;
 
 }  // namespace Vask::Tests

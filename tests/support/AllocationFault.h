@@ -5,16 +5,16 @@
 
 namespace Vask::Tests {
 
-// Every allocation of a program that links AllocationFault.cpp is counted, and a
-// test may have some fail: those with `new`, and, where the program is linked
-// with "--wrap=malloc,--wrap=free", those with malloc as well. Counts of all
-// threads; failing is for the calling thread only.
+// A program that links AllocationFault.cpp counts its allocations, and a test can let
+// some of them fail: those with `new`, and also those with malloc if the program is
+// linked with "--wrap=malloc,--wrap=free". The counts are of all threads. Only
+// allocations of the calling thread fail.
 
-// Blocks that are held at present.
+// The number of blocks that are allocated and not freed.
 std::ptrdiff_t HeldBlocks();
 
-// While one lives, this thread makes `allowed` allocations, then fails at
-// `failures` of them, and after that makes them again. One at a time.
+// While one lives, `allowed` allocations of this thread succeed, then `failures` of them
+// fail, and all later ones succeed. A thread may have one at a time.
 class FailingAllocations {
  public:
   static constexpr int kAllLater = std::numeric_limits<int>::max();
@@ -24,7 +24,7 @@ class FailingAllocations {
   FailingAllocations(const FailingAllocations&) = delete;
   FailingAllocations& operator=(const FailingAllocations&) = delete;
 
-  // Whether any has failed so far.
+  // True if an allocation has failed.
   [[nodiscard]] static bool Reached();
 };
 

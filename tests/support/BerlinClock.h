@@ -23,7 +23,7 @@ class BerlinClock final : public Platform::Clock {
     utc.utcOffsetSeconds = OffsetAt(epochSeconds);
     return utc.ToLocal(epochSeconds);
   }
-  // The second of two moments that the hour which is there twice could mean.
+  // Returns the second moment for a time in the hour that occurs twice.
   std::int64_t FromLocal(const Platform::LocalTime& local) noexcept override {
     utc.utcOffsetSeconds = kWinterOffset;
     const std::int64_t asWinter = utc.FromLocal(local);

@@ -9,7 +9,7 @@ namespace Vask::Tests {
 
 namespace {
 
-// Kept for ever: a host's threads may use it while the process ends.
+// Never destroyed, because threads of the host may use it while the process ends.
 const std::string& PrefixText() {
   static const std::string& text =
       *new std::string("1.3.6.1.4.1." + std::to_string(CORVANE_ENTERPRISE) + ".333");

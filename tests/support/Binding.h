@@ -6,18 +6,17 @@
 
 namespace Vask::Tests {
 
-// Object identifiers as tests write them: "P" at the start stands for the
-// agent's own prefix, so "P.1.0" is `ProductName`.
-//
-// Full gives the whole dotted text, Short puts the "P" back where it fits.
+// Object identifiers as tests write them: "P" at the start stands for the agent's own
+// prefix, so "P.1.0" is `ProductName`. FullName replaces the "P" by the prefix, and
+// ShortName replaces the prefix by "P".
 std::string FullName(const std::string& name);
 std::string ShortName(const std::string& dotted);
 
-// Frees the text that a request answered, if it is one.
+// Frees the value that a request returned, if it is a text.
 void FreeText(AsnAny& value);
 
-// One variable binding of a request, with its memory: the name in the utility
-// functions' own, as the service has it, and no value at first.
+// One variable binding of a request, and its memory. The utility functions allocate the
+// name, as in the service. At first it has no value.
 class Binding {
  public:
   explicit Binding(const std::string& name);
@@ -27,8 +26,8 @@ class Binding {
 
   SnmpVarBind& Get() { return m_binding; }
 
-  // The same for a request that follows another: what that answered is freed,
-  // as the service does between the steps of a walk.
+  // The same binding for the next request. Frees the value of the last one, as the
+  // service does between the steps of a walk.
   SnmpVarBind& Again();
 
   // The present name, short.

@@ -1,5 +1,5 @@
-// Linked into everything where it is counted what is executed: the counts are
-// written when a process ends, and these two endings would go past that.
+// A build that counts executed lines links this into all programs. A process writes its
+// counts when it exits, but not if it ends by abort or _Exit. These wrappers write them.
 
 extern "C" {
 

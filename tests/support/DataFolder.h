@@ -8,8 +8,8 @@
 
 namespace Vask::Tests {
 
-// The machine's disk, but with the data of all users in a folder of its own,
-// which goes with this object. Any thread.
+// The machine's disk, but with a temporary folder for the data of all users. The
+// destructor removes the folder. Any thread may use it.
 class DataFolder final : public ForwardingFiles {
  public:
   bool CommonApplicationData(char* path, std::size_t capacity) noexcept override {
@@ -18,7 +18,7 @@ class DataFolder final : public ForwardingFiles {
     return true;
   }
 
-  // As the system itself writes it.
+  // The path in the system's own form.
   [[nodiscard]] const std::filesystem::path& NativePath() const { return m_folder.NativePath(); }
 
  private:

@@ -9,8 +9,8 @@
 
 namespace Vask::Tests {
 
-// What is allocated while one of these lives may leak: for behaviour that is
-// meant to lose something, which the test then counts by other means.
+// Allocations while one of these lives may leak. It is for code that loses memory on
+// purpose; the test then counts the loss by other means.
 class ExpectedLeak {
  public:
 #if defined(CORVANE_LEAK_SANITIZER)

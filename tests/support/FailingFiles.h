@@ -5,8 +5,8 @@
 
 namespace Vask::Tests {
 
-// Another disk, of which the n-th operation that can fail does, and leaves the
-// disk alone. As safe to share between threads as the other.
+// Forwards to another disk, but fails the n-th operation that can fail, which then
+// does not change the disk. As safe to share between threads as the other disk.
 class FailingFiles final : public ForwardingFiles {
  public:
   FailingFiles(Platform::Files& base, FaultPlan& plan) : ForwardingFiles(base), m_plan(plan) {}
@@ -20,7 +20,7 @@ class FailingFiles final : public ForwardingFiles {
   bool CreateFolder(const char* path) noexcept override {
     return !m_plan.Fails() && ForwardingFiles::CreateFolder(path);
   }
-  // A folder that cannot be read is like one without files.
+  // A folder that cannot be read behaves like one without files.
   bool List(const char* pattern, Platform::FileVisitor visit, void* context) noexcept override {
     return m_plan.Fails() || ForwardingFiles::List(pattern, visit, context);
   }

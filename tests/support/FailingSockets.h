@@ -5,14 +5,14 @@
 
 namespace Vask::Tests {
 
-// Another machine's sockets, of which the n-th operation that can fail does,
-// and leaves the socket alone. As safe to share between threads as the others.
+// Forwards to other sockets, but fails the n-th operation that can fail, which then
+// does not change the socket. As safe to share between threads as the others.
 class FailingSockets final : public ForwardingSockets {
  public:
   FailingSockets(Platform::Sockets& base, FaultPlan& plan)
       : ForwardingSockets(base), m_plan(plan) {}
 
-  // What a Disconnect that fails answers.
+  // The result of a Disconnect that fails.
   Platform::Disconnection disconnection = Platform::Disconnection::NotAvailable;
   int disconnectionsFailed = 0;
 

@@ -5,8 +5,7 @@
 
 namespace Vask::Tests {
 
-// Another machine's threads and events, of which the n-th that is to be made
-// cannot be. Any thread.
+// Forwards to other threads and events, but fails the n-th creation. Any thread.
 class FailingThreading final : public ForwardingThreading {
  public:
   FailingThreading(Platform::Threading& base, FaultPlan& plan)

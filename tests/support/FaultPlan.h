@@ -4,11 +4,11 @@
 
 namespace Vask::Tests {
 
-// Which call of a faulty seam fails: the n-th of all that are made through the
-// seams that share the plan, counted from 1; none at first. Any thread.
+// Chooses the call of a faulty seam that fails: the n-th of all calls through the seams
+// that share the plan, counted from 1. At first none fails. Any thread may use it.
 class FaultPlan {
  public:
-  // Counts anew from here.
+  // Starts to count at 1 again.
   void FailAt(int n) noexcept {
     m_calls = 0;
     m_failAt = n;
@@ -19,7 +19,7 @@ class FaultPlan {
   }
   void FailAlways() noexcept { m_failAll = true; }
 
-  // Asked by the seam in every call.
+  // True if this call must fail. The seam asks in every call.
   [[nodiscard]] bool Fails() noexcept { return ++m_calls == m_failAt || m_failAll; }
 
   [[nodiscard]] bool Reached() const noexcept { return m_failAt != 0 && m_calls >= m_failAt; }
@@ -30,9 +30,9 @@ class FaultPlan {
   std::atomic<bool> m_failAll{false};
 };
 
-// Calls run(n) for n = 1, 2, ... until one comes to its end without reaching the
-// n-th call, and answers how many calls failed on the way. `run` makes a plan
-// fail at n and answers whether that was reached.
+// Calls run(n) for n = 1, 2, ... until a run ends before its n-th call. Returns the
+// number of calls that failed. `run` makes a plan fail at n and returns whether the
+// n-th call was reached.
 template <class Run>
 int ForEveryFault(Run run) {
   int n = 1;

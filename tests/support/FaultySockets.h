@@ -11,23 +11,23 @@
 
 namespace Vask::Tests {
 
-// Sockets without a network: they answer what a test arranges and keep every
-// call with its arguments as a line of text. For one thread at a time.
+// Sockets without a network. They return what a test sets and record every call with
+// its arguments as a line of text. For one thread at a time.
 class FaultySockets final : public Platform::Sockets {
  public:
-  static constexpr int kEverything = 1'000'000;  // in sendResults: all that is offered
+  static constexpr int kEverything = 1'000'000;  // in sendResults: all offered bytes
 
   std::vector<std::string> calls;
   std::vector<std::string> datagrams;  // the bytes of each
 
-  std::map<std::string, std::uint32_t> names;  // what can be looked up, in network order
+  std::map<std::string, std::uint32_t> names;  // for LookUp; addresses in network order
   std::string hostName = "machine";
   bool hasHostName = true;
 
   Platform::SocketHandle nextHandle = 7;
   bool connects = true;
   std::deque<int> sendResults;  // one for each Send, then kEverything
-  bool wouldBlock = false;      // what a -1 among them means
+  bool wouldBlock = false;      // the meaning of a -1 in sendResults
   Platform::Disconnection disconnection = Platform::Disconnection::Done;
   bool ignoresPortUnreachable = true;
   bool binds = true;
@@ -88,7 +88,7 @@ class FaultySockets final : public Platform::Sockets {
     return true;
   }
 
-  // An address as "10.0.0.5:514".
+  // Returns an address as "10.0.0.5:514".
   static std::string Dump(const Platform::SocketAddress& address) {
     unsigned char parts[4];
     unsigned char port[2];

@@ -4,11 +4,11 @@
 
 namespace Vask::Tests {
 
-// Another clock, for a test's own to change one or two operations of. As safe
-// to share between threads as the other.
+// Forwards every call to another Clock object. A test derives from it and overrides one or
+// two operations. As safe to share between threads as the other object.
 class ForwardingClock : public Platform::Clock {
  public:
-  // `base` is lent.
+  // `base` must outlive this object.
   explicit ForwardingClock(Platform::Clock& base = Platform::SystemClock()) : m_base(base) {}
 
   std::uint32_t TickMs() noexcept override { return m_base.TickMs(); }

@@ -4,11 +4,11 @@
 
 namespace Vask::Tests {
 
-// Another disk, for a test's own to change one or two operations of. As safe to
-// share between threads as the other.
+// Forwards every call to another Files object. A test derives from it and overrides one or
+// two operations. As safe to share between threads as the other object.
 class ForwardingFiles : public Platform::Files {
  public:
-  // `base` is lent.
+  // `base` must outlive this object.
   explicit ForwardingFiles(Platform::Files& base = Platform::SystemFiles()) : m_base(base) {}
 
   bool IsFolder(const char* path) noexcept override { return m_base.IsFolder(path); }

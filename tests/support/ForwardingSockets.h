@@ -4,11 +4,11 @@
 
 namespace Vask::Tests {
 
-// Another machine's sockets, for a test's own to change one or two operations
-// of. As safe to share between threads as the others.
+// Forwards every call to another Sockets object. A test derives from it and overrides one or
+// two operations. As safe to share between threads as the other object.
 class ForwardingSockets : public Platform::Sockets {
  public:
-  // `base` is lent.
+  // `base` must outlive this object.
   explicit ForwardingSockets(Platform::Sockets& base = Platform::SystemSockets()) : m_base(base) {}
 
   bool StartUp() noexcept override { return m_base.StartUp(); }

@@ -4,11 +4,11 @@
 
 namespace Vask::Tests {
 
-// Another machine's threads and events, for a test's own to change one or two
-// operations of. Any thread.
+// Forwards every call to another Threading object. A test derives from it and overrides one or
+// two operations. As safe to share between threads as the other object.
 class ForwardingThreading : public Platform::Threading {
  public:
-  // `base` is lent.
+  // `base` must outlive this object.
   explicit ForwardingThreading(Platform::Threading& base = Platform::SystemThreading())
       : m_base(base) {}
 

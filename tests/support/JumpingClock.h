@@ -8,8 +8,8 @@
 
 namespace Vask::Tests {
 
-// A clock that stands still until somebody sleeps, and jumps just before the
-// n-th time that it is read. One thread.
+// A clock that stands still except in SleepMs, and jumps just before its n-th
+// reading. For one thread.
 class JumpingClock final : public ForwardingClock {
  public:
   explicit JumpingClock(FaultPlan& plan) : ForwardingClock(clock), m_plan(plan) {}

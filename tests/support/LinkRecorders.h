@@ -2,15 +2,14 @@
 
 #include <string>
 
-#include "Src/IOnError.h"
-#include "net/IJsonSocketEvents.h"
-#include "net/IOnJsonMessageText.h"
+#include "Src/ErrReporter.h"
+#include "net/LinkInterfaces.h"
 #include "tests/support/TextRecorder.h"
 
 namespace Vask::Tests {
 
-// Keeps what an error sink is told. A message that is not null would be kept as
-// "(message) text".
+// Records the texts that an error sink receives. With a message that is not null it
+// records "(message) text".
 class RecordingErrorSink final : public IOnError {
  public:
   void OnError(Json* message, const char* text) override {
@@ -19,7 +18,7 @@ class RecordingErrorSink final : public IOnError {
   TextRecorder recorder;
 };
 
-// Keeps the bodies of the frames that came.
+// Records the bodies of the frames.
 class RecordingTextListener final : public IOnJsonMessageText {
  public:
   bool OnJsonMessageText(const char* text) override {
@@ -27,10 +26,10 @@ class RecordingTextListener final : public IOnJsonMessageText {
     return accepts;
   }
   TextRecorder recorder;
-  bool accepts = true;  // the answer; to be set before the first frame
+  bool accepts = true;  // the result; set it before the first frame
 };
 
-// Keeps the names of the events.
+// Records the names of the events.
 class RecordingSocketEvents final : public IJsonSocketEvents {
  public:
   void OnConnecting() override { recorder.Add("connecting"); }

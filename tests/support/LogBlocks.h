@@ -8,7 +8,7 @@
 
 namespace Vask::Tests {
 
-// The whole of one stored message.
+// The whole text of a stored message.
 inline std::string TextOf(const IDailyLog::ILogDataBlock* block) {
   std::string text;
   for (; block != nullptr; block = block->Next()) text.append(block->Data(), block->Length());

@@ -13,13 +13,13 @@
 
 namespace Vask::Tests {
 
-// How long the machine itself lets a thread wait that ought to run: a machine
-// that is busy with other things, or is a share of another, stands still for
-// parts of a second, and whatever is timed meanwhile takes so much longer. A
-// thread that only waits a little, again and again, tells. It waits for an event,
-// which under Wine is a matter of the one server that everything waits for.
-// Times are not by the tick count, which that server moves on when it can.
-// One owner.
+// Measures how long the machine itself delays threads that are ready to run. A busy
+// or virtual machine can stop for parts of a second, and everything that is timed
+// meanwhile takes that much longer. A separate thread detects such pauses: it waits
+// for a short time again and again, and notes when a wait takes too long. It waits
+// for an event, because under Wine that involves the server on which all waits
+// depend. It does not use the tick count, which that server updates late. For one
+// owner.
 class MachinePauses {
  public:
   using Clock = std::chrono::steady_clock;
@@ -33,7 +33,8 @@ class MachinePauses {
   MachinePauses(const MachinePauses&) = delete;
   MachinePauses& operator=(const MachinePauses&) = delete;
 
-  // Milliseconds from a moment since construction until now, without the pauses.
+  // Returns the milliseconds from `begin`, which is after the construction, until
+  // now, without the pauses.
   std::uint32_t RunningMsSince(Clock::time_point begin) {
     const Clock::time_point end = Clock::now();
     LookAgain();
@@ -53,7 +54,7 @@ class MachinePauses {
     Clock::time_point end;
   };
   static constexpr std::uint32_t kWaitMs = 5;
-  static constexpr std::uint32_t kUsualMs = 15;  // of which the timer's step is part
+  static constexpr std::uint32_t kUsualMs = 15;  // includes the timer's step
 
   void Run() {
     Clock::time_point last = m_constructed;
@@ -67,13 +68,13 @@ class MachinePauses {
     }
   }
 
-  // The latest only: memory stays what it is however long this lives.
+  // Keeps only the latest pauses, so that the memory does not grow.
   void Keep(const Pause& pause) {
     const std::lock_guard lock(m_mutex);
     m_pauses[m_count++ % m_pauses.size()] = pause;
   }
 
-  // A pause that has just ended for the owner may not have ended for the thread.
+  // Waits for the thread, for which a pause may end later than for the owner.
   void LookAgain() {
     const Clock::time_point asked = Clock::now();
     m_look.Set();
@@ -90,7 +91,7 @@ class MachinePauses {
   std::thread m_thread;
 };
 
-// Milliseconds that a call takes, without the machine's pauses.
+// Returns the milliseconds that a call takes, without the machine's pauses.
 template <class Call>
 std::uint32_t TimedMs(const Call& call) {
   MachinePauses pauses;

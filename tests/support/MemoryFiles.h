@@ -11,8 +11,8 @@
 
 namespace Vask::Tests {
 
-// A disk in memory that a test arranges and looks at, with faults to switch on.
-// Names are matched as they are written. For one thread at a time.
+// A disk in memory. A test fills it, reads it and switches faults on. Names are
+// case-sensitive. For one thread at a time.
 class MemoryFiles final : public Platform::Files {
  public:
   struct File {
@@ -26,12 +26,12 @@ class MemoryFiles final : public Platform::Files {
   std::vector<std::string> created;   // folders, in the order of their creation
   std::set<std::string> refused;      // folders that cannot be created
   Platform::DriveKind drive = Platform::DriveKind::Fixed;
-  std::vector<std::string> rootsAsked;  // each root whose drive was asked for
-  std::string console;                  // what went to the standard output
+  std::vector<std::string> rootsAsked;  // each root that was passed to Drive
+  std::string console;                  // the text of the standard output
   std::string currentFolder = "C:\\current";
   bool hasConsole = true;
   bool opensFiles = true;
-  std::vector<std::string> appended;  // each piece, wherever it went
+  std::vector<std::string> appended;  // each piece, of all files
   std::function<void()> afterAppend;
   std::uint32_t opened = 0;
   std::uint32_t closed = 0;

@@ -10,8 +10,7 @@
 
 namespace Vask::Tests {
 
-// A bare TCP client of 127.0.0.1, for talking to a server byte by byte. One
-// thread.
+// A TCP client of 127.0.0.1 that sends and receives single bytes. One thread may use it.
 class RawClient {
  public:
   static constexpr std::uint32_t kPatienceMs = 60'000;
@@ -36,7 +35,7 @@ class RawClient {
            static_cast<int>(bytes.size());
   }
 
-  // Exactly that many bytes; fewer when the stream ends or nothing comes.
+  // Returns `count` bytes, or fewer if the stream ends or the time is over.
   [[nodiscard]] std::string Receive(std::size_t count) {
     std::string bytes;
     char byte = 0;
@@ -44,7 +43,7 @@ class RawClient {
     return bytes;
   }
 
-  // Whether the stream ends here, in order.
+  // True if the peer has closed the stream in order.
   [[nodiscard]] bool ReceivesEnd() {
     char byte = 0;
     return ReceiveOne(byte) == 0;

@@ -9,9 +9,9 @@
 
 namespace Vask::Tests {
 
-// Stands in for the daily log: makes itself the printer's target for its
-// lifetime and keeps every line, as "Info: text" with the text's own line end.
-// Any thread may log while a test reads.
+// Takes the place of the daily log. While it lives it is the printer's target, and it
+// records every line as "Info: text" with the line end of the text. Any thread may log
+// while a test reads.
 class RecordingLog final : public IDailyLog {
  public:
   RecordingLog() { LogPrinter::Instance().SetTarget(this); }

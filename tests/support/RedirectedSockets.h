@@ -1,12 +1,12 @@
 #pragma once
 
-#include "net/AddressText.h"
+#include "net/InetAddress.h"
 #include "tests/support/ForwardingSockets.h"
 
 namespace Vask::Tests {
 
-// The machine's sockets, but every connection goes to one port, so that tests
-// can stand beside a running agent and beside each other. Any thread.
+// The machine's sockets, but every connection goes to one port, so that tests can
+// run beside an agent and beside each other. Any thread.
 class RedirectedSockets final : public ForwardingSockets {
  public:
   explicit RedirectedSockets(std::uint16_t port) : m_port(port) {}

@@ -7,12 +7,12 @@
 
 namespace Vask::Tests {
 
-// The machine's events, but threads as a test wants them: none at all, or a
-// body that runs on the caller's thread inside StartThread. For one thread.
+// The machine's events, with threads that a test controls: StartThread either fails
+// or runs the body on the caller's thread. For one thread.
 class ScriptedThreading final : public Platform::Threading {
  public:
   bool createsEvents = true;
-  // What StartThread answers; the body runs only for a handle that is valid.
+  // The result of StartThread. The body runs only if this is a valid handle.
   Platform::NativeHandle nextThread = this;
   std::vector<Platform::NativeHandle> closedThreads;
   std::uint32_t started = 0;
@@ -36,7 +36,7 @@ class ScriptedThreading final : public Platform::Threading {
   }
   void JoinThread(Platform::NativeHandle, Platform::NativeHandle finished) noexcept override {
     ++joined;
-    (void)m_system.WaitEvent(finished, Platform::kInfinite);
+    static_cast<void>(m_system.WaitEvent(finished, Platform::kInfinite));
   }
   void CloseThread(Platform::NativeHandle thread) noexcept override {
     closedThreads.push_back(thread);

@@ -7,8 +7,8 @@
 
 namespace Vask::Tests {
 
-// Runs `body` on a thread with a stack of `bytes` and waits for its end; false
-// when there was no such thread. Windows reserves more than is asked for.
+// Runs `body` on a thread with a stack of `bytes` and waits for its end. False if the
+// thread could not be created. Windows reserves a larger stack.
 inline bool RunOnSmallStack(std::size_t bytes, std::function<void()> body) {
   const auto entry = [](void* argument) -> void* {
     (*static_cast<std::function<void()>*>(argument))();

@@ -9,8 +9,8 @@
 
 namespace Vask::Tests {
 
-// The machine's sockets, but a send takes only a few bytes at a time and then
-// lets other threads run, as one does whose peer reads slowly. Any thread.
+// The machine's sockets, but each send takes only a few bytes and yields to other
+// threads, as if the peer read slowly. Any thread.
 class SmallStepSockets final : public ForwardingSockets {
  public:
   static constexpr std::size_t kStepBytes = 50;

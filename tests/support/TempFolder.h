@@ -10,8 +10,8 @@
 
 namespace Vask::Tests {
 
-// A new folder among the machine's temporary ones, deleted with all that is in
-// it when the object goes. One thread.
+// A new temporary folder. The destructor removes it with its contents. One thread may
+// use it.
 class TempFolder {
  public:
   TempFolder() {
@@ -28,7 +28,7 @@ class TempFolder {
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
 
-  // As the agent writes paths: with backslashes, without one at the end.
+  // The path in the agent's form: with backslashes, and without one at the end.
   [[nodiscard]] std::string Path() const {
     std::string path = m_folder.string();
     std::replace(path.begin(), path.end(), '/', '\\');
@@ -36,17 +36,17 @@ class TempFolder {
   }
   [[nodiscard]] std::string Path(const std::string& name) const { return Path() + '\\' + name; }
 
-  // As the system itself writes it.
+  // The path in the system's own form.
   [[nodiscard]] const std::filesystem::path& NativePath() const { return m_folder; }
 
-  // Every byte of a file in the folder, line ends as they stand on the disk;
-  // empty when there is none.
+  // The bytes of a file in the folder, with the line ends of the disk. Empty if there is
+  // no such file.
   [[nodiscard]] std::string Bytes(const std::string& name) const {
     std::ifstream file(m_folder / name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  // The end of a line in files in text mode.
+  // The line end of files in text mode.
 #if defined(_WIN32)
   static constexpr char kLineEnd[] = "\r\n";
 #else

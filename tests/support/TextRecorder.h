@@ -9,8 +9,8 @@
 
 namespace Vask::Tests {
 
-// A list of texts that any thread adds to and a test waits on. Waits are
-// bounded: they answer false when the time is over.
+// A list of texts. Any thread may add one, and a test can wait for one. A wait returns
+// false when its time is over.
 class TextRecorder {
  public:
   static constexpr std::chrono::seconds kPatience{60};

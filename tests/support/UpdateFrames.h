@@ -2,8 +2,8 @@
 
 namespace Vask::Tests {
 
-// The bodies of the four value frames of one update, as corvane-sim sends them:
-// what the agent's cost per frame is measured on.
+// The bodies of the four value frames of one update, as corvane-sim sends them. The
+// tests and benchmarks measure the cost of a frame with them.
 inline constexpr const char* kUpdateFrames[] = {
     R"({"data":{"messageType":{"Product":{"Name":"Corvane","Version":"4.2.1"}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",
     R"({"data":{"messageType":{"Streams":{"Count":12,"Errors":1}}},"from":"Corvane","id":0,"name":"SNMPmessage","op":"broadcast"})",

@@ -1,21 +1,17 @@
 #pragma once
 
 #include "Src/DailyLog.h"
-#include "Src/ErrReporter.h"
 #include "Src/TimerService.h"
-#include "agent/EntryPoints.h"
-#include "agent/Lifecycle.h"
-#include "agent/MyConnectNotify.h"
-#include "agent/SNMPExtensionAgent.h"
-#include "agent/VariableUpdates.h"
-#include "messages/Registrar.h"
-#include "net/JsonSocket.h"
+#include "agent/AgentProcess.h"
+#include "tests/support/BareMachine.h"
+#include "tests/support/FakeClock.h"
+#include "tests/support/RecordingLog.h"
 
 namespace Agent::Tests {
 
-// What the agent runs on. The timer service has its own, so that a test can let
-// it run faster than the rest, or not at all.
-struct Machine {
+// What a test's agent runs on. The timer service has a clock and threads of its
+// own, so that a test can let it run faster than the rest, or not at all.
+struct TestMachine {
   Vask::Platform::Clock& clock;
   Vask::Platform::Files& files;
   Vask::Platform::Sockets& sockets;
@@ -24,30 +20,51 @@ struct Machine {
   Vask::Platform::Threading& timerThreading;
 };
 
-// The agent put together as in its process, handlers included, but on a machine
-// that a test hands in. One at a time, since there is one registrar; it stops
-// when it goes.
-class WholeAgent {
- public:
-  explicit WholeAgent(const Machine& machine);
-  ~WholeAgent();
-  WholeAgent(const WholeAgent&) = delete;
-  WholeAgent& operator=(const WholeAgent&) = delete;
+// The agent as the module wires it, on a machine that a test hands in. Only one
+// may exist at a time.
+struct WholeAgent {
+  explicit WholeAgent(const TestMachine& machine)
+      : log(machine.clock, machine.files, machine.sockets),
+        timers(machine.timerClock, machine.timerThreading),
+        process({machine.clock, machine.files, machine.sockets, machine.threading}, log, timers) {}
 
   Vask::DailyLog log;
-  Vask::ErrReporter errors;
   Vask::TimerService timers;
-  SNMPExtensionAgent agent;
-  MyConnectNotify connectNotify;
-  VariableUpdates updates;
-  Vask::JsonSocket link;
-  Lifecycle lifecycle;
-  EntryPoints entries;
+  AgentProcess process;
+};
 
- private:
-  static void HandleMessage(const Messages::SNMPmessage& message, std::int32_t id, void* context);
-  static void HandleUpdateFinished(const Messages::SNMPupdateFinished& message, std::int32_t id,
-                                   void* context);
+// The agent after its start, on a machine without threads and network: the test
+// plays the link, and drives the timer service by its Step. From the end of the
+// start on, all lines go to `log`.
+struct StartedAgent {
+  StartedAgent() {
+    static_cast<void>(whole.process.Start());  // false: there is no thread for the link
+    Vask::LogPrinter::Instance().SetTarget(&log);
+  }
+
+  Vask::Tests::FakeClock clock;
+  LogDisk files;
+  NoNetwork sockets;
+  NoThreads threading;
+  WholeAgent whole{{clock, files, sockets, threading, clock, threading}};
+  Vask::Tests::RecordingLog log;
+};
+
+// The outputs of one call that takes a trap.
+struct TakenTrap {
+  // Returns false if no trap waits.
+  [[nodiscard]] bool TakeFrom(SNMPExtensionAgent& agent) {
+    return agent.TakeTrap(enterprise, generic, specific, timeStamp, bindings);
+  }
+  [[nodiscard]] bool TakeFrom(EntryPoints& entries) {
+    return entries.Trap(&enterprise, &generic, &specific, &timeStamp, &bindings) == TRUE;
+  }
+
+  AsnObjectIdentifier enterprise{};
+  AsnInteger generic = 0;
+  AsnInteger specific = 0;
+  std::uint32_t timeStamp = 0;
+  SnmpVarBindList bindings{};
 };
 
 }  // namespace Agent::Tests

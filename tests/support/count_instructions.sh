@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # usage: count_instructions.sh LIMIT PROGRAM [ARGUMENT]...
 #
-# Runs PROGRAM with its arguments and, as the last one, how often it is to do
-# what it does. Fails when doing it once takes more than LIMIT instructions.
-# Unlike a time they hardly differ from run to run; the difference of two runs
-# leaves out what starting the program takes.
+# Runs PROGRAM with its arguments and a number as the last one: PROGRAM repeats its work
+# that many times. Fails if one repetition needs more than LIMIT instructions. Unlike a
+# time, their number hardly differs from run to run. The difference of two runs leaves
+# out the start of the program.
 set -euo pipefail
 limit=$1
 shift
 readonly few=400 many=2400
 
-# instructions TIMES PROGRAM [ARGUMENT]...: of a whole run.
+# instructions TIMES PROGRAM [ARGUMENT]...: prints the instructions of a whole run.
 instructions() {
   local times=$1 report
   shift
@@ -21,7 +21,7 @@ instructions() {
 least=$(instructions "$few" "$@")
 most=$(instructions "$many" "$@")
 once=$(((most - least) / (many - few)))
-echo "$once instructions each time, at most $limit"
+echo "$once instructions for each repetition, the limit is $limit"
 if ((once <= 0 || once > limit)); then
   echo "0 passed, 1 failed"
   exit 1

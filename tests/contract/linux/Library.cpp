@@ -32,7 +32,7 @@ void UnloadLibrary(void* library) {
 
 namespace {
 
-// -1 on failure.
+// Returns -1 on failure.
 pid_t Spawn(const std::string& path, const std::vector<std::string>& arguments) {
   std::vector<char*> argv{const_cast<char*>(path.c_str())};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
@@ -42,14 +42,15 @@ pid_t Spawn(const std::string& path, const std::vector<std::string>& arguments) 
                                                                                         : -1;
 }
 
-// -1 when it did not exit by itself.
+// Returns -1 if a signal ended the process.
 int WaitForEnd(pid_t child) {
   int status = 0;
   if (waitpid(child, &status, 0) != child) return -1;
   return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// A line of /proc/self/status: "RssAnon:      1234 kB" and the like; 0 without.
+// The number in a line of /proc/self/status, as "RssAnon:      1234 kB". 0 if there is no
+// such line.
 std::size_t StatusLine(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string word; status >> word;) {
@@ -94,7 +95,7 @@ std::size_t FreeThreadSlots() {
   return taken.size();
 }
 
-// The address sanitizer's own heap, where there is one.
+// The address sanitizer's own heap, if the program has it.
 extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes();
 
 std::size_t HeldMemory() {
@@ -104,7 +105,7 @@ std::size_t HeldMemory() {
   return info.uordblks + info.hblkhd;
 }
 
-// mallinfo2 knows of the first arena alone.
+// mallinfo2 counts only the first arena.
 void CountWholeHeap() {
   mallopt(M_ARENA_MAX, 1);
 }

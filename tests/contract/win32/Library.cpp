@@ -29,7 +29,7 @@ void UnloadLibrary(void* library) {
 
 namespace {
 
-// Answers an exit status with _P_WAIT, a handle with _P_NOWAIT; -1 on failure.
+// Returns an exit status with _P_WAIT, a handle with _P_NOWAIT, and -1 on failure.
 std::intptr_t Spawn(int mode, const std::string& path, const std::vector<std::string>& arguments) {
   std::vector<const char*> argv{path.c_str()};
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
@@ -75,7 +75,7 @@ struct HandleList {
 
 }  // namespace
 
-// Wine has no count of one process's handles, only this list of all.
+// Wine does not count the handles of one process. This list holds those of all.
 std::size_t OpenHandles() {
   std::vector<std::uint64_t> buffer(1 << 16);
   const auto information = static_cast<SYSTEM_INFORMATION_CLASS>(16);

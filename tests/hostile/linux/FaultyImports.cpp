@@ -23,8 +23,8 @@ namespace Hostile {
 
 namespace {
 
-// What the loader knows of a library: its symbols' names, and where it has
-// written their addresses.
+// The loader's tables of a library: the names of its symbols, and the places that hold
+// their addresses.
 struct Tables {
   const ElfW(Sym) * symbols = nullptr;
   const char* names = nullptr;
@@ -64,7 +64,7 @@ Tables TablesOf(const link_map& map) {
   return tables;
 }
 
-// The loader may have made the place read-only.
+// The loader may have made the page read-only.
 void* Exchange(void** slot, void* value) {
   const auto pageSize = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const std::uintptr_t page = reinterpret_cast<std::uintptr_t>(slot) & ~(pageSize - 1);
@@ -97,7 +97,7 @@ void SetReason(int reason) noexcept {
 
 namespace {
 
-// Events signal by writing, which never fails; files are what is wanted here.
+// Only writes to files fail. Events also use write, and their writes cannot fail.
 ssize_t Write(int descriptor, const void* data, std::size_t length) {
   struct stat state {};
   const bool isFile = fstat(descriptor, &state) == 0 && S_ISREG(state.st_mode);
@@ -172,7 +172,7 @@ void PutThreads(void* library) {
                int(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*)>::PutInto(library);
 }
 
-// By their names in the image: operator new and new[], with and without nothrow.
+// The names are those of the image: operator new and new[], with and without nothrow.
 void PutMemory(void* library) {
   using NoThrowNew = void*(std::size_t, const std::nothrow_t&);
   FaultyImport<"malloc", Fault::Memory, 0, ENOMEM, void*(std::size_t)>::PutInto(library);

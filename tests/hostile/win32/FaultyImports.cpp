@@ -1,7 +1,7 @@
 #include "tests/hostile/FaultyImports.h"
 
 #include <winsock2.h>
-// After the socket declarations that it builds on:
+// After the socket declarations, on which it depends.
 #include <windows.h>
 
 #include <cstring>
@@ -19,14 +19,15 @@ Part* At(void* library, std::size_t offset) {
   return reinterpret_cast<Part*>(static_cast<unsigned char*>(library) + offset);
 }
 
-// The loader has made the place read-only.
+// The loader has made the page read-only.
 void* Exchange(void** slot, void* value) {
   DWORD before = 0;
   if (!VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &before)) std::abort();
   return std::exchange(*slot, value);
 }
 
-// Of one library that the module uses; null when the name is not among its.
+// Replaces a function of one library that the module uses. Null if the module imports
+// no function of this name from it.
 void* ReplaceIn(void* library, const IMAGE_IMPORT_DESCRIPTOR& used, const char* name,
                 void* replacement) {
   const auto* wanted = At<IMAGE_THUNK_DATA>(library, used.OriginalFirstThunk);

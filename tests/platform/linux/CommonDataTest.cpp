@@ -23,7 +23,7 @@ class CommonDataTest : public testing::Test {
       setenv("CORVANE_DATA", folder.c_str(), 1);
     }
   }
-  std::string Answer() {
+  std::string CommonData() {
     char path[260] = "";
     return Platform::SystemFiles().CommonApplicationData(path, sizeof path) ? path : "";
   }
@@ -36,31 +36,31 @@ class CommonDataTest : public testing::Test {
 
 TEST_F(CommonDataTest, IsVarLibUnlessSet) {
   Set("");
-  EXPECT_EQ(Answer(), "\\var\\lib");
+  EXPECT_EQ(CommonData(), "\\var\\lib");
 }
 
 TEST_F(CommonDataTest, IsTheFolderThatTheEnvironmentNames) {
   Set(temp.NativePath().string());
-  EXPECT_EQ(Answer(), temp.Path());
+  EXPECT_EQ(CommonData(), temp.Path());
 }
 
 TEST_F(CommonDataTest, LosesATrailingSlash) {
   Set(temp.NativePath().string() + '/');
-  EXPECT_EQ(Answer(), temp.Path());
+  EXPECT_EQ(CommonData(), temp.Path());
 }
 
 TEST_F(CommonDataTest, IsCreatedIfMissing) {
   Set((temp.NativePath() / "data").string());
-  EXPECT_EQ(Answer(), temp.Path("data"));
+  EXPECT_EQ(CommonData(), temp.Path("data"));
   EXPECT_TRUE(std::filesystem::is_directory(temp.NativePath() / "data"));
 }
 
 TEST_F(CommonDataTest, CannotBeTheRootOfTheTree) {
   Set("/");
-  EXPECT_EQ(Answer(), "");
+  EXPECT_EQ(CommonData(), "");
 }
 
-TEST_F(CommonDataTest, DriveOfAPathSaysNothing) {
+TEST_F(CommonDataTest, DriveOfAPathIsIgnored) {
   const std::string path = "C:" + temp.Path("folder");
   EXPECT_TRUE(Platform::SystemFiles().CreateFolder(path.c_str()));
   EXPECT_TRUE(std::filesystem::is_directory(temp.NativePath() / "folder"));

@@ -17,8 +17,8 @@ using Platform::BreakDown;
 using Platform::LocalTime;
 using Platform::PresentQuarter;
 
-// The process's time zone while it lives, by its rules, so that no zone has to
-// be installed.
+// Sets the process's time zone for its own lifetime. The zone is given by its rules,
+// so none needs to be installed.
 class TimeZone {
  public:
   explicit TimeZone(const char* rules) {
@@ -73,8 +73,8 @@ TEST_P(Zones, EverySecondOfAnHourIsAsTheSystemBreaksItDown) {
   for (std::int64_t second = 0; second < 3600; ++second) ExpectTheSameAt(kSummerOf2018 + second);
 }
 
-// A step of 7 minutes and a second meets every quarter of the year at some
-// second, the days on which summer time begins and ends among them.
+// A step of 7 minutes and a second meets every quarter of the year, also on the days
+// when summer time begins and ends.
 TEST_P(Zones, AYearForwardAndBackIsAsTheSystemBreaksItDown) {
   constexpr std::int64_t kStep = 421;
   for (std::int64_t passed = 0; passed < kYear; passed += kStep) {
@@ -85,8 +85,8 @@ TEST_P(Zones, AYearForwardAndBackIsAsTheSystemBreaksItDown) {
   }
 }
 
-// What a machine shows that has lost its clock.
-TEST_P(Zones, TheEpochAndWhatComesBeforeAreAsTheSystemBreaksThemDown) {
+// A machine that has lost its clock shows such times.
+TEST_P(Zones, TheEpochAndEarlierMomentsAreAsTheSystemBreaksThemDown) {
   for (const std::int64_t moment : {0, 1, 899, 900, -1, -899, -900, -901, 5, -5}) {
     ExpectTheSameAt(moment);
   }

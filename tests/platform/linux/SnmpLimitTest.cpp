@@ -12,7 +12,7 @@ AsnObjectIdentifier View(std::vector<UINT>& ids) {
   return {static_cast<UINT>(ids.size()), ids.data()};
 }
 
-// The limit is SNMP's own; the functions of Windows and Wine do not all keep it.
+// SNMP sets the limit. Not all functions of Windows and Wine keep it.
 TEST(SnmpLimitTest, AppendRefusesMoreThan128SubIdentifiers) {
   std::vector<UINT> head(64, 1);
   AsnObjectIdentifier source = View(head);

@@ -8,7 +8,7 @@
 namespace Vask::Tests {
 namespace {
 
-// What a thread sees of itself.
+// What a thread finds out about itself.
 struct Look {
   std::size_t stackBytes = 0;
   bool takesInterrupts = true;
@@ -39,7 +39,7 @@ Look RunLook() {
   return look;
 }
 
-TEST(PosixThreadTest, HasAStackOfOurOwnSize) {
+TEST(PosixThreadTest, HasAStackOfTheAgentsSize) {
   EXPECT_EQ(RunLook().stackBytes, Platform::kThreadStackBytes);
 }
 

@@ -1,4 +1,4 @@
-// A file that another program keeps to itself.
+// Tests with a file that another program has opened and does not share.
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -17,7 +17,7 @@ constexpr char kTodaysName[] = "Log2018-05-14.log";
 
 class LockedFileTest : public testing::Test {
  protected:
-  // Opens a file, created if need be, and shares it with nobody.
+  // Opens a file, creates it if needed, and does not share it.
   HANDLE Lock(const std::string& path) {
     return CreateFileA(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL,
                        nullptr);
@@ -27,7 +27,7 @@ class LockedFileTest : public testing::Test {
   FakeClock clock;
 };
 
-TEST_F(LockedFileTest, IsNotOpenedUntilItIsLetGo) {
+TEST_F(LockedFileTest, IsNotOpenedUntilItIsUnlocked) {
   const std::string path = folder.Path("file");
   const HANDLE lock = Lock(path);
   ASSERT_NE(lock, INVALID_HANDLE_VALUE);
@@ -39,7 +39,7 @@ TEST_F(LockedFileTest, IsNotOpenedUntilItIsLetGo) {
   Platform::SystemFiles().Close(file);
 }
 
-TEST_F(LockedFileTest, LogGoesOnWithoutItAndTakesItWhenItIsLetGo) {
+TEST_F(LockedFileTest, LogContinuesWithoutItAndOpensItOnceItIsUnlocked) {
   DailyLog log(clock);
   const HANDLE lock = Lock(folder.Path(kTodaysName));
   ASSERT_NE(lock, INVALID_HANDLE_VALUE);
@@ -51,7 +51,7 @@ TEST_F(LockedFileTest, LogGoesOnWithoutItAndTakesItWhenItIsLetGo) {
   EXPECT_EQ(folder.Bytes(kTodaysName), "12:00:00.000: Info: one\r\n");
 }
 
-// The day's file of tomorrow, taken before it is there.
+// The test locks tomorrow's file before the log creates it.
 TEST_F(LockedFileTest, LogThatFindsTheNextDaysFileLockedWaitsToBeOpenedAgain) {
   DailyLog log(clock);
   ASSERT_TRUE(log.Open(folder.Path().c_str()));

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#undef CreateEvent  // an operation of the seam, which <windows.h> makes a macro
+#undef CreateEvent  // <windows.h> makes the operation's name a macro
 
 #include "platform/Event.h"
 #include "platform/Threading.h"
@@ -58,7 +58,7 @@ TEST_F(WindowsThreadTest, HasNormalPriority) {
   threading.CloseThread(thread);
 }
 
-TEST_F(WindowsThreadTest, HasAStackOfOurOwnSize) {
+TEST_F(WindowsThreadTest, HasAStackOfTheAgentsSize) {
   std::size_t stackBytes = 0;
   const auto measure = [](void* result) noexcept {
     MEMORY_BASIC_INFORMATION region{};

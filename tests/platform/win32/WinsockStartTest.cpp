@@ -6,8 +6,8 @@
 namespace Vask::Tests {
 namespace {
 
-// What Winsock says before any test has run: after everything of the program,
-// and so of the agent's code, has been loaded and initialised.
+// Winsock's error before any test has run, when the whole program, and so the
+// agent's code, has been loaded and initialised.
 int g_errorAfterLoading = 0;
 
 class LookAtWinsock : public testing::Environment {

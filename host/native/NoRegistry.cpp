@@ -1,9 +1,0 @@
-#include "host/Registration.h"
-
-namespace Host {
-
-const Registry* SystemRegistry() {
-  return nullptr;
-}
-
-}  // namespace Host
