@@ -95,7 +95,7 @@ class ImageReader {
     const std::uint16_t count = std::min(m_bytes.Word(m_header + 6), kMostSections);
     const std::uint64_t first = m_header + 24u + m_bytes.Word(m_header + 20);
     for (std::uint16_t i = 0; i < count; ++i) {
-      const std::uint64_t at = first + 40u * i;
+      const std::uint64_t at = first + std::uint64_t{40} * i;
       const Section section{m_bytes.Long(at + 12), m_bytes.Long(at + 16), m_bytes.Long(at + 20)};
       m_sections.push_back(section);
       // A file that was copied in part has all headers, but not the bytes of the last section.
@@ -116,7 +116,7 @@ class ImageReader {
   std::optional<std::uint64_t> OffsetOf(Directory directory) {
     const std::uint64_t count = m_header + 24u + (m_is64 ? 108u : 92u);
     if (m_bytes.Long(count) <= directory) return {};
-    const std::uint32_t address = m_bytes.Long(count + 4 + 8u * directory);
+    const std::uint32_t address = m_bytes.Long(count + 4 + std::uint64_t{8} * directory);
     return address == 0 ? std::nullopt : OffsetOf(address);
   }
 
@@ -126,7 +126,7 @@ class ImageReader {
     const std::uint32_t count = std::min(m_bytes.Long(*table + 24), kMostNames);
     const auto names = OffsetOf(m_bytes.Long(*table + 32));
     for (std::uint32_t i = 0; names && i < count && !m_bytes.Missed(); ++i) {
-      const auto name = OffsetOf(m_bytes.Long(*names + 4u * i));
+      const auto name = OffsetOf(m_bytes.Long(*names + std::uint64_t{4} * i));
       if (name) image.exports.push_back(m_bytes.Text(*name));
     }
   }
@@ -134,7 +134,7 @@ class ImageReader {
   void ReadImports(Image& image) {
     const auto table = OffsetOf(kImports);
     for (std::uint32_t i = 0; table && i < kMostNames && !m_bytes.Missed(); ++i) {
-      const std::uint32_t address = m_bytes.Long(*table + 20u * i + 12);
+      const std::uint32_t address = m_bytes.Long(*table + std::uint64_t{20} * i + 12);
       if (address == 0) return;
       const auto name = OffsetOf(address);
       if (name) image.imports.push_back(m_bytes.Text(*name));
@@ -147,7 +147,7 @@ class ImageReader {
     const std::uint32_t count =
         std::min<std::uint32_t>(m_bytes.Word(folder + 12) + m_bytes.Word(folder + 14), kMostNames);
     for (std::uint32_t i = 0; i < count && !m_bytes.Missed(); ++i) {
-      const std::uint64_t entry = folder + 16 + 8u * i;
+      const std::uint64_t entry = folder + 16 + std::uint64_t{8} * i;
       if (!id || m_bytes.Long(entry) == *id) return m_bytes.Long(entry + 4);
     }
     return {};

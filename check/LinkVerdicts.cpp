@@ -32,6 +32,7 @@ bool ServiceIsConnected(const Facts& facts) {
 
 std::vector<std::string> TextsOf(const std::vector<LogLine>& lines) {
   std::vector<std::string> texts;
+  texts.reserve(lines.size());
   for (const LogLine& line : lines) texts.push_back(line.day + ' ' + line.text);
   return texts;
 }

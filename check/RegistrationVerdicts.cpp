@@ -130,6 +130,7 @@ Verdict JudgeKey(const Facts& facts) {
   }
   if (entries.size() > 1) {
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (const AgentEntry* entry : entries) names.push_back(entry->name);
     return Failed(kStep,
                   "The agent is registered " + std::to_string(entries.size()) + " times (values " +

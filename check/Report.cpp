@@ -83,9 +83,9 @@ std::string TextReport(const std::vector<Verdict>& verdicts) {
   std::string report;
   for (const Verdict& verdict : verdicts) {
     char head[40];
-    std::snprintf(head, sizeof head, "%-9s %2zu %-12s",
-                  (std::string("[") + WordFor(verdict.status) + ']').c_str(),
-                  NumberOf(verdict.step), StepOf(verdict.step).name);
+    static_cast<void>(std::snprintf(head, sizeof head, "%-9s %2zu %-12s",
+                                    (std::string("[") + WordFor(verdict.status) + ']').c_str(),
+                                    NumberOf(verdict.step), StepOf(verdict.step).name));
     report += head + Printable(verdict.text);
     if (!verdict.action.empty()) report += " To do: " + Printable(verdict.action);
     report += '\n';
@@ -145,7 +145,8 @@ std::string QuotedJson(std::string_view text) {
       json += {'\\', first};
     } else if (static_cast<unsigned char>(first) < 0x20) {
       char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(first));
+      static_cast<void>(
+          std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(first)));
       json += escape;
     } else {
       json += text.substr(0, length);

@@ -106,9 +106,10 @@ std::string LocalText(const FILETIME& time) {
     return {};
   }
   char text[48];
-  std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u", unsigned{local.wYear},
-                unsigned{local.wMonth}, unsigned{local.wDay}, unsigned{local.wHour},
-                unsigned{local.wMinute}, unsigned{local.wSecond});
+  static_cast<void>(std::snprintf(text, sizeof text, "%04u-%02u-%02u %02u:%02u:%02u",
+                                  unsigned{local.wYear}, unsigned{local.wMonth},
+                                  unsigned{local.wDay}, unsigned{local.wHour},
+                                  unsigned{local.wMinute}, unsigned{local.wSecond}));
   return text;
 }
 
