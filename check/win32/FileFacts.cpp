@@ -52,11 +52,12 @@ std::vector<std::string> MissingLibraries(const std::string& path, const Image& 
   wchar_t system[MAX_PATH] = L"";
   GetSystemDirectoryW(system, MAX_PATH);
   const std::string besides = path.substr(0, path.find_last_of('\\') + 1);
+  const std::string windows = Narrow(system) + '\\';
   std::vector<std::string> missing;
   for (const std::string& library : image.imports) {
     const bool isPart = _strnicmp(library.c_str(), "api-ms-", 7) == 0 ||
                         _strnicmp(library.c_str(), "ext-ms-", 7) == 0;
-    if (isPart || Exists(besides + library) || Exists(Narrow(system) + '\\' + library)) continue;
+    if (isPart || Exists(besides + library) || Exists(windows + library)) continue;
     missing.push_back(library);
   }
   return missing;
@@ -115,8 +116,9 @@ void ReadLogs(const std::string& folder, const std::vector<std::string>& names, 
   };
   std::vector<File> files;
   std::size_t left = kMostLog;
+  const std::string start = folder + '\\';
   for (const std::string& name : names) {
-    FileContent content = ReadFileTail(folder + '\\' + name, left);
+    FileContent content = ReadFileTail(start + name, left);
     if (content.error != ERROR_SUCCESS) {
       log.whyUnknown = name + ": " + ErrorText(content.error);
       return;

@@ -87,7 +87,7 @@ int main() {
   try {
     return Check::Run();
   } catch (const std::exception& fault) {
-    std::fprintf(stderr, "corvane-check: %s\n", fault.what());
+    static_cast<void>(std::fprintf(stderr, "corvane-check: %s\n", fault.what()));
     return 1;
   }
 }

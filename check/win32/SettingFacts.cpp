@@ -42,9 +42,10 @@ KeyFacts ReadDestinations(const std::string& path) {
   const MachineKey top(path);
   if (!ReadValues(top, facts)) return facts;
   facts.values.clear();
+  const std::string folder = path + '\\';
   for (const std::string& community : top.SubKeys()) {
     KeyFacts below;
-    if (!ReadValues(MachineKey(path + '\\' + community), below) &&
+    if (!ReadValues(MachineKey(folder + community), below) &&
         below.state == KeyFacts::State::kUnreadable) {
       return below;
     }
