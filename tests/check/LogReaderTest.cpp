@@ -18,8 +18,9 @@ LogFindings Read(const char* text) {
 
 TEST(LogReader, DayIsInTheNameOfTheFile) {
   EXPECT_EQ(DayOf("Log2026-11-21.log"), "2026-11-21");
-  for (const char* other : {"", "Log.log", "Log1.log", "Log2026-11-2.log", "Log2026-11-211.log",
-                            "log2026-11-21.log", "Log2026-11-21.txt", "Log2026x11-21.log"}) {
+  for (const char* other :
+       {"", "Log.log", "Log1.log", "Log2026-11-2.log", "Log2026-11-211.log", "log2026-11-21.log",
+        "Log2026-11-21.txt", "Log2026x11-21.log", "Log2026-11-21.log.bak"}) {
     EXPECT_EQ(DayOf(other), "") << other;
   }
 }
