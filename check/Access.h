@@ -4,9 +4,21 @@
 #include <string>
 #include <vector>
 
-#include "check/Facts.h"
-
 namespace Check {
+
+// One entry of an access control list.
+struct AccessEntry {
+  bool allows = false;  // otherwise it denies
+  std::uint32_t rights = 0;
+  std::string sid;  // "S-1-5-18"
+};
+
+// Who may do what with a file or folder.
+struct AccessFacts {
+  std::vector<AccessEntry> entries;  // in the order in which Windows reads them
+  bool open = false;                 // there is no list: everybody may do everything
+  std::string whyUnknown;
+};
 
 // Rights of files and folders, as Windows counts them.
 inline constexpr std::uint32_t kRightToRead = 0x1;      // a file's content

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "check/Access.h"
+#include "check/FirewallRules.h"
 #include "check/Image.h"
 #include "check/LogReader.h"
 #include "check/SnmpGet.h"
@@ -38,20 +40,6 @@ struct AgentEntry {
 
 struct RegistrationFacts {
   std::vector<AgentEntry> agents;  // all, of other makers too
-  std::string whyUnknown;
-};
-
-// One entry of an access control list.
-struct AccessEntry {
-  bool allows = false;  // otherwise it denies
-  std::uint32_t rights = 0;
-  std::string sid;  // "S-1-5-18"
-};
-
-// Who may do what with a file or folder.
-struct AccessFacts {
-  std::vector<AccessEntry> entries;  // in the order in which Windows reads them
-  bool open = false;                 // there is no list: everybody may do everything
   std::string whyUnknown;
 };
 
@@ -121,19 +109,6 @@ struct AnswerFacts {
   Outcome outcome = Outcome::kNotAsked;
   std::string fault;  // for kNotSent: why
   SnmpResponse response;
-};
-
-struct FirewallProfile {
-  std::string name;  // Domain, Private or Public
-  bool on = true;
-  bool allowsByDefault = false;
-  std::optional<bool> active;  // whether a network of this machine uses it
-};
-
-struct FirewallFacts {
-  std::vector<std::string> rules;  // as the registry holds them
-  std::vector<FirewallProfile> profiles;
-  std::string whyUnknown;
 };
 
 struct Facts {

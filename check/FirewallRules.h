@@ -1,12 +1,24 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "check/Facts.h"
-
 namespace Check {
+
+struct FirewallProfile {
+  std::string name;  // Domain, Private or Public
+  bool on = true;
+  bool allowsByDefault = false;
+  std::optional<bool> active;  // whether a network of this machine uses it
+};
+
+struct FirewallFacts {
+  std::vector<std::string> rules;  // as the registry holds them
+  std::vector<FirewallProfile> profiles;
+  std::string whyUnknown;
+};
 
 // What the firewall does with requests to the SNMP service (UDP port 161, inbound) on networks of
 // one profile.

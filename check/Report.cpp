@@ -134,6 +134,16 @@ std::string VersionText(const Facts& facts) {
          Printable(entries.front()->path) + ")\n";
 }
 
+std::string StepTable() {
+  std::string table = "| step | look at | must be | if not |\n|---|---|---|---|\n";
+  std::size_t number = 0;
+  for (const Step& step : kSteps) {
+    table += "| " + std::to_string(++number) + ' ' + step.name + " | " + step.lookAt + " | " +
+             step.mustBe + " | " + step.ifNot + " |\n";
+  }
+  return table;
+}
+
 std::string QuotedJson(std::string_view text) {
   std::string json = "\"";
   while (!text.empty()) {

@@ -21,6 +21,9 @@ namespace Check {
 // What --version prints.
 [[nodiscard]] std::string VersionText(const Facts& facts);
 
+// The rows of the guide's table, with its heading.
+[[nodiscard]] std::string StepTable();
+
 // A text in quotes, for JSON. Bytes that are not UTF-8 become U+FFFD.
 [[nodiscard]] std::string QuotedJson(std::string_view text);
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 
 namespace Check {
 
@@ -33,7 +32,7 @@ struct Step {
 };
 
 // The steps in their order. The program and the guide have the same list: the guide's table holds
-// exactly the rows that StepTable returns, which a test checks.
+// exactly the rows that StepTable (check/Report.h) returns, which a test checks.
 inline constexpr Step kSteps[] = {
     {"service", "`sc.exe query SNMP` and `sc.exe qc SNMP`",
      "installed, running, start type automatic",
@@ -90,8 +89,5 @@ inline constexpr std::size_t kStepCount = sizeof kSteps / sizeof kSteps[0];
 [[nodiscard]] constexpr std::size_t NumberOf(StepId id) {
   return static_cast<std::size_t>(id) + 1;
 }
-
-// The rows of the guide's table, with its heading.
-[[nodiscard]] std::string StepTable();
 
 }  // namespace Check

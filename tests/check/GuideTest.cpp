@@ -4,7 +4,7 @@
 #include <iterator>
 #include <string>
 
-#include "check/Steps.h"
+#include "check/Report.h"
 
 namespace Check {
 namespace {
