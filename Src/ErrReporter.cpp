@@ -10,6 +10,7 @@ void IOnError::Report(IOnError* sink, const char* format, ...) {
   char text[kReportCapacity];
   std::va_list arguments;
   va_start(arguments, format);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): false alarm, va_start is above
   static_cast<void>(std::vsnprintf(text, sizeof text, format, arguments));
   va_end(arguments);
   sink->OnError(nullptr, text);

@@ -89,7 +89,7 @@ void LogPrinter::CopyLastError(char* text, std::size_t capacity) const noexcept 
 void LogPrinter::Format(char (&text)[kTextCapacity], const char* format,
                         std::va_list arguments) const noexcept {
   if (m_formatter(text, sizeof text, format, arguments) >= 0) return;
-  std::snprintf(text, sizeof text, "Invalid message format: '%s'!\n", format);
+  static_cast<void>(std::snprintf(text, sizeof text, "Invalid message format: '%s'!\n", format));
 }
 
 void LogPrinter::Deliver(const Level& level, const char* text) noexcept {

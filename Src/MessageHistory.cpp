@@ -31,6 +31,7 @@ MessageHistoryCopy MessageHistory::Copy() const {
   std::uint32_t chunkCount = 0;
   for (const Slot& slot : m_slots) chunkCount += slot.chunks.Count();
   MessageHistoryCopy copy;
+  if (chunkCount == 0) return copy;
   copy.m_chunks = std::make_unique<MessageChunk[]>(chunkCount);
   MessageChunk* to = copy.m_chunks.get();
   const std::uint32_t oldest = m_used == kSlots ? m_current : 0;

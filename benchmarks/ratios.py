@@ -13,7 +13,7 @@ import pathlib
 import subprocess
 import sys
 
-# Many short repetitions in mixed order: a machine that is slow for a while is so
+# Many short repetitions in mixed order: if the machine is slow for a while, it is slow
 # for both sides of a ratio.
 REPETITIONS = 2500
 SECONDS_OF_ONE = 0.0005
@@ -28,8 +28,8 @@ def rows():
 
 
 def middle_mean(values):
-    """Mean of the middle half: what disturbs some repetitions does not count, and
-    it does not leap where a median does, between two speeds of a machine."""
+    """Mean of the middle half. A disturbance of some repetitions does not count. A
+    median would leap between two speeds of a machine; this mean does not."""
     values = sorted(values)
     quarter = len(values) // 4
     middle = values[quarter:len(values) - quarter]

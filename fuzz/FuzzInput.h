@@ -8,7 +8,7 @@
 
 namespace Vask::Fuzz {
 
-// Ends the program, so that the fuzzer keeps the input: `what` did not hold.
+// Ends the program if the condition is false, so that the fuzzer keeps the input.
 #define FUZZ_EXPECT(condition)                                                           \
   do {                                                                                   \
     if (!(condition)) {                                                                  \
@@ -51,5 +51,5 @@ class Input {
 
 }  // namespace Vask::Fuzz
 
-// What every target defines, called once for each input; answers 0.
+// Every target defines this. Called once for each input; returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -1,4 +1,5 @@
-// The dictionary against std::map: the same insertions, look-ups and order.
+// The dictionary against std::map: the same insertions, look-ups of keys and of their
+// prefixes, and order.
 
 #include <cstring>
 #include <map>
@@ -32,9 +33,27 @@ std::string Folded(std::string key, bool caseSensitive, bool toUpper) {
   return key;
 }
 
-bool Collect(const char* key, int* value, void* context) {
+bool Collect(const char* key, const int* value, void* context) {
   static_cast<Pairs*>(context)->emplace_back(key, *value);
   return true;
+}
+
+// Every way to look a key up finds the same.
+void ExpectFound(const Dictionary& dictionary, const Model& model, const std::string& key,
+                 const std::string& folded) {
+  const auto expected = model.find(folded);
+  const int* found = dictionary.FindValue(key.c_str());
+  FUZZ_EXPECT((found != nullptr) == (expected != model.end()));
+  FUZZ_EXPECT(found == nullptr || *found == expected->second);
+  FUZZ_EXPECT(dictionary.FindValue(Vask::FoldedKey(key.c_str())) == found);
+
+  // A path leads to every key, and to every prefix of one.
+  const auto extends = [&](const std::string& text) { return text.starts_with(folded); };
+  const auto longer = model.lower_bound(folded);
+  const bool isPath = !key.empty() && longer != model.end() && extends(longer->first);
+  const Dictionary::Node* node = nullptr;
+  FUZZ_EXPECT(dictionary.Find(key.c_str(), node) == isPath);
+  if (isPath) FUZZ_EXPECT((node->hasValue != 0) == (found != nullptr));
 }
 
 void ExpectSame(const Dictionary& dictionary, const Model& model) {
@@ -61,10 +80,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       FUZZ_EXPECT(dictionary.Insert(key.c_str(), step) == !key.empty());
       if (!key.empty()) model[folded] = step;
     }
-    const auto expected = model.find(folded);
-    const int* found = dictionary.FindValue(key.c_str());
-    FUZZ_EXPECT((found != nullptr) == (expected != model.end()));
-    FUZZ_EXPECT(found == nullptr || *found == expected->second);
+    for (std::size_t length = 0; length <= key.size(); ++length) {
+      ExpectFound(dictionary, model, key.substr(0, length), folded.substr(0, length));
+    }
   }
   ExpectSame(dictionary, model);
   for (const auto& [key, value] : model) {  // a second walk, emptying it

@@ -31,8 +31,14 @@ extern "C" void Stop(int) {
 template <class... Texts>
 int Complain(int status, const Texts&... texts) {
   const std::string line = (std::string("snmphost: ") + ... + std::string(texts));
-  std::fprintf(stderr, "%s\n", line.c_str());
+  static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
   return status;
+}
+
+// Prints a line at once, because scripts wait for it.
+void Say(const std::string& line) {
+  static_cast<void>(std::fputs((line + '\n').c_str(), stdout));
+  static_cast<void>(std::fflush(stdout));
 }
 
 // Starts the module and prints what is served and where.
@@ -45,8 +51,8 @@ void StartModule(ExtensionModule& module, const Options& options, SnmpFront& fro
     Complain(0, options.module, ": cannot serve its view [", ToText(view), "]");
     return;
   }
-  std::printf("Serving %s at %s\n", ToText(view).c_str(),
-              options.agentxSocket.empty() ? options.listen.c_str() : options.agentxSocket.c_str());
+  const std::string& where = options.agentxSocket.empty() ? options.listen : options.agentxSocket;
+  Say("Serving " + ToText(view) + " at " + where);
 }
 
 // Stores the registered agent's path in the options. False if there is none.
@@ -62,7 +68,7 @@ bool FindModule(Options& options) {
   for (const std::string& complaint : registration.complaints) Complain(0, complaint);
   if (registration.path.empty()) return false;
   options.module = registration.path;
-  std::printf("%s is registered: %s\n", registration.name.c_str(), registration.path.c_str());
+  Say(registration.name + " is registered: " + registration.path);
   return true;
 }
 
@@ -77,12 +83,11 @@ int Serve(Options& options) {
   stopEvent = Vask::Platform::SystemThreading().CreateEvent(Vask::Platform::EventReset::Manual);
   if (stopEvent == nullptr)
     return Complain(kCannotServe, "cannot create the event that stops the host");
-  std::signal(SIGINT, Stop);
-  std::signal(SIGTERM, Stop);
+  static_cast<void>(std::signal(SIGINT, Stop));
+  static_cast<void>(std::signal(SIGTERM, Stop));
   StartModule(*module, options, front);
-  std::fflush(stdout);
   front.Run(Vask::Platform::EventDescriptor(stopEvent));
-  std::puts("Stopping");
+  Say("Stopping");
   return 0;
 }
 
@@ -94,11 +99,11 @@ int main(int argc, char** argv) {
     return Complain(kBadCommandLine, parsed.error, " (see snmphost --help)");
   }
   if (parsed.options.help) {
-    std::fputs(HelpText(), stdout);
+    static_cast<void>(std::fputs(HelpText(), stdout));
     return 0;
   }
   if (parsed.options.version) {
-    std::puts("snmphost " CORVANE_VERSION_TEXT);
+    Say("snmphost " CORVANE_VERSION_TEXT);
     return 0;
   }
   return Serve(parsed.options);

@@ -18,7 +18,7 @@
 
 int main(int argc, char** argv) {
   if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
-    std::puts("mib-names " CORVANE_VERSION_TEXT);
+    static_cast<void>(std::puts("mib-names " CORVANE_VERSION_TEXT));
     return 0;
   }
   Agent::EnterprisePrefix prefix;
@@ -27,10 +27,10 @@ int main(int argc, char** argv) {
   for (const Agent::VariableRow& row : Agent::kVariables) {
     Host::Oid oid = root;
     oid.insert(oid.end(), std::begin(row.suffix), std::end(row.suffix));
-    std::printf("variable %s %s\n", Host::ToText(oid).c_str(), row.name);
+    static_cast<void>(std::printf("variable %s %s\n", Host::ToText(oid).c_str(), row.name));
   }
   for (const Agent::TrapRow& row : Agent::kTraps) {
-    std::printf("trap %u %s\n", row.specificTrap, row.name);
+    static_cast<void>(std::printf("trap %u %s\n", row.specificTrap, row.name));
   }
   return 0;
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <string>
 
 #include "json/RefCount3.h"
@@ -10,21 +11,28 @@
 
 namespace Vask {
 
-// What a value is; readers ask Type() first and cast afterwards.
-enum class JsonType : int { Object = 1, Array = 2, String = 3, Number = 4, Bool = 5, Null = 6 };
+// What a value is. A reader asks Type() first and casts afterwards.
+enum class JsonType : std::uint8_t {
+  Object = 1,
+  Array = 2,
+  String = 3,
+  Number = 4,
+  Bool = 5,
+  Null = 6
+};
 
 // One value of a JSON text: the base of JsonObject, JsonArray, JsonString,
 // JsonNumber, JsonBool and JsonNull. A message is a tree of them, and each
 // container holds one reference to every value in it.
 //
-// References may be given back from any thread. Everything else (filling,
-// reading, writing) is unsynchronised: one thread at a time works on a tree.
+// Any thread may release a reference. Everything else (filling, reading, writing) is
+// unsynchronised: one thread at a time works on a tree.
 // Stack use never follows the depth of a tree: neither writing nor releasing
 // recurses. Making a value or writing may throw std::bad_alloc, which leaves
 // the tree as it was; releasing allocates nothing.
 class Json : public RefCount3 {
  public:
-  [[nodiscard]] virtual JsonType Type() const noexcept = 0;
+  [[nodiscard]] JsonType Type() const noexcept { return m_type; }
 
   // Replaces `out` by the compact text, the form that goes over the link.
   virtual void Write(std::string& out) const = 0;
@@ -42,10 +50,14 @@ class Json : public RefCount3 {
   static std::uint32_t Constructed() noexcept { return Read(s_constructed); }
   static std::uint32_t Destroyed() noexcept { return Read(s_destroyed); }
 
-  // The container around this one, as who builds the tree has set it: so he needs
-  // no stack of his own. Undefined before, and once anything is released.
+  // For the parser, which therefore needs no stack of its own: the container around this
+  // one, and whether that container holds this one. Undefined after a release.
   Json* Around() const noexcept { return m_around; }
-  void SetAround(Json* container) noexcept { m_around = container; }
+  bool IsHeldByAround() const noexcept { return m_isHeldByAround; }
+  void SetAround(Json* container, bool isHeld) noexcept {
+    m_around = container;
+    m_isHeldByAround = isHeld;
+  }
 
   // Where a new value goes: into `memory` (null: the heap), with `bytes` of room
   // behind it for its text. Derived classes hide the latter behind factories.
@@ -55,32 +67,39 @@ class Json : public RefCount3 {
   };
   static void* operator new(std::size_t size) { return ValueMemory::TakeAlone(size); }
   static void* operator new(std::size_t size, Place place) {
-    size += place.bytes;
-    return place.memory != nullptr ? place.memory->Take(size) : ValueMemory::TakeAlone(size);
+    return ValueMemory::Take(place.memory, size + place.bytes);
   }
   static void operator delete(void* value) noexcept { ValueMemory::Free(value); }
   static void operator delete(void* value, Place) noexcept { ValueMemory::Free(value); }
 
+  // What `delete` does with a value: destroys it and releases every value below it,
+  // members in their order, each with all that it holds before the next. A destructor
+  // does not do this, because it would call itself for every level of a tree.
+  static void operator delete(Json* value, std::destroying_delete_t) noexcept;
+
  protected:
-  explicit Json(bool holdsValues = false) noexcept : m_holdsValues(holdsValues) {
-    Count(s_constructed);
-  }
+  explicit Json(JsonType type) noexcept : m_type(type) { Count(s_constructed); }
   ~Json() override { Count(s_destroyed); }
 
-  // A container's destructor calls this: every value below it is released,
-  // members in their order, each with all that it holds before the next; or all
-  // at once, where nobody can tell the difference.
-  void ReleaseChildren() noexcept;
-
-  // To be called before a value that was parsed is made to hold another one.
-  void BreakText() noexcept { ValueMemory::BreakText(this); }
+  // Releases one child of a container that is being deleted. True if `child` is
+  // itself a container that must be deleted now.
+  static bool ReleaseChild(Json* child, ValueMemory::Returns& returns) noexcept {
+    if (!child->DropReference()) return false;
+    if (child->m_type <= JsonType::Array) return true;
+    if (child->m_type <= JsonType::Null) {
+      Count(s_destroyed);  // a scalar has nothing else to destroy
+    } else {
+      child->~Json();
+    }
+    returns.Add(child);
+    return false;
+  }
 
  private:
-  bool VanishWithText() noexcept;
-
-  // Takes one value out of a dying container, first to last; null when none is
-  // left. The container's reference passes to the caller.
-  virtual Json* TakeChild() noexcept;
+  // Releases the children of a value that is being deleted, first to last, up to one for
+  // which ReleaseChild is true. Returns that one, or null after the last. Memory goes to
+  // `returns`.
+  static Json* ReleaseChildren(Json* value, ValueMemory::Returns& returns) noexcept;
 
   using Counter = std::atomic<std::uint32_t>;
   static std::uint32_t Read(const Counter& counter) noexcept {
@@ -89,15 +108,16 @@ class Json : public RefCount3 {
   // Load and store instead of one locked increment: the counters promise no
   // more than plain integers would, and two locked instructions for each value
   // would be a tenth of a message's whole decoding.
-  static void Count(Counter& counter, std::uint32_t values = 1) noexcept {
-    counter.store(Read(counter) + values, std::memory_order_relaxed);
+  static void Count(Counter& counter) noexcept {
+    counter.store(Read(counter) + 1, std::memory_order_relaxed);
   }
 
   static constinit Counter s_constructed;
   static constinit Counter s_destroyed;
 
-  Json* m_around;
-  const bool m_holdsValues;  // a container
+  Json* m_around = nullptr;
+  bool m_isHeldByAround = true;
+  const JsonType m_type;
 };
 
 }  // namespace Vask

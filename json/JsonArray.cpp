@@ -4,24 +4,11 @@
 
 namespace Vask {
 
-JsonArray::~JsonArray() {
-  ReleaseChildren();
-}
-
-void JsonArray::AppendAdopted(Json* value) {
-  Cell* cell = new Cell{value, nullptr};
+void JsonArray::AppendAdopted(Json* value, ValueMemory* memory) {
+  Cell* cell = ::new (ValueMemory::Take(memory, sizeof(Cell))) Cell{value, nullptr};
   (m_tail != nullptr ? m_tail->next : m_head) = cell;
   m_tail = cell;
   ++m_count;
-}
-
-Json* JsonArray::TakeChild() noexcept {
-  Cell* cell = m_head;
-  if (cell == nullptr) return nullptr;
-  Json* value = cell->value;
-  m_head = cell->next;
-  delete cell;
-  return value;
 }
 
 void JsonArray::Write(std::string& out) const {

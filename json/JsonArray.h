@@ -34,6 +34,7 @@ class JsonArray final : public Json {
       m_cell = m_cell->next;
       return *this;
     }
+    // NOLINTNEXTLINE(cert-dcl21-cpp): iterators return a plain copy, as in the library
     Iterator operator++(int) noexcept {
       Iterator before = *this;
       ++*this;
@@ -47,31 +48,40 @@ class JsonArray final : public Json {
     const Cell* m_cell = nullptr;
   };
 
-  JsonArray() noexcept : Json(true) {}
+  JsonArray() noexcept : Json(JsonType::Array) {}
 
   // Puts `value`, which must not be null, at the end. The array takes a
-  // reference of its own; the caller keeps his.
+  // reference of its own; the caller keeps its reference.
   void Append(Json* value) {
     AppendAdopted(value);
     value->AddRef();
   }
 
-  // The same, but takes over the caller's reference (not when it throws).
-  void AppendAdopted(Json* value);
+  // The same, but takes over the caller's reference (not when it throws). The link
+  // cell comes from `memory`, or from the heap.
+  void AppendAdopted(Json* value, ValueMemory* memory = nullptr);
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return m_count; }
   Iterator begin() const noexcept { return Iterator(m_head); }
   Iterator end() const noexcept { return Iterator(); }
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Array; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 
  protected:
-  ~JsonArray() override;
+  ~JsonArray() override = default;
 
  private:
-  Json* TakeChild() noexcept override;
+  friend class Json;
+  Json* ReleaseElements(ValueMemory::Returns& returns) noexcept {
+    while (Cell* cell = m_head) {
+      Json* element = cell->value;
+      m_head = cell->next;
+      returns.Add(cell);
+      if (ReleaseChild(element, returns)) return element;
+    }
+    return nullptr;
+  }
 
   Cell* m_head = nullptr;
   Cell* m_tail = nullptr;

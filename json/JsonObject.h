@@ -13,19 +13,24 @@ class JsonObject final : public Json {
  public:
   using Dictionary = StrDict3<Json*>;
 
-  explicit JsonObject(bool caseSensitive = false) : JsonObject(caseSensitive, nullptr, 0) {}
+  explicit JsonObject(bool caseSensitive = false)
+      : Json(JsonType::Object), m_members(&m_nodes, caseSensitive) {}
 
-  // One that has the memory of its first nodes with it, in one allocation; for
-  // objects that will not stay empty. Folds names. It lies in `memory`, or in
-  // the heap.
-  [[nodiscard]] static JsonObject* CreateWithRoom(ValueMemory* memory = nullptr);
+  // One that is filled while a text is read: folds names, and lies in `memory` with
+  // the nodes of its keys, until CloseText is called. It brings room for the first of
+  // them.
+  [[nodiscard]] static JsonObject* CreateForText(ValueMemory& memory) {
+    void* object = memory.Take(sizeof(JsonObject) + kRoom * sizeof(Dictionary::Node));
+    return ::new (object) JsonObject(memory);
+  }
+  void CloseText() noexcept { m_nodes.CloseText(); }
 
   // Stores `value` under the key, in place of any earlier value, which is
-  // released. The object takes a reference of its own; the caller keeps his and
+  // released. The object takes a reference of its own; the caller keeps its reference and
   // releases it when done. False, with nothing changed, for a null value.
   //
-  // An empty key stores nothing, yet the answer is true and the reference is
-  // taken; nobody ever releases it.
+  // An empty key stores nothing; yet the object takes its reference, which nothing
+  // ever releases, and the result is true.
   bool Set(const char* key, Json* value);
 
   // The member's value, or null; its count is unchanged, so it lives as long as
@@ -37,45 +42,80 @@ class JsonObject final : public Json {
 
   [[nodiscard]] bool Empty() const noexcept { return m_members.Empty(); }
 
-  // The members themselves, for walking with ForEach. Whoever inserts here must
-  // see to the references.
-  Dictionary& Members() noexcept {
-    BreakText();
-    return m_members;
-  }
+  // The members themselves, for walking with ForEach. A caller that inserts here or
+  // replaces a value must see to the references.
+  Dictionary& Members() noexcept { return m_members; }
   const Dictionary& Members() const noexcept { return m_members; }
 
-  // The same for whoever fills the object while its text is being read.
-  Dictionary& NewMembers() noexcept { return m_members; }
-  // Whether nodes had to be got beside the room that the object came with.
-  [[nodiscard]] bool HasHeapNodes() const noexcept { return m_nodes.Blocks() != 0; }
-
   // Like Set at the node of a key that was laid with Dictionary::Path, but takes
-  // over the caller's reference. A null node stands for the empty key.
+  // over the caller's reference.
   static void Adopt(Dictionary::Node* node, Json* value) noexcept {
-    if (node == nullptr) return;
     if (node->hasValue) node->value->Release();
     node->value = value;
     node->hasValue = 1;
   }
 
-  [[nodiscard]] JsonType Type() const noexcept override { return JsonType::Object; }
   void Write(std::string& out) const override;
   void WritePretty(std::string& out, std::uint32_t indentLevel) const override;
 
  protected:
-  ~JsonObject() override;
+  ~JsonObject() override = default;
 
  private:
-  // Keys for which there is room beforehand; few objects have more.
-  static constexpr std::uint32_t kRoom = 8;
+  // Nodes that lie behind an object of a text; few objects have more.
+  static constexpr std::size_t kRoom = 3;
 
-  JsonObject(bool caseSensitive, Dictionary::Node* firstNodes, std::uint32_t count)
-      : Json(true), m_nodes(firstNodes, count), m_members(&m_nodes, caseSensitive) {}
+  // Takes nodes from the room behind the object, then each as a piece of memory.
+  class Nodes final : public Dictionary::IAllocator {
+   public:
+    Nodes() = default;
+    Nodes(ValueMemory& memory, Dictionary::Node* room) noexcept
+        : m_memory(&memory), m_next(room), m_end(room + kRoom) {}
 
-  Json* TakeChild() noexcept override;
+    void CloseText() noexcept { m_memory = nullptr; }
 
-  Dictionary::StandardAllocator m_nodes;
+    Dictionary::Node* AllocNode() override {
+      if (m_next != m_end) return m_next++;
+      return ::new (ValueMemory::Take(m_memory, sizeof(Dictionary::Node))) Dictionary::Node;
+    }
+    void FreeNode(Dictionary::Node* node) noexcept override {
+      ValueMemory::Returns returns;
+      FreeNode(node, returns);
+    }
+    void FreeNode(Dictionary::Node* node, ValueMemory::Returns& returns) noexcept {
+      if (!IsInRoom(node)) returns.Add(node);
+    }
+
+   private:
+    bool IsInRoom(const Dictionary::Node* node) const noexcept {
+      const auto toEnd =
+          reinterpret_cast<std::uintptr_t>(m_end) - reinterpret_cast<std::uintptr_t>(node);
+      return toEnd != 0 && toEnd <= kRoom * sizeof(Dictionary::Node);
+    }
+
+    ValueMemory* m_memory = nullptr;     // null: the heap
+    Dictionary::Node* m_next = nullptr;  // unused room, up to the end
+    Dictionary::Node* m_end = nullptr;
+  };
+
+  explicit JsonObject(ValueMemory& memory) noexcept
+      : Json(JsonType::Object),
+        m_nodes(memory, reinterpret_cast<Dictionary::Node*>(this + 1)),
+        m_members(&m_nodes) {}
+
+  friend class Json;
+  Json* ReleaseMembers(ValueMemory::Returns& returns) noexcept {
+    Json* container = nullptr;
+    const auto release = [&](Json* member) noexcept {
+      if (ReleaseChild(member, returns)) container = member;
+      return container == nullptr;
+    };
+    const auto free = [&](Dictionary::Node* node) noexcept { m_nodes.FreeNode(node, returns); };
+    static_cast<void>(m_members.TakeEach(release, free));
+    return container;
+  }
+
+  Nodes m_nodes;
   Dictionary m_members;
 };
 

@@ -2,16 +2,11 @@
 
 #include <cstring>
 #include <string_view>
-#include <vector>
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNull.h"
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
-#include "json/NumberReading.h"
+#include "json/JsonScalars.h"
 #include "json/StringScan.h"
 
 namespace Vask {
@@ -41,13 +36,13 @@ int HexDigit(char c) {
   return -1;
 }
 
-// Where the characters of a string go: either into a buffer of sufficient size
-// or into a dictionary.
+// A sink receives the characters of a string: a buffer of sufficient size, or a
+// dictionary.
 class BufferSink {
  public:
   explicit BufferSink(char* begin) : m_end(begin) {}
   void Append(char c) { *m_end++ = c; }
-  // Takes what is plain from `at` on; answers where that ends.
+  // Takes the plain characters from `at` on, and returns the place behind them.
   const char* AppendPlain(const char* at) {
     while (kPlainCharacters.Fold(*at) != 0) *m_end++ = *at++;
     return at;
@@ -69,19 +64,18 @@ class KeySink {
   JsonObject::Dictionary::Path m_path;
 };
 
-// One pointer runs over the text once. At each place where a value may stand,
-// BeginValue reads a scalar, a string or an empty container whole, or opens a
-// container: that is given to the one around it at once and becomes the
-// innermost, and what follows is read into it. AfterValue reads on from a value's
-// end to the next value, over the ends of as many containers as end there. No
-// call goes deeper for a nested value.
+// One pointer runs over the text once. BeginValue reads a scalar, a string or an empty
+// container whole, or opens a container: the container around it takes that at once, it
+// becomes the innermost, and the parser reads on into it. AfterValue reads from a value's
+// end to the next value, over the ends of all containers that end there. No call goes
+// deeper for a nested value.
 //
-// Each step takes the place where it begins and answers the place where it ended,
-// or null when there is nothing more to read: after a fault, or when the root is
-// complete. So the pointer stays in a register from the first character on.
+// Each step takes the place where it begins and returns the place where it ended, or null
+// if there is nothing more to read: after a fault, or when the root is complete. So the
+// pointer stays in a register from the first character on.
 //
-// The line's beginning is kept instead of a column: the column is the distance
-// to it. A character that does not count moves it along.
+// The parser keeps the beginning of the line instead of a column: the column is the
+// distance to it. A character that does not count moves the beginning along.
 class JsonParser {
  public:
   JsonParser(const char* text, ValueMemory& memory)
@@ -92,13 +86,10 @@ class JsonParser {
 
   Json* Run();
   void Report(ParseResult& result) const;
-  // Whether the values that were read lie in their memory with all that they have,
-  // and the root holds all others.
-  bool IsAllInPlace() const { return m_isAllInPlace; }
 
  private:
-  // Where reading goes on, and the value that was read whole there: null when a
-  // container was opened, or after a fault.
+  // The place to read on, and the value that was read whole: null after a container was
+  // opened, or after a fault.
   struct Begun {
     const char* at;
     Json* value;
@@ -114,6 +105,7 @@ class JsonParser {
   Begun ReadLiteral(const char* at, std::string_view literal);
   const char* AfterValue(const char* at);
   const char* ReadKey(const char* at);
+  const char* ReadLongKey(const char* at);
   const char* ReadMixedKey(const char* at);
   const char* Fail(const char* at, const char* message);
 
@@ -143,13 +135,17 @@ class JsonParser {
   Json* m_innermost = nullptr;                    // of the open ones; each knows the one around it
   JsonObject* m_object = nullptr;                 // the innermost, unless it is an array
   JsonObject::Dictionary::Node* m_key = nullptr;  // under which its next value goes
-  bool m_isAllInPlace = true;
-  std::vector<JsonRef<Json>> m_underEmptyKeys;  // open ones that no object holds
 };
 
-// What is still open under an empty key goes with a parse that failed; what is
-// complete there is lost.
-JsonParser::~JsonParser() = default;
+// A parse that failed leaves containers open. No other container holds those under an
+// empty key.
+JsonParser::~JsonParser() {
+  while (m_innermost != nullptr) {
+    Json* around = m_innermost->Around();
+    if (!m_innermost->IsHeldByAround()) m_innermost->Release();
+    m_innermost = around;
+  }
+}
 
 Json* JsonParser::Run() {
   const char* at = m_end;
@@ -195,7 +191,7 @@ inline JsonParser::Begun JsonParser::BeginValue(const char* at) {
 inline JsonParser::Begun JsonParser::BeginObject(const char* at) {
   at = SkipSpace(at + 1);
   if (*at == '}') return {at + 1, new (Here()) JsonObject};
-  JsonObject* object = JsonObject::CreateWithRoom(&m_memory);
+  JsonObject* object = JsonObject::CreateForText(m_memory);
   Open(object, object);
   return {ReadKey(at), nullptr};
 }
@@ -203,47 +199,44 @@ inline JsonParser::Begun JsonParser::BeginObject(const char* at) {
 JsonParser::Begun JsonParser::BeginArray(const char* at) {
   at = SkipSpace(at + 1);
   auto* array = new (Here()) JsonArray;
-  m_isAllInPlace = false;
   if (*at == ']') return {at + 1, array};
   Open(array, nullptr);
   return {at, nullptr};
 }
 
-// Takes over the reference to a container that has something in it.
+// Takes over the reference to a container that is not empty.
 inline void JsonParser::Open(Json* container, JsonObject* object) {
+  const bool isUnderEmptyKey = m_object != nullptr && m_key == nullptr;
   if (m_innermost == nullptr) {
     m_root.Reset(container);
-  } else if (m_object != nullptr && m_key == nullptr) {
-    m_isAllInPlace = false;
-    m_underEmptyKeys.emplace_back(container);
-  } else {
+  } else if (!isUnderEmptyKey) {
     Give(container);
   }
-  container->SetAround(m_innermost);
+  container->SetAround(m_innermost, !isUnderEmptyKey);
   m_innermost = container;
   m_object = object;
 }
 
 inline void JsonParser::Close() {
-  if (m_object != nullptr && m_object->HasHeapNodes()) m_isAllInPlace = false;
-  if (!m_underEmptyKeys.empty() && m_underEmptyKeys.back().Get() == m_innermost) {
-    static_cast<void>(m_underEmptyKeys.back().Detach());
-    m_underEmptyKeys.pop_back();
-  }
-  m_innermost = m_innermost->Around();
+  Json* closed = m_innermost;
+  if (m_object != nullptr) m_object->CloseText();
+  m_innermost = closed->Around();
+  if (!closed->IsHeldByAround()) closed->Release();
   const bool isObject = m_innermost != nullptr && m_innermost->Type() == JsonType::Object;
   m_object = isObject ? static_cast<JsonObject*>(m_innermost) : nullptr;
 }
 
-// Gives the reference to the innermost container.
+// Passes the reference to the innermost container. An object stores nothing under an
+// empty key.
 inline void JsonParser::Give(Json* value) {
-  if (m_object != nullptr) {
-    if (m_key == nullptr) m_isAllInPlace = false;
+  if (m_object == nullptr) {
+    JsonRef<Json> element(value);
+    static_cast<JsonArray*>(m_innermost)->AppendAdopted(value, &m_memory);
+    static_cast<void>(element.Detach());
+  } else if (m_key != nullptr) {
     JsonObject::Adopt(m_key, value);
   } else {
-    JsonRef<Json> element(value);
-    static_cast<JsonArray*>(m_innermost)->AppendAdopted(value);
-    static_cast<void>(element.Detach());
+    value->Release();
   }
 }
 
@@ -266,25 +259,34 @@ inline const char* JsonParser::AfterValue(const char* at) {
   return nullptr;
 }
 
-// Inline wherever it is called: a call for every key is a tenth of its cost.
+// Always inline: a call for every key is a tenth of its cost.
 [[gnu::always_inline]] inline const char* JsonParser::ReadKey(const char* at) {
   if (*at != '"') return Fail(at, kExpectedKey);
-  JsonObject::Dictionary::Path path(m_object->NewMembers());
-  const char* end = path.Append(at + 1, KeyReader(m_textEnd));
-  m_key = path.End();
-  if (*end == '"') {
+  const KeyPiece piece = KeyReader(m_textEnd).Piece(at + 1);
+  const char* end = at + 1 + piece.length;
+  JsonObject::Dictionary::Path path(m_object->Members());
+  if (*end == '"' && piece.length != KeyPiece::kMaxLength && path.AppendOnly(piece)) {
+    m_key = path.End();  // nearly every key: of one piece, in one node
     ++end;
   } else {
-    end = ReadMixedKey(at);
+    end = ReadLongKey(at);
     if (end == nullptr) return nullptr;
   }
   if (*end != ':') end = SkipSpace(end);
   return *end == ':' ? end + 1 : Fail(end, kExpectedColon);
 }
 
-// A key with more than plain characters, laid anew from its beginning.
-[[gnu::noinline]] const char* JsonParser::ReadMixedKey(const char* at) {
-  KeySink key(m_object->NewMembers());
+// A key that takes several nodes or has more than plain characters, laid anew from its
+// beginning.
+[[gnu::noinline]] const char* JsonParser::ReadLongKey(const char* at) {
+  JsonObject::Dictionary::Path path(m_object->Members());
+  const char* end = path.Append(at + 1, KeyReader(m_textEnd));
+  m_key = path.End();
+  return *end == '"' ? end + 1 : ReadMixedKey(at);
+}
+
+const char* JsonParser::ReadMixedKey(const char* at) {
+  KeySink key(m_object->Members());
   at = ReadString(at, key);
   m_key = key.Node();
   return at;
@@ -335,8 +337,17 @@ JsonParser::Begun JsonParser::ReadNumber(const char* begin) {
 inline JsonParser::Begun JsonParser::BeginString(const char* at) {
   const char* end = SkipPlain(at + 1, m_textEnd);
   if (*end != '"') return BeginMixedString(at);
-  // Nearly every string: its text stands there as it is.
-  return {end + 1, JsonString::Create({at + 1, end}, &m_memory)};
+  const std::string_view text(at + 1, end);  // nearly every string: its text as it is
+  constexpr std::size_t kShort = 16;
+  if (text.size() >= kShort || m_textEnd - text.begin() < std::ptrdiff_t{kShort}) {
+    return {end + 1, JsonString::Create(text, &m_memory)};
+  }
+  // A move of a fixed size, with what follows the text, is faster than a call.
+  const auto fill = [text](char* buffer) {
+    std::memcpy(buffer, text.data(), kShort);
+    return text.size();
+  };
+  return {end + 1, JsonString::CreateFilled(kShort, fill, &m_memory)};
 }
 
 JsonParser::Begun JsonParser::BeginMixedString(const char* at) {
@@ -460,7 +471,6 @@ Json* Parse(ParseResult& result, const char* text, ValueMemory& memory) {
   JsonParser parser(text, memory);
   Json* root = parser.Run();
   parser.Report(result);
-  if (root != nullptr && parser.IsAllInPlace()) memory.EndText();
   return root;
 }
 

@@ -7,12 +7,12 @@
 
 namespace Vask {
 
-// What a parse says besides the value.
+// What a parse reports besides the value.
 struct ParseResult {
   std::string errorMessage;  // empty after a success and after one failure, see Parse
-  // Where the parse stopped, both from 1: behind the last character consumed,
-  // or where a failure was seen. Columns count bytes; of a one-character
-  // escape such as \n only the backslash counts.
+  // The place where the parse stopped, both from 1: behind the last character consumed,
+  // or at the failure. Columns count bytes; of a one-character escape such as \n only
+  // the backslash counts.
   std::uint32_t line = 1;
   std::uint32_t column = 1;
 };
@@ -26,18 +26,18 @@ struct ParseResult {
 // strings, unknown escapes (the backslash is dropped), and vertical tab and form
 // feed as white space. \u0000 gives nothing, and surrogates are not combined.
 // A key that comes again in an object, in any letter case, replaces the earlier
-// member; a value under an empty key is lost and never released.
+// member; a value under an empty key is read and released at once.
 //
 // One message is left empty: that of anything but ',' or ']' after an element
 // of an array.
 //
-// May be called from any thread; texts may be nested to any depth, for the
-// stack used does not grow with it. When memory runs out std::bad_alloc leaves
-// here, with everything built so far released.
+// Any thread may call this. Texts may be nested to any depth, because the use of the
+// stack does not grow with it. If memory runs out, this throws std::bad_alloc and has
+// released everything built so far.
 [[nodiscard]] Json* Parse(ParseResult& result, const char* text);
 
-// The same with the values in `memory`, which is rewound first. It must not be
-// used by anybody else meanwhile, and the values may outlive it.
+// The same with the values in `memory`, which is rewound first. No other thread may use
+// it meanwhile. The values may outlive it.
 [[nodiscard]] Json* Parse(ParseResult& result, const char* text, ValueMemory& memory);
 
 }  // namespace Vask

@@ -4,9 +4,9 @@
 
 namespace Vask {
 
-// Owns one reference to a counted object and gives it back at the end of its
-// scope. Moves, does not copy. Made from a new object it takes over the
-// creator's reference:
+// Owns one reference to a counted object and releases it at the end of its scope. It
+// can be moved, not copied. Made from a new object, it takes over the creator's
+// reference:
 //
 //   JsonRef<JsonObject> envelope(new JsonObject);
 //   JsonRef<Json> message(Parse(result, text));   // may be empty

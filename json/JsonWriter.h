@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "json/Json.h"
@@ -11,9 +12,9 @@ namespace Vask {
 class JsonArray;
 class JsonObject;
 
-// Makes the two text forms of any tree; the values' Write and WritePretty lead
-// here. The time is linear in the text that comes out, and containers under way
-// are kept on a list of its own, so that the depth of a tree costs no stack.
+// Makes the two text forms of any tree, for Write and WritePretty of the values. The time
+// is linear in the length of the result. Open containers are on a list, so that the depth
+// of a tree costs no stack.
 //
 // The compact form has no white space. The indented one has a line for every
 // member; an empty container there is its two brackets with two line feeds
@@ -57,5 +58,17 @@ class JsonWriter {
   std::vector<Member> m_members;  // of all open containers, outermost first
   std::string m_keys;             // their names, each ended by a NUL
 };
+
+// Appends `text`, up to its first NUL, as it stands between the quotes of a
+// JSON string:
+//  - quote, backslash, slash, backspace, tab, line feed, form feed and carriage
+//    return as their two-character escapes,
+//  - the other characters from 0x20 to 0x7F unchanged,
+//  - UTF-8 sequences of two and three bytes as \u and four lower-case
+//    hexadecimal digits; of the bytes after the first only the low six bits are
+//    looked at; a sequence that the text's end cuts loses its first byte,
+//  - everything else not at all: other control characters, the first bytes of
+//    longer sequences, stray continuation bytes.
+void AppendEscaped(std::string& out, std::string_view text);
 
 }  // namespace Vask

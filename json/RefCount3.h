@@ -6,8 +6,8 @@
 namespace Vask {
 
 // Base of everything that is shared by reference count. An object lives on the
-// heap, starts with one reference that belongs to its creator, and is deleted
-// by the Release that gives the last reference back.
+// heap, starts with one reference that belongs to its creator, and is deleted by the
+// Release of the last reference.
 //
 // AddRef and Release may be called from any thread, as long as the caller holds
 // a reference. What a derived class adds is not protected by this.
@@ -16,17 +16,17 @@ class RefCount3 {
   RefCount3(const RefCount3&) = delete;
   RefCount3& operator=(const RefCount3&) = delete;
 
-  // One more holder; each AddRef is owed one Release.
+  // Adds a reference. Each AddRef needs one Release.
   void AddRef() noexcept { m_refCount.fetch_add(1, std::memory_order_relaxed); }
 
-  // Gives one reference back. The last one deletes the object, so the caller
-  // must not touch it afterwards. Never fails and never allocates.
+  // Drops a reference. The last one deletes the object, so the caller must not touch
+  // it afterwards. Never fails and never allocates.
   void Release() noexcept {
     if (DropReference()) delete this;
   }
 
-  // References held at this moment; exact only while no other thread takes or
-  // gives one. For tests and diagnostics.
+  // References held at this moment; exact only while no other thread adds or drops one.
+  // For tests and diagnostics.
   std::int32_t RefCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
  protected:
@@ -36,31 +36,25 @@ class RefCount3 {
 
   // Called in place of the deletion when the last reference goes from an object
   // that was made with `deleteWhenUnreferenced` false. Does nothing here.
-  virtual void OnLastRelease() noexcept;
-
-  // Whether there is one reference alone.
-  bool IsHeldOnce() const noexcept { return m_refCount.load(std::memory_order_acquire) == 1; }
+  virtual void OnLastRelease() noexcept {}
 
   // The counting half of Release: true when the caller must delete the object.
+  //
+  // A caller that reads a count of one holds the only reference, so no other thread
+  // can change the count. This case needs no locked instruction, and nearly every
+  // value of a message is released in it.
   bool DropReference() noexcept {
-    if (!WasLast()) return false;
+    if (m_refCount.load(std::memory_order_acquire) != 1 &&
+        m_refCount.fetch_sub(1, std::memory_order_acq_rel) > 1) {
+      return false;
+    }
     if (m_deleteWhenUnreferenced) return true;
+    m_refCount.store(0, std::memory_order_relaxed);
     OnLastRelease();
     return false;
   }
 
  private:
-  // Whoever sees a count of one holds the only reference, so nobody else can
-  // change it meanwhile: that road needs no locked instruction, and nearly
-  // every value of a message takes it.
-  bool WasLast() noexcept {
-    if (m_refCount.load(std::memory_order_acquire) != 1) {
-      return m_refCount.fetch_sub(1, std::memory_order_acq_rel) <= 1;
-    }
-    m_refCount.store(0, std::memory_order_relaxed);
-    return true;
-  }
-
   bool m_deleteWhenUnreferenced;
   std::atomic<std::int32_t> m_refCount;
 };

@@ -1,26 +1,62 @@
 #pragma once
 
+#if defined(__SSE2__)
 #include <emmintrin.h>
+#endif
 
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 
-#include "json/KeyPiece.h"
+#include "json/FoldedKey.h"
 
 namespace Vask {
 
-// Sixteen characters of a text, looked at together. SSE2, which every x86-64 has.
-class SixteenCharacters {
+// Sixteen characters of a text, looked at together. There are two forms that behave the
+// same: one for any processor, and one for x86-64, which is faster. Each is made with
+// the place of the first of sixteen characters that can be read.
+
+class PortableSixteenCharacters {
  public:
   static constexpr int kCount = 16;
 
-  explicit SixteenCharacters(const char* at) noexcept
+  explicit PortableSixteenCharacters(const char* at) noexcept : m_text(at) {}
+
+  // How many characters stand before the first that means something within a string: a
+  // quote, a backslash or a control character. Bytes over 0x7F count as such, too: a
+  // caller that finds one looks again, more slowly.
+  [[nodiscard]] std::size_t PlainLength() const noexcept {
+    std::size_t length = 0;
+    while (length != kCount && IsPlain(m_text[length])) ++length;
+    return length;
+  }
+
+  // The first `length` characters, at most all, with ASCII letters in lower case.
+  [[nodiscard]] KeyPiece Lower(std::size_t length) const noexcept {
+    KeyPiece piece;
+    while (piece.length != length) {
+      piece.Add(static_cast<signed char>(FoldAscii(m_text[piece.length])));
+    }
+    return piece;
+  }
+
+ private:
+  static constexpr bool IsPlain(char c) noexcept {
+    return static_cast<signed char>(c) >= ' ' && c != '"' && c != '\\';
+  }
+
+  const char* m_text;
+};
+
+#if defined(__SSE2__)
+
+class Sse2SixteenCharacters {
+ public:
+  static constexpr int kCount = 16;
+
+  explicit Sse2SixteenCharacters(const char* at) noexcept
       : m_text(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at))) {}
 
-  // How many stand before the first that means something within a string: a
-  // quote, a backslash or a control character. Bytes over 0x7F count as such,
-  // too: who finds one looks again, more slowly.
   [[nodiscard]] std::size_t PlainLength() const noexcept {
     const __m128i quotes = _mm_cmpeq_epi8(m_text, _mm_set1_epi8('"'));
     const __m128i backslashes = _mm_cmpeq_epi8(m_text, _mm_set1_epi8('\\'));
@@ -30,7 +66,6 @@ class SixteenCharacters {
     return static_cast<std::size_t>(std::countr_zero(bits | 1u << 16));
   }
 
-  // The first `length`, at most all, with ASCII letters in lower case.
   [[nodiscard]] KeyPiece Lower(std::size_t length) const noexcept {
     static constexpr signed char kKept[32] = {-1, -1, -1, -1, -1, -1, -1, -1,
                                               -1, -1, -1, -1, -1, -1, -1, -1};
@@ -48,5 +83,12 @@ class SixteenCharacters {
  private:
   __m128i m_text;
 };
+using SixteenCharacters = Sse2SixteenCharacters;
+
+#else
+
+using SixteenCharacters = PortableSixteenCharacters;
+
+#endif
 
 }  // namespace Vask

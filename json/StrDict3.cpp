@@ -6,8 +6,9 @@
 namespace Vask {
 
 void EndProcessOnLongKey() noexcept {
-  std::fputs("Vask::StrDict3: a key of more than 128 characters cannot be enumerated\n", stderr);
-  std::fflush(stderr);
+  static_cast<void>(std::fputs(
+      "Vask::StrDict3: a key of more than 128 characters cannot be enumerated\n", stderr));
+  static_cast<void>(std::fflush(stderr));
   std::abort();
 }
 

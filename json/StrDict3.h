@@ -11,23 +11,21 @@
 #include <utility>
 
 #include "json/FoldedKey.h"
-#include "json/KeyFolding.h"
-#include "json/KeyPiece.h"
 
 namespace Vask {
 
 // Ends the process, after saying why on standard error: a dictionary holds a
 // key that, with the prefix of the enumeration, is longer than the buffer in
-// which keys are assembled. Whoever lets foreign keys into a dictionary that is
-// enumerated limits their length first.
+// which keys are assembled. A caller that stores foreign keys in a dictionary that is
+// enumerated must limit their length first.
 [[noreturn]] void EndProcessOnLongKey() noexcept;
 
 // A dictionary from NUL-terminated byte strings to values of type T, as a
 // character trie, with siblings in ascending order of their characters taken as
 // signed bytes (0x80 to 0xFF before ASCII). A node stands for a whole run of
-// characters where nothing branches off, since nearly every key of a message is
-// such a run. Unless it is case sensitive it folds ASCII letters on the way in and in
-// look-ups, and enumerates keys as folded.
+// characters if nothing branches off there, because nearly every key of a message is
+// such a run. Unless it is case sensitive, the dictionary folds ASCII letters when it
+// stores a key and when it looks one up, and enumerates keys as folded.
 //
 // T is a plain value (a pointer, as a rule), copied bit by bit; the dictionary
 // never releases what a pointer points at. Not synchronised. No operation uses
@@ -52,7 +50,7 @@ class StrDict3 {
     std::uint8_t hasValue;  // 1 when a key ends with the last character
   };
 
-  // Where nodes come from. One allocator may serve several dictionaries of one
+  // The source of nodes. One allocator may serve several dictionaries of one
   // thread; it must outlive those that do not own it.
   class IAllocator {
    public:
@@ -62,16 +60,17 @@ class StrDict3 {
     virtual void FreeNode(Node* node) noexcept = 0;
   };
 
-  // Gets nodes from the heap in blocks of `NodesPerBlock` and gives them back
-  // to it only in its destructor.
+  // Gets nodes from the heap in blocks of `NodesPerBlock`, and frees the blocks only in
+  // its destructor.
   template <std::uint32_t NodesPerBlock>
   class Allocator;
   using StandardAllocator = Allocator<16>;
 
   // Receives each key in turn, a pointer to its value and the caller's context;
-  // the key's text is gone afterwards. False stops the walk. It must not insert
-  // into the dictionary.
+  // the key's text is valid only during the call. False stops the walk. The callback
+  // must not insert into the dictionary.
   using Callback = bool (*)(const char* key, T* value, void* context);
+  using ConstCallback = bool (*)(const char* key, T const* value, void* context);
 
   class Path;
 
@@ -81,17 +80,12 @@ class StrDict3 {
     m_ownsAllocator = true;
   }
 
-  // With an allocator that belongs to somebody else.
+  // With an allocator that belongs to the caller.
   explicit StrDict3(IAllocator* allocator, bool caseSensitive = false, bool foldToUpper = false)
       : m_allocator(allocator), m_folding(KeyFolding::For(caseSensitive, foldToUpper)) {}
-  explicit StrDict3(StandardAllocator* allocator, bool caseSensitive = false,
-                    bool foldToUpper = false)
-      : StrDict3(static_cast<IAllocator*>(allocator), caseSensitive, foldToUpper) {
-    m_standardAllocator = allocator;
-  }
 
-  // Gives every node back and deletes the allocator if it is the dictionary's
-  // own (nodes of that one simply go with it). Values are not touched.
+  // Frees every node, and deletes the allocator if the dictionary owns it. Does not
+  // touch values.
   virtual ~StrDict3() {
     if (m_ownsAllocator) {
       delete m_allocator;
@@ -104,17 +98,16 @@ class StrDict3 {
   StrDict3& operator=(const StrDict3&) = delete;
 
   // Stores the value under the key, over any earlier one, which is not
-  // released. False, with nothing stored, for a null or empty key. When memory
-  // runs out, std::bad_alloc leaves all stored pairs as they were.
+  // released. False, with nothing stored, for a null or empty key. If memory runs out,
+  // throws std::bad_alloc and leaves all stored pairs as they were.
   bool Insert(const char* key, const T& value);
 
-  // The node at which the key's path ends, or false when there is no such path
-  // (or no key). The node may be a mere prefix of longer keys: test hasValue.
-  // It is good until the next key comes in or goes.
+  // Stores the node at which the key's path ends; false if there is no such path (or no
+  // key). The node may be a mere prefix of longer keys: test hasValue. It is valid until
+  // the dictionary changes.
   bool Find(const char* key, const Node*& outNode) const noexcept;
 
-  // The value stored under the key, or null. It stays where it is until the next
-  // key comes in or goes.
+  // The value stored under the key, or null. Valid until the dictionary changes.
   const T* FindValue(const char* key) const noexcept;
   // The same for a key that was folded beforehand, and faster.
   const T* FindValue(const FoldedKey& key) const noexcept;
@@ -123,20 +116,30 @@ class StrDict3 {
   // before those that extend it, with `prefix` set before each key. False when
   // a callback stopped the walk. Ends the process when prefix and key together
   // exceed kMaxVisitedKeyLength.
-  bool ForEach(const char* prefix, Callback callback, void* context) const;
+  bool ForEach(const char* prefix, Callback callback, void* context) {
+    return Walk(prefix, callback, context);
+  }
+  bool ForEach(const char* prefix, ConstCallback callback, void* context) const {
+    return Walk(prefix, callback, context);
+  }
 
-  // Takes the first pair, in the order of ForEach, out of the dictionary and
-  // gives its value; false when none is left. Assembles no key, so keys may
-  // have any length, and never allocates. For a dictionary that is about to go
-  // together with its allocator: nodes are dropped, not given back, and after
-  // the first call it is good for nothing but further ones and destruction.
-  bool TakeFirst(T& value) noexcept;
+  // Takes pairs out of the dictionary, in the order of ForEach, until take(value)
+  // returns false or none is left. True if none is left. Assembles no key, so keys may
+  // have any length, and never allocates. Passes each node that is no longer needed to
+  // free(node). After the first call the dictionary is good for further ones and
+  // destruction only.
+  template <class Take, class Free>
+  bool TakeEach(Take take, Free free) noexcept;
+  // Takes the first pair like this and stores its value; false if none is left.
+  bool TakeFirst(T& value) noexcept {
+    const auto take = [&value](const T& taken) noexcept {
+      value = taken;
+      return false;
+    };
+    return !TakeEach(take, [this](Node* node) noexcept { m_allocator->FreeNode(node); });
+  }
 
-  // Drops all nodes without giving them back, for a dictionary that is about to go
-  // together with its allocator.
-  void Forget() noexcept { m_root = nullptr; }
-
-  // Gives every node back; the values are not touched.
+  // Frees every node. Does not touch the values.
   void Clear() noexcept {
     while (Node* node = m_root) {
       m_root = Successor(node);
@@ -148,11 +151,6 @@ class StrDict3 {
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
-  Node* AllocNode() {
-    return m_standardAllocator != nullptr ? m_standardAllocator->AllocNode()
-                                          : m_allocator->AllocNode();
-  }
-
   static KeyPiece Run(const Node& node) noexcept { return {node.low, node.high, node.length}; }
   // Gives a node its characters and no value.
   static void SetRun(Node* node, const KeyPiece& piece) noexcept {
@@ -161,7 +159,7 @@ class StrDict3 {
     node->length = static_cast<std::uint8_t>(piece.length);
     node->hasValue = 0;
   }
-  // By these siblings are ordered.
+  // Siblings are in the order of these.
   static signed char First(const Node& node) noexcept { return Run(node).First(); }
 
   static void SetValue(Node* node, const T& value) noexcept {
@@ -173,17 +171,15 @@ class StrDict3 {
   // that something can end or branch off there. On std::bad_alloc all is as it was.
   void Divide(Node* node, std::size_t kept);
 
-  // What comes next when `first`, the first node of the first chain, is cut off:
-  // its children are put before its siblings. This takes a dictionary apart in
-  // the order of ForEach without a stack.
+  // The first node after `first`, the first node of the first chain, is cut off. Puts
+  // its children before its siblings. This takes a dictionary apart in the order of
+  // ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
 
-  static bool Visit(char* key, std::size_t length, Node* node, Callback callback, void* context);
+  template <class AnyCallback>
+  bool Walk(const char* prefix, AnyCallback callback, void* context) const;
 
   IAllocator* m_allocator;
-  // The same allocator when it is the standard one, whose calls the compiler
-  // can then see through: nearly every key of a message gets a node.
-  StandardAllocator* m_standardAllocator = nullptr;
   const KeyFolding& m_folding;
   Node* m_root = nullptr;
   bool m_ownsAllocator = false;
@@ -193,10 +189,7 @@ template <class T>
 template <std::uint32_t NodesPerBlock>
 class StrDict3<T>::Allocator final : public IAllocator {
  public:
-  // With `count` nodes of memory at `firstNodes`, which must outlive the allocator;
-  // all others come from the heap.
-  explicit Allocator(Node* firstNodes = nullptr, std::uint32_t count = 0) noexcept
-      : m_next(firstNodes), m_end(firstNodes + count), m_provided(count) {}
+  Allocator() = default;
   ~Allocator() override {
     while (m_blocks != nullptr) {
       Block* block = m_blocks;
@@ -207,7 +200,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator(const Allocator&) = delete;
   Allocator& operator=(const Allocator&) = delete;
 
-  // The node that was freed last, else one that was never handed out.
+  // Returns the node that was freed last, else one that was never used.
   Node* AllocNode() override {
     if (m_freeNodes != nullptr) {
       --m_freeCount;
@@ -236,7 +229,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
   };
 
   [[gnu::noinline]] void AddBlock() {
-    Block* block = new Block;  // left unset: whoever takes a node sets its fields
+    Block* block = new Block;  // left unset: the user of a node sets its fields
     block->next = m_blocks;
     m_blocks = block;
     m_next = block->nodes.data();
@@ -245,13 +238,13 @@ class StrDict3<T>::Allocator final : public IAllocator {
     ++m_blockCount;
   }
 
-  Node* m_next;  // never handed out, up to the end
-  Node* m_end;
+  Node* m_next = nullptr;  // never used, up to the end
+  Node* m_end = nullptr;
   Node* m_freeNodes = nullptr;
   std::uint32_t m_freeCount = 0;
-  std::uint32_t m_provided;
+  std::uint32_t m_provided = 0;
   std::uint32_t m_blockCount = 0;
-  Block* m_blocks = nullptr;  // those from the heap
+  Block* m_blocks = nullptr;
 };
 
 // Lays a key's path piece by piece, so that a key that is still being read needs
@@ -262,14 +255,20 @@ class StrDict3<T>::Path {
   explicit Path(StrDict3& dictionary) noexcept
       : m_dictionary(dictionary), m_level(&dictionary.m_root) {}
 
-  // Goes deeper along the characters up to the first that `reader` does not
-  // take, and answers its place. There are new nodes where there were none.
-  // Characters past kMaxKeyLength are passed over.
+  // Goes deeper along the characters up to the first that `reader` does not take, and
+  // returns the place of that one. Makes the nodes that are missing. Characters past
+  // kMaxKeyLength are passed over.
   //
-  // A reader answers Piece(at), the piece of the key that begins there; an empty
-  // one where the key ends. Foldings are readers.
+  // A reader has Piece(at), the piece of the key that begins there; an empty one at the
+  // end of the key. Foldings are readers.
   template <class Reader>
   const char* Append(const char* at, const Reader& reader);
+
+  // The same for the only piece of a key, which is shorter than kMaxLength. False if it
+  // takes more than one node; then the path is good for nothing more.
+  [[nodiscard]] bool AppendOnly(const KeyPiece& piece) {
+    return piece.length == 0 || Lay(piece) == piece.length;
+  }
 
   // The same for a whole key, and for one character that is not NUL.
   void Append(const char* key) { Append(key, m_dictionary.m_folding); }
@@ -305,8 +304,8 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const Reader& reade
   }
 }
 
-// Goes deeper by as many of the piece's characters as one node takes, and
-// answers their number.
+// Goes deeper by as many of the piece's characters as one node takes, and returns their
+// number.
 template <class T>
 inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
   const signed char first = piece.First();
@@ -325,10 +324,10 @@ inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
   return length;
 }
 
-// Hangs a new node in at `link`.
+// Inserts a new node at `link`.
 template <class T>
 inline void StrDict3<T>::Path::Extend(Node** link, const KeyPiece& piece) {
-  Node* node = m_dictionary.AllocNode();
+  Node* node = m_dictionary.m_allocator->AllocNode();
   SetRun(node, piece);
   node->nextSibling = *link;
   node->firstChild = nullptr;
@@ -394,7 +393,8 @@ inline const T* StrDict3<T>::FindValue(const FoldedKey& key) const noexcept {
 }
 
 template <class T>
-bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) const {
+template <class AnyCallback>
+bool StrDict3<T>::Walk(const char* prefix, AnyCallback callback, void* context) const {
   struct Later {
     Node* node;
     std::size_t length;
@@ -406,12 +406,13 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
   if (length > kMaxVisitedKeyLength) EndProcessOnLongKey();
   std::memcpy(key, prefix, length);
   for (Node* node = m_root; node != nullptr;) {
-    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
+    // Every node on the way down has a character, so this also limits `later`.
     if (length + node->length > kMaxVisitedKeyLength) EndProcessOnLongKey();
-    const std::uint64_t run[] = {node->low, node->high};
-    std::memcpy(key + length, run, sizeof run);
+    if (node->nextSibling != nullptr) *lastLater++ = {node->nextSibling, length};
+    Run(*node).CopyTo(key + length);
     length += node->length;
-    if (node->hasValue && !Visit(key, length, node, callback, context)) return false;
+    key[length] = '\0';
+    if (node->hasValue && !callback(key, &node->value, context)) return false;
     node = node->firstChild;
     if (node == nullptr && lastLater != later) {
       node = (--lastLater)->node;
@@ -422,15 +423,8 @@ bool StrDict3<T>::ForEach(const char* prefix, Callback callback, void* context) 
 }
 
 template <class T>
-bool StrDict3<T>::Visit(char* key, std::size_t length, Node* node, Callback callback,
-                        void* context) {
-  key[length] = '\0';
-  return callback(key, &node->value, context);
-}
-
-template <class T>
 [[gnu::noinline]] void StrDict3<T>::Divide(Node* node, std::size_t kept) {
-  Node* rest = AllocNode();
+  Node* rest = m_allocator->AllocNode();
   const KeyPiece whole = Run(*node);
   SetRun(rest, whole.Behind(kept));
   rest->nextSibling = nullptr;
@@ -441,7 +435,7 @@ template <class T>
 }
 
 template <class T>
-typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
+inline typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
   Node* next = first->firstChild;
   if (next == nullptr) return first->nextSibling;
   if (first->nextSibling != nullptr) {
@@ -455,15 +449,21 @@ typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept {
 }
 
 template <class T>
-bool StrDict3<T>::TakeFirst(T& value) noexcept {
+template <class Take, class Free>
+inline bool StrDict3<T>::TakeEach(Take take, Free free) noexcept {
   Node* node = m_root;
-  while (node != nullptr && !node->hasValue) node = Successor(node);
-  if (node == nullptr) {
-    m_root = nullptr;
-    return false;
+  while (node != nullptr) {
+    Node* const next = Successor(node);
+    const bool hasValue = node->hasValue != 0;
+    const T value = hasValue ? node->value : T{};
+    free(node);
+    node = next;
+    if (hasValue && !take(value)) {
+      m_root = node;
+      return false;
+    }
   }
-  value = node->value;
-  m_root = Successor(node);
+  m_root = nullptr;
   return true;
 }
 

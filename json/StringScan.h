@@ -3,25 +3,24 @@
 #include <cstddef>
 #include <string_view>
 
-#include "json/KeyFolding.h"
-#include "json/KeyPiece.h"
+#include "json/FoldedKey.h"
 #include "json/SixteenCharacters.h"
 
 namespace Vask {
 
-// How the parser gets over the characters of a string or a key that mean nothing
-// but themselves. Texts end with a NUL. All of this is pure, for any thread.
+// How the parser passes over the plain characters of a string or a key. Texts end with a
+// NUL. All of this is pure, for any thread.
 
 // The characters at which a run of plain ones in a string ends.
 inline constexpr std::string_view kStringSpecials("\0\"\\\n", 4);
 
-// Keys are folded while they are read; this stops where a string has to be
-// looked at more closely.
+// Keys are folded while they are read. Both foldings stop at a character that needs a
+// closer look.
 inline constinit const KeyFolding kKeyFolding(KeyFolding::Letters::ToLower, kStringSpecials);
 inline constinit const KeyFolding kPlainCharacters(KeyFolding::Letters::Kept, kStringSpecials);
 
-// Folds keys as kKeyFolding does, as many characters at a time as a piece has while
-// so many stand before the text's end.
+// Folds keys as kKeyFolding does. Takes a whole piece at a time while the text has enough
+// characters left.
 class KeyReader {
  public:
   explicit KeyReader(const char* textEnd) : m_textEnd(textEnd) {}
@@ -35,7 +34,7 @@ class KeyReader {
   }
 
  private:
-  // Apart, for the sake of the registers of those who need it hardly ever.
+  // Out of line, because callers hardly ever need it and then keep their registers.
   [[gnu::noinline]] static KeyPiece OddPiece(const char* at) { return kKeyFolding.Piece(at); }
 
   const char* m_textEnd;
@@ -47,7 +46,7 @@ inline const char* SkipPlain(const char* at) {
   return at;
 }
 
-// The same, many at a time while there are enough of them before the text's end.
+// The same, sixteen at a time while the text has enough characters left.
 inline const char* SkipPlain(const char* at, const char* textEnd) {
   while (textEnd - at >= SixteenCharacters::kCount) {
     const std::size_t length = SixteenCharacters(at).PlainLength();
@@ -58,8 +57,8 @@ inline const char* SkipPlain(const char* at, const char* textEnd) {
   return SkipPlain(at);
 }
 
-// Bytes that suffice for a string's text from `begin` on: as many as stand before
-// its closing quote, for no escape grows.
+// Bytes that suffice for a string's text from `begin` on: the number before its closing
+// quote, because no escape grows.
 inline std::size_t StringRoom(const char* begin) {
   const char* at = SkipPlain(begin);
   while (*at != '"' && *at != '\0') {

@@ -3,8 +3,7 @@
 namespace Vask {
 
 void* ValueMemory::TakeAlone(std::size_t bytes) {
-  return new (::operator new(sizeof(Head) + bytes)) Head{0, 0, static_cast<std::uint32_t>(bytes)} +
-         1;
+  return new (::operator new(sizeof(Head) + bytes)) Head{0, static_cast<std::uint32_t>(bytes)} + 1;
 }
 
 void ValueMemory::Free(void* piece) noexcept {
@@ -22,27 +21,12 @@ void ValueMemory::OpenSlab() {
 }
 
 void ValueMemory::Rewind() noexcept {
-  // Once the pieces given back are as many as were cut, nobody is left who could
-  // touch the slab.
-  m_isOneText = m_slab == nullptr || m_slab->inUse.load(std::memory_order_acquire) + m_pieces == 0;
-  if (m_slab == nullptr || !m_isOneText) return;
+  // If all pieces have been freed, no thread can touch the slab any more.
+  if (m_slab == nullptr) return;
+  if (m_slab->inUse.load(std::memory_order_acquire) + m_pieces != 0) return;
   m_slab->inUse.store(0, std::memory_order_relaxed);
-  m_slab->textEnd.store(0, std::memory_order_relaxed);
   m_left = kSlabBytes - kAlignment;
   m_pieces = 0;
-}
-
-void ValueMemory::EndText() noexcept {
-  if (!m_isOneText || m_slab == nullptr) return;
-  m_isOneText = false;
-  m_slab->textPieces = static_cast<std::uint16_t>(m_pieces);
-  m_slab->textEnd.store(static_cast<std::uint16_t>((kSlabBytes - m_left) / kAlignment),
-                        std::memory_order_relaxed);
-}
-
-void ValueMemory::BreakText(void* piece) noexcept {
-  Head& head = HeadOf(piece);
-  if (head.slabOffset != 0) SlabOf(head)->textEnd.store(0, std::memory_order_relaxed);
 }
 
 void ValueMemory::CloseSlab() noexcept {
@@ -52,8 +36,8 @@ void ValueMemory::CloseSlab() noexcept {
   m_slab = nullptr;
 }
 
-// Whoever sees as few pieces in use as it brings holds the last ones, and needs
-// no locked instruction.
+// A caller that reads a count equal to its own pieces holds the last ones, and needs no
+// locked instruction.
 void ValueMemory::Retire(Slab* slab, std::int32_t pieces) noexcept {
   if (slab->inUse.load(std::memory_order_acquire) == pieces ||
       slab->inUse.fetch_sub(pieces, std::memory_order_acq_rel) == pieces) {

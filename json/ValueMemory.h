@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <new>
 
-// Under AddressSanitizer what lies unused in a slab is as untouchable as freed
-// memory of the heap. Elsewhere these are nothing.
+// Under AddressSanitizer, unused memory of a slab is poisoned like freed memory of the
+// heap. Elsewhere these do nothing.
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #include <sanitizer/asan_interface.h>
@@ -19,21 +19,19 @@
 
 namespace Vask {
 
-// Memory for the values of one text, cut from larger pieces ("slabs"), because a
-// message's values come together and go together: one call of the heap for all
-// of them instead of one each. A slab goes back to the heap when the last value
-// in it was deleted, in whatever order and on whatever thread that happens; one
-// value that is kept keeps its slab.
+// Memory for the values of one text, cut from larger pieces ("slabs"), because the values
+// of a message are made and released together: one allocation for all of them instead of
+// one each. A slab is freed when the last piece in it is freed, in any order and on any
+// thread. One piece that is kept keeps its slab.
 //
-// Who reads one text after the other keeps one of these and rewinds it between
-// them: then the heap is hardly asked at all. Each piece has a small head that tells
-// where it came from, so that Free serves pieces of a slab and such of the heap
-// alike.
+// A caller that reads one text after the other keeps one of these and rewinds it between
+// them. Then nearly no text allocates. Each piece has a small head that says where it came
+// from, so that Free serves pieces of a slab and of the heap alike.
 class ValueMemory {
  public:
   // What a slab holds, heads included: the largest message of a few values.
   static constexpr std::size_t kSlabBytes = 4096;
-  // Larger pieces that do not fit any more come from the heap each for itself.
+  // A larger piece that does not fit has an allocation of its own.
   static constexpr std::size_t kLargestPiece = 1024;
 
   ValueMemory() = default;
@@ -41,15 +39,13 @@ class ValueMemory {
   ValueMemory(const ValueMemory&) = delete;
   ValueMemory& operator=(const ValueMemory&) = delete;
 
-  // Cuts from the beginning of the slab again, if all that was cut from it has
-  // been given back.
+  // Cuts from the beginning of the slab again, if all its pieces have been freed.
   void Rewind() noexcept;
 
   // A piece of `bytes`, aligned to 8. Throws std::bad_alloc.
   void* Take(std::size_t bytes) {
     const std::size_t whole = sizeof(Head) + RoundUp(bytes);
     if (whole > m_left) {
-      if (m_slab != nullptr || bytes > kLargestPiece) m_isOneText = false;
       if (bytes > kLargestPiece) return TakeAlone(bytes);
       OpenSlab();
     }
@@ -57,41 +53,32 @@ class ValueMemory {
     m_left -= whole;
     ++m_pieces;
     ASAN_UNPOISON_MEMORY_REGION(head, sizeof(Head) + bytes);
-    const auto offset = static_cast<std::uint16_t>(kSlabBytes - m_left - whole);
-    return new (head) Head{offset, 0, static_cast<std::uint32_t>(bytes)} + 1;
+    const auto offset = static_cast<std::uint32_t>(kSlabBytes - m_left - whole);
+    return new (head) Head{offset, static_cast<std::uint32_t>(bytes)} + 1;
   }
 
   // A piece of the heap that Free knows, for a value that stands alone.
   static void* TakeAlone(std::size_t bytes);
 
-  // To be said when a text was read whole and its first piece holds all others: if
-  // they lie in one slab they can then go all at once (see Text).
-  void EndText() noexcept;
+  // From `memory` if there is one, else a piece of the heap.
+  static void* Take(ValueMemory* memory, std::size_t bytes) {
+    return memory != nullptr ? memory->Take(bytes) : TakeAlone(bytes);
+  }
 
-  // To be said, of any piece, before its value is made to hold another one: from
-  // then on the pieces of its text go each for itself.
-  static void BreakText(void* piece) noexcept;
-
-  class Text;
   class Returns;
 
-  // Gives a piece back, from either source and on any thread.
+  // Frees a piece, from either source and on any thread.
   static void Free(void* piece) noexcept;
 
  private:
   struct Head {
-    std::uint16_t slabOffset;  // from the slab's begin to here; 0: of the heap
-    std::uint16_t others;      // pieces that are given back together with this one
+    std::uint32_t slabOffset;  // from the slab's begin to here; 0: of the heap
     std::uint32_t bytes;       // of the piece
   };
   struct Slab {
-    // Pieces in use, once all that will ever be cut from the slab are counted
-    // in; before that, the number given back, negative.
+    // Pieces in use, after the slab was closed. Before that: the number of freed pieces,
+    // negative.
     std::atomic<std::int32_t> inUse{0};
-    // Of the one text that fills the slab from its begin on, 0 if there is none:
-    // the offset of its end, in kAlignment.
-    std::atomic<std::uint16_t> textEnd{0};
-    std::uint16_t textPieces = 0;
   };
 
   static constexpr std::size_t kAlignment = 8;
@@ -110,61 +97,10 @@ class ValueMemory {
   Slab* m_slab = nullptr;
   std::size_t m_left = 0;     // bytes of the slab
   std::int32_t m_pieces = 0;  // cut from it
-  bool m_isOneText = true;    // all of the text so far lies here, and nothing else
 };
 
-// The pieces that were taken for a text behind its first one, if they are still as
-// they were at its end: all there, and nobody said BreakText. Empty otherwise.
-class ValueMemory::Text {
- public:
-  explicit Text(void* first) noexcept {
-    Head& head = HeadOf(first);
-    if (head.slabOffset != kAlignment) return;
-    Slab* slab = SlabOf(head);
-    const std::size_t end = slab->textEnd.load(std::memory_order_relaxed) * kAlignment;
-    const std::int32_t inUse = slab->inUse.load(std::memory_order_acquire);
-    if (end == 0 || (inUse != 0 && inUse != slab->textPieces)) return;
-    m_slab = slab;
-    m_head = &head;
-    m_second = After(first);
-    m_end = reinterpret_cast<char*>(slab) + end;
-  }
-
-  [[nodiscard]] bool Empty() const noexcept { return m_slab == nullptr; }
-
-  // Whether `holds` is true of every piece.
-  template <class Predicate>
-  [[nodiscard]] bool All(Predicate holds) const noexcept {
-    // Pieces begin behind their heads, so where the last one ends there is none.
-    for (char* piece = m_second; piece < m_end; piece = After(piece)) {
-      if (!holds(piece)) return false;
-    }
-    return true;
-  }
-
-  // They go when the first piece goes. Answers how many they are.
-  std::uint16_t GiveBack() noexcept {
-    static_cast<void>(All([](void* piece) {
-      ASAN_POISON_MEMORY_REGION(piece, HeadOf(piece).bytes);
-      return piece != nullptr;
-    }));
-    m_head->others = static_cast<std::uint16_t>(m_slab->textPieces - 1);
-    return m_head->others;
-  }
-
- private:
-  static char* After(void* piece) noexcept {
-    return static_cast<char*>(piece) + RoundUp(HeadOf(piece).bytes) + sizeof(Head);
-  }
-
-  Slab* m_slab = nullptr;
-  Head* m_head = nullptr;
-  char* m_second = nullptr;
-  const char* m_end = nullptr;
-};
-
-// Pieces that one thread gives back one after the other, counted in one step
-// for each run that comes from the same slab. The last step is the destructor's.
+// Frees pieces for one thread, one after the other, and counts each run of pieces of one
+// slab in one step. The destructor does the last step.
 class ValueMemory::Returns {
  public:
   Returns() = default;
@@ -173,19 +109,24 @@ class ValueMemory::Returns {
   Returns& operator=(const Returns&) = delete;
 
   void Add(void* piece) noexcept {
-    Head& head = HeadOf(piece);
-    if (head.slabOffset == 0) return ::operator delete(&head);
-    Slab* slab = SlabOf(head);
-    ASAN_POISON_MEMORY_REGION(piece, head.bytes);
-    if (slab != m_slab) {
+    if (!IsInSlab(piece)) [[unlikely]] {
+      Head& head = HeadOf(piece);
+      if (head.slabOffset == 0) return ::operator delete(&head);
       Settle();
-      m_slab = slab;
+      m_slab = SlabOf(head);
       m_pieces = 0;
     }
-    m_pieces += 1 + head.others;
+    ASAN_POISON_MEMORY_REGION(piece, HeadOf(piece).bytes);
+    ++m_pieces;
   }
 
  private:
+  // Without a look at the piece: a message's pieces lie in one slab, as a rule.
+  bool IsInSlab(const void* piece) const noexcept {
+    const auto distance =
+        reinterpret_cast<std::uintptr_t>(piece) - reinterpret_cast<std::uintptr_t>(m_slab);
+    return distance < kSlabBytes;
+  }
   void Settle() noexcept {
     if (m_pieces != 0) Retire(m_slab, m_pieces);
   }

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <type_traits>
 
+#include "json/Ascii.h"
 #include "json/FoldedKey.h"
-#include "json/KeyFolding.h"
 #include "json/StrDict3.h"
 
 namespace Messages {
@@ -156,17 +156,11 @@ struct Description;
 
 // --- Names ---
 
-inline constexpr Vask::KeyFolding kToLower(Vask::KeyFolding::Letters::ToLower);
-
-constexpr char FoldAscii(char c) {
-  return static_cast<char>(kToLower.Fold(c));
-}
-
 // Not inlined, so that a sequence of comparisons with many names holds little more
 // than one comparison of lengths for each.
 [[gnu::noinline]] constexpr bool SameLetters(const char* a, const char* b, std::size_t length) {
   for (std::size_t i = 0; i < length; ++i) {
-    if (FoldAscii(a[i]) != FoldAscii(b[i])) return false;
+    if (Vask::FoldAscii(a[i]) != Vask::FoldAscii(b[i])) return false;
   }
   return true;
 }

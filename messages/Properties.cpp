@@ -3,10 +3,9 @@
 #include <cstring>
 #include <string_view>
 
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "messages/ErrorReport.h"
 
 namespace Messages {

@@ -4,11 +4,10 @@
 #include <new>
 #include <string>
 
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "messages/ErrorReport.h"
 #include "messages/GlobalOptions.h"
 #include "messages/GlobalOptions2.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "json/NumberReading.h"
+#include "json/Ascii.h"
 
 namespace Vask {
 

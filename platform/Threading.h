@@ -56,7 +56,7 @@ class Threading {
 
 // The default stack size is the host program's and may be anything, so the
 // agent's threads reserve this much.
-inline constexpr std::size_t kThreadStackBytes = 1024 * 1024;
+inline constexpr std::size_t kThreadStackBytes = std::size_t{1024} * 1024;
 
 // The machine's threads and events. The object lives as long as the process.
 Threading& SystemThreading() noexcept;

@@ -291,8 +291,8 @@ struct Verb {
 
 constexpr std::array kVerbs{
     Verb{"set", "NAME VALUE",
-         "set a value; a text may stand in quotes and hold the escapes of `raw`\n"
-         "(the agent's limits are not checked, so you can send values that it refuses)",
+         "set a value; a text may be in quotes and hold the escapes of `raw`\n"
+         "(no limit is checked, so you can send values that the agent refuses)",
          ParseSet, nullptr},
     Verb{"show", "", "print all values", ParseShow, nullptr},
     Verb{"send", "GROUP",
@@ -305,8 +305,8 @@ constexpr std::array kVerbs{
     Verb{"raw", "BYTES", "send bytes; \\n \\r \\t \\0 \\\\ and \\xHH are single bytes", nullptr,
          ParseRaw},
     Verb{"split", "POSITIONS COMMAND",
-         "run one of the four commands above, but send its bytes in pieces: 3,7 cuts\n"
-         "after byte 3 and byte 7, * cuts after every byte",
+         "run one of the four commands above, but send its bytes in pieces:\n"
+         "3,7 cuts after byte 3 and byte 7, * cuts after every byte",
          ParseSplit, nullptr},
     Verb{"drop", "", "end the connection in order", ParseDrop, nullptr},
     Verb{"refuse", "MS", "refuse connections for MS milliseconds; the present one stays",

@@ -6,7 +6,7 @@
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "net/Framing.h"
 #include "simulator/Text.h"
 

@@ -11,11 +11,11 @@
 
 // The dictionary against std::map<std::string, ...> doing the same job: built
 // and destroyed, every key found, all pairs walked in order. Keys come as
-// C strings in an order that is no order, as they do in messages.
+// C strings in random order, as in messages.
 //
 // Two kinds of keys: words, as members of objects have, and a word with a
 // number, as elements of lists have ("stream17"). A trie walks the latter
-// faster, for they share most of their nodes.
+// faster, because they share most of their nodes.
 
 namespace {
 

@@ -5,14 +5,14 @@
 #include "tests/support/UpdateFrames.h"
 
 // Decoding of the four frames of one update: parse, envelope, record, dispatch to
-// the handler, release. One iteration takes all four; the peers' records go to the
-// handler on the same road as ours.
+// the handler, release. One iteration takes all four. The peers' records go to the
+// handler in the same way as ours.
 namespace Messages::Benchmarks {
 namespace {
 
 using Vask::Tests::kUpdateFrames;
 
-// The sum of what was decoded, so that nobody can leave work out.
+// The sum of the decoded values, so that the compiler cannot leave work out.
 std::int64_t s_sum = 0;
 
 void Take(const SNMPmessage& message, std::int32_t id, void*) {

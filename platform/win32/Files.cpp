@@ -18,20 +18,20 @@ namespace {
 // piece.
 constexpr std::size_t kTextBufferBytes = 8192;
 
-struct Search {
+struct SearchPolicy {
   using Type = HANDLE;
   static Type None() noexcept { return INVALID_HANDLE_VALUE; }
   static void Close(Type search) noexcept { FindClose(search); }
 };
 
-struct ShellItem {
+struct ShellItemPolicy {
   using Type = LPITEMIDLIST;
   static constexpr Type None() noexcept { return nullptr; }
   static void Close(Type item) noexcept { CoTaskMemFree(item); }
 };
 
 HANDLE AsHandle(FileHandle file) noexcept {
-  return reinterpret_cast<HANDLE>(file);
+  return reinterpret_cast<HANDLE>(file);  // NOLINT(performance-no-int-to-ptr): kept as a number
 }
 
 FileHandle FromHandle(HANDLE handle) noexcept {
@@ -92,7 +92,7 @@ class WindowsFiles final : public Files {
 
   bool List(const char* pattern, FileVisitor visit, void* context) noexcept override {
     WIN32_FIND_DATAA found{};
-    const UniqueHandle<Search> search(FindFirstFileA(pattern, &found));
+    const UniqueHandle<SearchPolicy> search(FindFirstFileA(pattern, &found));
     if (!search.Valid()) return true;
     do {
       if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) continue;
@@ -148,7 +148,7 @@ class WindowsFiles final : public Files {
                                           &found))) {
       return false;
     }
-    const UniqueHandle<ShellItem> item(found);
+    const UniqueHandle<ShellItemPolicy> item(found);
     char folder[MAX_PATH] = "";
     if (!SHGetPathFromIDListA(item.Get(), folder) || !StripBackslash(folder)) return false;
     const std::size_t length = std::strlen(folder);

@@ -44,6 +44,10 @@ int SizeForInt(std::size_t length) noexcept {
   return static_cast<int>(std::min<std::size_t>(length, INT_MAX));
 }
 
+HANDLE AsHandle(SocketHandle socket) noexcept {
+  return reinterpret_cast<HANDLE>(socket);  // NOLINT(performance-no-int-to-ptr): is a number
+}
+
 const sockaddr* AsSockaddr(const SocketAddress& address) noexcept {
   return reinterpret_cast<const sockaddr*>(&address);
 }
@@ -82,7 +86,7 @@ class WindowsSockets final : public Sockets {
       WSADATA data{};
       g_started = WSAStartup(kWinsockVersion, &data) == 0;
       // Runs at the unload of the module or, in a program, at its end.
-      if (g_started) std::atexit(CleanUp);
+      if (g_started) static_cast<void>(std::atexit(CleanUp));
     }
     return g_started;
   }
@@ -139,7 +143,7 @@ class WindowsSockets final : public Sockets {
     shutdown(socket, SD_SEND);
     Drain(socket);
     shutdown(socket, SD_BOTH);
-    CancelIoEx(reinterpret_cast<HANDLE>(socket), nullptr);
+    CancelIoEx(AsHandle(socket), nullptr);
   }
 
   void Close(SocketHandle socket) noexcept override { closesocket(socket); }

@@ -27,7 +27,7 @@ namespace {
 // directly to the system. Its result, TRUE, is the exit code 1. The attributes
 // produce the jump in unoptimised builds, too; a test finds it in the machine code.
 [[gnu::optimize("O2"), gnu::no_stack_protector]] DWORD WINAPI ThreadMain(void* record) {
-  const HANDLE finished = RunEntry(record);
+  auto* const finished = RunEntry(record);
   if (finished == nullptr) return 0;
   return static_cast<DWORD>(::SetEvent(finished));
 }
@@ -49,8 +49,8 @@ class WindowsThreading final : public Threading {
   NativeHandle StartThread(const ThreadEntry& entry) noexcept override {
     auto* const record = new (std::nothrow) ThreadEntry(entry);
     if (record == nullptr) return nullptr;
-    const HANDLE thread = CreateThread(nullptr, kThreadStackBytes, ThreadMain, record,
-                                       STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
+    auto* const thread = CreateThread(nullptr, kThreadStackBytes, ThreadMain, record,
+                                      STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     if (thread == nullptr) {
       delete record;
       return nullptr;

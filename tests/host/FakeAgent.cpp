@@ -174,8 +174,8 @@ int Answer(BYTE type, SnmpVarBind& binding) {
 }
 
 void Unload() {
-  std::fputs("fake agent: unloaded\n", stderr);
-  std::fflush(stderr);
+  static_cast<void>(std::fputs("fake agent: unloaded\n", stderr));
+  static_cast<void>(std::fflush(stderr));
 }
 
 }  // namespace

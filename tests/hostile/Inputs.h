@@ -45,6 +45,7 @@ struct Scale {
   std::size_t unreadFrames;   // frames whose reports the peer does not read
   bool fillsTheLink;          // true if those reports exceed the system's buffers
   std::size_t longest;        // characters of a key, levels of a nesting
+  std::size_t emptyKeys;      // frames with values under empty keys
 };
 
 // The scale of this build and machine: hundreds under Wine and with a sanitizer,
@@ -53,6 +54,10 @@ Scale UsualScale();
 
 // A good frame with these numbers of streams and of failed streams.
 std::string StreamsFrame(int count, int errors);
+
+// Frames with values under empty keys: alone and beside other members, nested and as
+// containers. The key is empty or \u0000.
+std::vector<std::string> EmptyKeyFrames();
 
 // A short good frame. If `errors` changes, it raises two traps, and the agent sends a
 // report of each to the peer.

@@ -2,9 +2,8 @@
 
 #include <vector>
 
-#include "json/JsonBool.h"
-#include "json/JsonNumber.h"
 #include "json/JsonRef.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 #include "tests/json/RecordingValue.h"
 

@@ -16,7 +16,7 @@ std::string OnlyKey(const std::string& text) {
   const JsonRef<JsonObject> root(static_cast<JsonObject*>(Parse(result, text.c_str())));
   EXPECT_TRUE(root) << text << ": " << result.errorMessage;
   std::string keys;
-  const auto collect = [](const char* key, Json**, void* context) {
+  const auto collect = [](const char* key, Json* const*, void* context) {
     *static_cast<std::string*>(context) += key;
     return true;
   };
@@ -25,7 +25,7 @@ std::string OnlyKey(const std::string& text) {
 }
 
 // Keys are read sixteen characters at a time, except where a character is more than
-// a letter or the text ends soon; nobody may see the difference.
+// a letter or the text ends soon. The result must be the same.
 TEST_F(JsonKeysTest, EveryCharacterIsReadAnywhereInAKey) {
   for (unsigned c = 1; c < 256; ++c) {
     if (c == '"' || c == '\\') continue;

@@ -1,15 +1,11 @@
 #include "json/JsonObject.h"
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNull.h"
-#include "json/JsonNumber.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 #include "tests/json/RecordingValue.h"
-#include "tests/support/ExpectedLeak.h"
 
 namespace Vask {
 namespace {
@@ -106,15 +102,6 @@ TEST_F(JsonObjectTest, EmptyKeyStoresNothingAndKeepsItsReferenceForEver) {
   for (int i = 0; i < 3; ++i) value->Release();
 }
 
-TEST_F(JsonObjectTest, ParsedValueUnderAnEmptyKeyIsLost) {
-  Tests::ExpectedLeak leak;
-  ParseResult result;
-  JsonRef<Json> root(Parse(result, R"({"":[true],"a":1,"\u0000":2})"));
-  ASSERT_TRUE(root);
-  EXPECT_EQ(Written(*root), R"({"a":1})");
-  ExpectLost(3);  // the array, what is in it, and the 2
-}
-
 TEST_F(JsonObjectTest, FindGivesNothingForAbsentKeysAndMerePrefixes) {
   JsonRef<JsonObject> object(new JsonObject);
   SetInt(*object, "names", 1);
@@ -137,7 +124,7 @@ TEST_F(JsonObjectTest, MembersCanBeWalkedInOrder) {
   SetInt(*object, "b", 2);
   SetInt(*object, "A", 1);
   std::string walked;
-  const auto collect = [](const char* key, Json** value, void* context) {
+  const auto collect = [](const char* key, Json* const* value, void* context) {
     *static_cast<std::string*>(context) += key + std::string("=") + Written(**value) + " ";
     return true;
   };

@@ -5,11 +5,9 @@
 #include <vector>
 
 #include "json/JsonArray.h"
-#include "json/JsonBool.h"
-#include "json/JsonNumber.h"
 #include "json/JsonObject.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 
 namespace Vask {
@@ -45,7 +43,7 @@ std::string DumpNumber(const JsonNumber& number) {
 
 std::string DumpObject(const JsonObject& object) {
   std::string dump;
-  const auto add = [](const char* key, Json** value, void* context) {
+  const auto add = [](const char* key, Json* const* value, void* context) {
     auto& text = *static_cast<std::string*>(context);
     text += (text.empty() ? "" : ", ") + DumpText(key) + ": " + Dump(**value);
     return true;
@@ -258,8 +256,55 @@ TEST_F(JsonParserTest, FailureReleasesEverythingBuiltSoFar) {
   }
 }
 
+// The text reads to its end, so every position behind the value is the same as under
+// any other key.
+TEST_F(JsonParserTest, ValueUnderAnEmptyKeyIsReadAndReleased) {
+  struct Member {
+    const char* name;
+    const char* text;
+    const char* written;
+  };
+  for (const Member& row : {
+           Member{"Number", R"({"":1})", "{}"},
+           Member{"String", R"({"":"x"})", "{}"},
+           Member{"EscapedString", R"({"":"\u0041"})", "{}"},
+           Member{"True", R"({"":true})", "{}"},
+           Member{"Null", R"({"":null})", "{}"},
+           Member{"EmptyObject", R"({"":{}})", "{}"},
+           Member{"EmptyArray", R"({"":[]})", "{}"},
+           Member{"Object", R"({"":{"a":1,"b":[2]}})", "{}"},
+           Member{"Array", R"({"":[1,{"a":2}]})", "{}"},
+           Member{"Duplicates", R"({"":1,"":[2],"":{},"":{"":3}})", "{}"},
+           Member{"BesideOthers", R"({"a":1,"":2,"b":3,"":[4],"c":5})", R"({"a":1,"b":3,"c":5})"},
+           Member{"NestedInItself", R"({"":{"":{"":[{"":[{"":1}]}]}}})", "{}"},
+           Member{"NestedInOthers", R"([{"a":{"":[1],"b":{"":2}}},3])", R"([{"a":{"b":{}}},3])"},
+       }) {
+    const std::string plain = row.text;
+    std::string escaped;
+    for (std::size_t at = 0; at < plain.size(); ++at) {
+      const bool isEmptyKey = plain.compare(at, 3, "\"\":") == 0;
+      escaped += isEmptyKey ? R"("\u0000\u0000":)" : plain.substr(at, 1);
+      if (isEmptyKey) at += 2;
+    }
+    for (const std::string& text : {plain, escaped}) {
+      const std::uint32_t before = Living();
+      ParseResult result;
+      JsonRef<Json> root(Parse(result, text.c_str()));
+      ASSERT_TRUE(root) << row.name << ": " << text;
+      std::string written;
+      root->Write(written);
+      EXPECT_EQ(written, row.written) << row.name << ": " << text;
+      EXPECT_EQ(result.line, 1u) << row.name << ": " << text;
+      EXPECT_EQ(result.column, text.size() + 1) << row.name << ": " << text;
+      root.Reset(nullptr);
+      EXPECT_EQ(Living(), before) << row.name << ": " << text;
+    }
+  }
+}
+
 TEST_F(JsonParserTest, FailureWithinAValueUnderAnEmptyKeyReleasesThatToo) {
-  for (const char* text : {R"({"":)", R"({"":[)", R"([{"":{"":[{"a":"b")", R"({"":{"a":[1],"b")"}) {
+  for (const char* text : {R"({"":)", R"({"":[)", R"([{"":{"":[{"a":"b")", R"({"":{"a":[1],"b")",
+                           R"({"":1,"":[2]x)", R"({"":{"":[3],"a":{"b":{"":[-)"}) {
     const std::uint32_t before = Living();
     ParseResult result;
     EXPECT_EQ(Parse(result, text), nullptr) << text;

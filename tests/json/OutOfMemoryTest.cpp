@@ -14,7 +14,7 @@ namespace {
 using OutOfMemoryTest = Tests::BalancedTest;
 
 // Runs `body` with an ever larger number of allocations until it comes through,
-// and answers how often it did not.
+// and returns how often it did not.
 template <class Body>
 int FailuresUntilItWorks(Body body) {
   for (int allowed = 0;; ++allowed) {
@@ -30,8 +30,8 @@ int FailuresUntilItWorks(Body body) {
 TEST_F(OutOfMemoryTest, ParsingLosesNothingWhereverMemoryRunsOut) {
   const std::string text = R"({"key":[1,2.5,{"long key of more than sixteen":"x\n"},[[]],true],)"
                            R"("other":{"a":null},"KEY":")" +
-                           std::string(40, 'x') + "\",\"deep\":" + std::string(20, '[') +
-                           std::string(20, ']') + "}";
+                           std::string(40, 'x') + "\",\"deep\":" + std::string(1'000, '[') +
+                           std::string(1'000, ']') + "}";
   const std::uint32_t before = Living();
   const int failures = FailuresUntilItWorks([&] {
     ParseResult result;
@@ -42,11 +42,25 @@ TEST_F(OutOfMemoryTest, ParsingLosesNothingWhereverMemoryRunsOut) {
   EXPECT_EQ(Living(), before);
 }
 
+TEST_F(OutOfMemoryTest, ValueUnderAnEmptyKeyIsReleasedWhereverMemoryRunsOut) {
+  for (const char* text : {R"({"":[1]})", R"({"":{"a":[2]}})", R"([{"":{"":[{"\u0000":[3]}]}}])"}) {
+    const std::uint32_t before = Living();
+    const int failures = FailuresUntilItWorks([&] {
+      ParseResult result;
+      JsonRef<Json> root(Parse(result, text));
+      if (!root) std::abort();
+    });
+    EXPECT_GT(failures, 0) << text;
+    EXPECT_EQ(Living(), before) << text;
+  }
+}
+
 TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
   JsonRef<JsonObject> object(new JsonObject);
   JsonRef<JsonObject> value(new JsonObject);
   ASSERT_TRUE(object->Set("a", value.Get()));
-  const std::string longKey(500, 'k');  // needs two blocks more
+  // Needs 32 nodes, of which a failed try leaves those that it got: 0, 1, 2 and so on.
+  const std::string longKey(500, 'k');
   const int failures = FailuresUntilItWorks([&] {
     try {
       object->Set(longKey.c_str(), value.Get());
@@ -55,7 +69,7 @@ TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
       throw;
     }
   });
-  EXPECT_EQ(failures, 2);
+  EXPECT_EQ(failures, 8);
   EXPECT_EQ(value->RefCount(), 3);
   EXPECT_EQ(object->Find(longKey.substr(1).c_str()), nullptr);
 }
@@ -63,7 +77,7 @@ TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
 TEST_F(OutOfMemoryTest, KeyThatWouldDivideAnotherLeavesItWhole) {
   JsonRef<JsonObject> object(new JsonObject);
   JsonRef<JsonObject> value(new JsonObject);
-  for (char last = 'a'; last < 'a' + 16; ++last) {  // as many nodes as a block has
+  for (char last = 'a'; last < 'a' + 16; ++last) {
     ASSERT_TRUE(object->Set((std::string(1, last) + "-key").c_str(), value.Get()));
   }
   EXPECT_EQ(FailuresUntilItWorks([&] {

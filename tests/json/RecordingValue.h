@@ -11,9 +11,8 @@ namespace Vask::Tests {
 class RecordingValue final : public Json {
  public:
   RecordingValue(std::string name, std::string& deleted)
-      : m_name(std::move(name)), m_deleted(deleted) {}
+      : Json(JsonType{7}), m_name(std::move(name)), m_deleted(deleted) {}
 
-  JsonType Type() const noexcept override { return JsonType::Null; }
   void Write(std::string& out) const override { out = "null"; }
   void WritePretty(std::string& out, std::uint32_t) const override { Write(out); }
 

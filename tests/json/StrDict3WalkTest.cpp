@@ -13,7 +13,7 @@ namespace {
 using Dictionary = StrDict3<int>;
 using Keys = std::vector<std::string>;
 
-bool CollectKey(const char* key, int*, void* context) {
+bool CollectKey(const char* key, const int*, void* context) {
   static_cast<Keys*>(context)->emplace_back(key);
   return true;
 }
@@ -50,7 +50,7 @@ TEST(StrDict3Walk, CallbackStopsTheWalk) {
   Dictionary dictionary;
   for (const char* key : {"a", "b", "c"}) dictionary.Insert(key, 0);
   Keys keys;
-  const auto stopAtB = [](const char* key, int* value, void* context) {
+  const auto stopAtB = [](const char* key, const int* value, void* context) {
     return CollectKey(key, value, context) && std::string(key) != "b";
   };
   EXPECT_FALSE(dictionary.ForEach("", stopAtB, &keys));
@@ -65,7 +65,7 @@ TEST(StrDict3Walk, CallbackStopsTheWalkAtAKeyOfManyCharacters) {
       std::string at;
       std::string seen;
     } stop{last, ""};
-    const auto stopAtIt = [](const char* key, int*, void* context) {
+    const auto stopAtIt = [](const char* key, const int*, void* context) {
       auto& given = *static_cast<Stop*>(context);
       given.seen = key;
       return given.at != key;
@@ -79,7 +79,7 @@ TEST(StrDict3Walk, StoppedWalkDoesNotReachAKeyThatIsTooLong) {
   Dictionary dictionary;
   dictionary.Insert("a", 0);
   dictionary.Insert(("a" + std::string(200, 'k')).c_str(), 0);
-  const auto stop = [](const char*, int*, void*) { return false; };
+  const auto stop = [](const char*, const int*, void*) { return false; };
   EXPECT_FALSE(dictionary.ForEach("", stop, nullptr));
 }
 
@@ -142,6 +142,35 @@ TEST(StrDict3WalkDeathTest, KeyOf129CharactersEndsTheProcess) {
   dictionary.Insert(std::string(129, 'k').c_str(), 0);
   EXPECT_DEATH(KeysOf(dictionary), kTooLong);
 }
+
+// Each key leaves a sibling behind at its own depth: "b", "ab", "aab" and so on.
+void InsertComb(Dictionary& dictionary, std::size_t longest) {
+  for (std::size_t length = 1; length <= longest; ++length) {
+    dictionary.Insert((std::string(length - 1, 'a') + "b").c_str(), 0);
+  }
+}
+
+TEST(StrDict3Walk, SiblingsAtEveryDepthAreVisited) {
+  Dictionary dictionary;
+  InsertComb(dictionary, 128);
+  EXPECT_EQ(KeysOf(dictionary).size(), 128u);
+}
+
+TEST(StrDict3WalkDeathTest, SiblingsBelowTheLongestKeyEndTheProcess) {
+  for (const std::size_t longest : {std::size_t{129}, std::size_t{130}, std::size_t{131}}) {
+    Dictionary dictionary;
+    InsertComb(dictionary, longest);
+    EXPECT_DEATH(KeysOf(dictionary), kTooLong) << longest;
+  }
+}
+
+// A walk over a const dictionary cannot change it.
+template <class D>
+concept WalkMayWrite = requires(D& dictionary, bool (*callback)(const char*, int*, void*)) {
+  dictionary.ForEach("", callback, nullptr);
+};
+static_assert(WalkMayWrite<Dictionary>);
+static_assert(!WalkMayWrite<const Dictionary>);
 
 TEST(StrDict3WalkDeathTest, PrefixCountsToo) {
   Dictionary dictionary;

@@ -10,7 +10,7 @@
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
-#include "json/JsonString.h"
+#include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 #include "tests/support/AllocationCounter.h"
 
@@ -113,16 +113,6 @@ TEST_F(ValueMemoryTest, TextAfterTextTakesNothingMoreFromTheHeap) {
   const std::uint64_t before = Tests::Allocations();
   for (int i = 0; i < 1'000; ++i) EXPECT_TRUE(parse());
   EXPECT_EQ(Tests::Allocations(), before);
-}
-
-TEST_F(ValueMemoryTest, EndOfATextOfWhichNothingWasKeptIsNothing) {
-  ValueMemory memory;
-  memory.EndText();
-  memory.Rewind();
-  memory.EndText();
-  void* piece = memory.Take(8);
-  EXPECT_TRUE(ValueMemory::Text(piece).Empty());
-  ValueMemory::Free(piece);
 }
 
 TEST_F(ValueMemoryTest, RewindingLeavesWhatIsStillInUse) {

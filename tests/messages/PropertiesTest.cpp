@@ -3,7 +3,7 @@
 #include <cstring>
 #include <limits>
 
-#include "json/JsonNumber.h"
+#include "json/JsonScalars.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {

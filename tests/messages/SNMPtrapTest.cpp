@@ -1,5 +1,6 @@
 #include "messages/SNMPtrap.h"
 
+#include "json/Ascii.h"
 #include "tests/messages/MessageTest.h"
 
 namespace Messages::Tests {
@@ -32,7 +33,7 @@ class SNMPtrapTest : public MessageTest {
     return (decoded ? "true " : "false ") + std::to_string(trap.m_trapType.m_tag);
   }
   static std::string Folded(std::string text) {
-    for (char& c : text) c = FoldAscii(c);
+    for (char& c : text) c = Vask::FoldAscii(c);
     return text;
   }
 };

@@ -126,7 +126,7 @@ class ScriptFile {
                testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt") {
     std::ofstream(m_path, std::ios::binary) << text;
   }
-  ~ScriptFile() { std::remove(m_path.c_str()); }
+  ~ScriptFile() { static_cast<void>(std::remove(m_path.c_str())); }
   const std::string& Path() const { return m_path; }
 
  private:
@@ -261,9 +261,9 @@ TEST_F(ProgramTest, StopRequestEndsAWaitWithoutFailure) {
 
 TEST(StopSignalTest, BothSignalsAreNoted) {
   CatchStopSignals();
-  std::raise(SIGTERM);
+  EXPECT_EQ(std::raise(SIGTERM), 0);
   EXPECT_TRUE(StopSignalCame());
-  std::raise(SIGINT);
+  EXPECT_EQ(std::raise(SIGINT), 0);
   EXPECT_TRUE(StopSignalCame());
 }
 

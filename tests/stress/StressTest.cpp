@@ -102,7 +102,7 @@ class StressActivitiesTest : public StressTest {
   // Takes all waiting traps after each signal, like the service.
   void DrainTraps() {
     TakenTrap trap;
-    (void)threading.WaitEvent(whole.process.Extension().Traps().EventHandle(), 5);
+    static_cast<void>(threading.WaitEvent(whole.process.Extension().Traps().EventHandle(), 5));
     while (trap.TakeFrom(whole.process.Entries())) {
       const auto known =
           std::find_if(std::begin(kTraps), std::end(kTraps), [&](const TrapRow& row) {

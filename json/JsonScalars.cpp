@@ -1,14 +1,18 @@
-#include "json/NumberReading.h"
+#include "json/JsonScalars.h"
 
 #include <charconv>
+#include <iterator>
 #include <limits>
+
+#include "json/Ascii.h"
+#include "json/JsonWriter.h"
 
 namespace Vask {
 
 namespace {
 
-// Whether a number that no double holds is so because it is too large; the
-// others are too small. Told by the place of its first significant digit.
+// Of a number that no double holds: true if it is too large, false if it is too small.
+// The place of its first significant digit decides.
 bool IsTooLarge(std::string_view text) {
   std::int64_t exponent = 0;
   const std::size_t e = text.find_first_of("eE");
@@ -56,6 +60,61 @@ std::int64_t TruncateToInteger(double value) noexcept {
   if (value >= kEnd) return std::numeric_limits<std::int64_t>::max();
   if (value < -kEnd) return std::numeric_limits<std::int64_t>::min();
   return static_cast<std::int64_t>(value);
+}
+
+void JsonString::Write(std::string& out) const {
+  JsonWriter::Compact(*this, out);
+}
+
+void JsonString::WritePretty(std::string& out, std::uint32_t) const {
+  Write(out);
+}
+
+JsonNumber* JsonNumber::FromText(std::string_view text, bool isInteger, ValueMemory* memory) {
+  return new (Place{memory, text.size() + 1}) JsonNumber(text, isInteger);
+}
+
+JsonNumber* JsonNumber::FromInt(std::int32_t value) {
+  char text[std::numeric_limits<std::int32_t>::digits10 + 2];
+  const char* end = std::to_chars(std::begin(text), std::end(text), value).ptr;
+  return FromText({text, static_cast<std::size_t>(end - text)}, true);
+}
+
+JsonNumber::JsonNumber(std::string_view text, bool isInteger) noexcept
+    : Json(JsonType::Number), m_isInteger(isInteger), m_size(text.size()) {
+  if (isInteger) {
+    m_intValue = ReadInteger(text);
+    m_doubleValue = static_cast<double>(m_intValue);
+  } else {
+    m_doubleValue = ReadReal(text);
+    m_intValue = TruncateToInteger(m_doubleValue);
+  }
+  char* copy = reinterpret_cast<char*>(this) + sizeof(JsonNumber);
+  copy[text.copy(copy, text.size())] = '\0';
+}
+
+void JsonNumber::Write(std::string& out) const {
+  JsonWriter::Compact(*this, out);
+}
+
+void JsonNumber::WritePretty(std::string& out, std::uint32_t) const {
+  Write(out);
+}
+
+void JsonBool::Write(std::string& out) const {
+  JsonWriter::Compact(*this, out);
+}
+
+void JsonBool::WritePretty(std::string& out, std::uint32_t) const {
+  Write(out);
+}
+
+void JsonNull::Write(std::string& out) const {
+  JsonWriter::Compact(*this, out);
+}
+
+void JsonNull::WritePretty(std::string& out, std::uint32_t) const {
+  Write(out);
 }
 
 }  // namespace Vask

@@ -1,7 +1,0 @@
-#include "json/RefCount3.h"
-
-namespace Vask {
-
-void RefCount3::OnLastRelease() noexcept {}
-
-}  // namespace Vask
