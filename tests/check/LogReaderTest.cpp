@@ -115,13 +115,11 @@ TEST(LogMeanings, ErrorsOfTheGuideAreExplained) {
         "Error: GetIntProperty: Property 'Count' was expected to be an int (but it is not)",
         "Error: Messages::Registrar::OnJsonMessageText: JSON parse failed at line 1, col 37: x",
         "Error: Messages::Registrar::OnJsonMessage: Received message missing the 'name' property",
-        "Error: Messages::Registrar::OnJsonMessage: The 'data' has the wrong type (expected "
-        "'object')"}) {
+        "Error: Messages::Registrar::OnJsonMessage: The 'data' has the wrong type"}) {
     EXPECT_THAT(means(line), HasSubstr("dropped one message")) << line;
   }
   for (const char* line : {"Error: Vask::JsonSocket::ProcessByteUnexpected char 'h'",
-                           "Error: Vask::JsonSocket::ProcessByteProtocol error. Message size is "
-                           "zero!"}) {
+                           "Error: Vask::JsonSocket::ProcessByteProtocol error"}) {
     EXPECT_THAT(means(line), HasSubstr("not a message of the Corvane software")) << line;
   }
   for (const char* line : {"Error: Unable to open JsonSocket!",
