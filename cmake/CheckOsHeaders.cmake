@@ -5,12 +5,13 @@
 cmake_minimum_required(VERSION 3.25)
 
 # platform/ is the only place for the rest; its tests cover both systems.
-set(product json Src net messages agent simulator host mibs)
+set(product json Src net messages agent simulator check host mibs)
 set(folders ${product} tests benchmarks fuzz)
 
 # Files that touch the system on purpose:
 set(allowed
     "^agent/(linux|win32)/"               # the loader calls them
+    "^check/win32/"                       # finds facts about a Windows machine
     "^host/(native|winelib)/"             # the side of the host that loads the module
     "^tests/platform/(linux|win32)/"      # tests of one system's side of the seam
     "^tests/(contract|host|installer)/"   # they load the module, or replace its host

@@ -16,6 +16,7 @@ from xml.sax.saxutils import quoteattr
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent
 DLL = "SNMPd.dll"
+PROGRAM = "corvane-check.exe"
 
 # Identifies the product in all its versions. Never change it: a package could not
 # find and replace an older version.
@@ -34,8 +35,9 @@ def code(text):
     return "{" + str(uuid.uuid5(UPGRADE_CODE, text)).upper() + "}"
 
 
-def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
-    """Returns the files of the manifest, sorted by place. `dll` replaces the listed DLL."""
+def read_payload(images=None, manifest=PROJECT / "installer" / "payload.txt"):
+    """Returns the files of the manifest, sorted by place. `images` holds sources by place; these
+    replace the listed sources."""
     files = []
     for line in manifest.read_text(encoding="ascii").splitlines():
         if not line.strip() or line.startswith("#"):
@@ -45,8 +47,7 @@ def read_payload(dll=None, manifest=PROJECT / "installer" / "payload.txt"):
             found = sorted(path for path in PROJECT.glob(source) if path.is_file())
             files += [PayloadFile(path, place.rstrip("/") + "/" + path.name) for path in found]
         else:
-            is_dll = place == DLL and dll is not None
-            files.append(PayloadFile(pathlib.Path(dll) if is_dll else PROJECT / source, place))
+            files.append(PayloadFile(pathlib.Path((images or {}).get(place, PROJECT / source)), place))
     missing = [str(file.source) for file in files if not file.source.is_file()]
     if missing:
         raise FileNotFoundError("payload not found: " + ", ".join(missing))
@@ -69,8 +70,8 @@ def _identifier(place):
 
 
 def file_identifier(place):
-    """Returns the key of this file in the File table. The key of the DLL is its name."""
-    return place if place == DLL else _identifier(place)
+    """Returns the key of this file in the File table. The key of an image is its name."""
+    return place if place in (DLL, PROGRAM) else _identifier(place)
 
 
 def payload_wxs(files):

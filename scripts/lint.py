@@ -27,7 +27,7 @@ import time
 from pathlib import Path
 
 TOP = Path(__file__).resolve().parent.parent
-PRODUCT = ("agent", "host", "json", "messages", "mibs", "net", "platform", "simulator", "Src")
+PRODUCT = ("agent", "check", "host", "json", "messages", "mibs", "net", "platform", "simulator", "Src")
 
 # Files with placeholders. The tools read the files that are made from them.
 TEMPLATES = "mibs/templates/"

@@ -18,7 +18,7 @@ import re
 from collections import defaultdict
 from pathlib import Path
 
-SOURCES = ("agent", "benchmarks", "fuzz", "host", "json", "messages", "mibs", "net", "platform",
+SOURCES = ("agent", "benchmarks", "check", "fuzz", "host", "json", "messages", "mibs", "net", "platform",
            "simulator", "Src", "tests")
 EVERYTHING = "everything"
 OF_ITS_ROOM = "what its room knows of"

@@ -1,13 +1,11 @@
-"""Compares the operator's guide and Test-CorvaneAgent.ps1 with the agent.
+"""Compares the operator's guide and corvane-check with the agent.
 
     guide.py log-lines PROJECT       lines of the guide's log that no source can print
-    guide.py script-lines PROJECT    the same for the lines that the script looks for
+    guide.py check-lines PROJECT     the same for the lines that corvane-check looks for
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
     guide.py alerts GUIDE            alert and waiting time of its table
     guide.py files PROJECT           files that the guides name but that do not exist
-    guide.py commands SCRIPT         commands that the script runs
-    guide.py brackets SCRIPT         brackets and quotes of the script that do not match
 """
 
 import pathlib
@@ -22,15 +20,21 @@ def read(*path):
     return pathlib.Path(*path).read_text(encoding="utf-8")
 
 
-def printable(project):
-    """Returns a regular expression for each text in the sources; a conversion matches anything."""
+def texts(project):
+    """Returns each text in the sources from which the agent can make a line of the log."""
     for folder in SOURCES:
         for source in sorted(pathlib.Path(project, folder).rglob("*.cpp")):
             code = re.sub(r'"\s*\n\s*"', "", read(source))
             for text in re.findall(r'"((?:[^"\\\n]|\\.)*)"', code):
                 text = text.removesuffix("\\n")
                 if len(re.sub(r"%\w", "", text)) > 3:
-                    yield re.sub(r"%[a-z]", ".*", re.escape(text).replace(r"\%", "%"))
+                    yield text
+
+
+def printable(project):
+    """Returns a regular expression for each text in the sources; a conversion matches anything."""
+    for text in texts(project):
+        yield re.sub(r"%[a-z]", ".*", re.escape(text).replace(r"\%", "%"))
 
 
 def unknown(lines, project):
@@ -47,10 +51,15 @@ def log_lines(project):
     return unknown([line for _, line in quoted], project)
 
 
-def script_lines(project):
-    wanted = re.findall(rf"'{LEVELS}: (.*)'$", read(project, "installer/Test-CorvaneAgent.ps1"), re.MULTILINE)
-    assert len(wanted) == 5, "the script looks for five lines"
-    return unknown([line for _, line in wanted], project)
+def check_lines(project):
+    code = re.sub(r'"\s*\n\s*"', "", read(project, "check/LogReader.h") + read(project, "check/LogReader.cpp"))
+    wanted = [line for _, line in re.findall(rf'"{LEVELS}: ([^"\n]+)"', code)]
+    assert len(wanted) == 21, f"corvane-check looks for {len(wanted)} lines"
+    known = [re.sub(r"%[a-z]", "1", text) for text in texts(project)]
+    for line in wanted:
+        expression = re.escape(line).replace(r"\*", ".*")
+        if not any(re.fullmatch(expression, text) for text in known):
+            yield line
 
 
 def rows(guide, first):
@@ -84,37 +93,8 @@ def files(project):
                 yield f"{guide}: {place}"
 
 
-def without_texts(script):
-    """Returns the code of the script without comments and without the text between quotes."""
-    code = re.sub(r"<#.*?#>", "", script, flags=re.DOTALL)
-    code = re.sub(r"^\s*#.*$", "", code, flags=re.MULTILINE)
-    code = re.sub(r"'(?:[^'\n]|'')*'", "''", code)
-    return re.sub(r'"(?:[^"\n`]|`.)*"', "''", code)
-
-
-def commands(path):
-    code = without_texts(read(path))
-    defined = set(re.findall(r"^function ([\w-]+)", code, re.MULTILINE))
-    return sorted(set(re.findall(r"\b[A-Z][a-z]+-[A-Z]\w+\b", code)) - defined)
-
-
-def brackets(path):
-    code = without_texts(read(path))
-    if "'" in code.replace("''", "") or '"' in code:
-        yield "a quote is not closed"
-    pairs, stack = {")": "(", "]": "[", "}": "{"}, []
-    for number, line in enumerate(code.splitlines(), 1):
-        for char in line:
-            if char in "([{":
-                stack.append((char, number))
-            elif char in pairs and (not stack or stack.pop()[0] != pairs[char]):
-                yield f"'{char}' closes nothing"
-                return
-    yield from (f"'{char}' is not closed" for char, _ in stack)
-
-
 if __name__ == "__main__":
     print("\n".join({
-        "log-lines": log_lines, "script-lines": script_lines, "variables": variables, "traps": traps, "alerts": alerts,
-        "files": files, "commands": commands, "brackets": brackets,
+        "log-lines": log_lines, "check-lines": check_lines, "variables": variables, "traps": traps, "alerts": alerts,
+        "files": files,
     }[sys.argv[1]](sys.argv[2])))

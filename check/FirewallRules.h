@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Check {
+
+struct FirewallProfile {
+  std::string name;  // Domain, Private or Public
+  bool on = true;
+  bool allowsByDefault = false;
+  std::optional<bool> active;  // whether a network of this machine uses it
+};
+
+struct FirewallFacts {
+  std::vector<std::string> rules;  // as the registry holds them
+  std::vector<FirewallProfile> profiles;
+  std::string whyUnknown;
+};
+
+// What the firewall does with requests to the SNMP service (UDP port 161, inbound) on networks of
+// one profile.
+enum class Passage {
+  kOpen,
+  kLimited,  // open for some remote addresses only
+  kClosed,   // no rule lets them in
+  kBlocked,  // a rule keeps them out
+};
+
+// Reads rules as the registry holds them, such as
+// "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
+// that is missing means "any". `limits` gets the remote addresses if the result is kLimited.
+[[nodiscard]] Passage PassageOf(const std::vector<std::string>& rules,
+                                const FirewallProfile& profile, std::string& limits);
+
+}  // namespace Check

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "check/Facts.h"
+#include "check/Options.h"
+
+namespace Check {
+
+// Finds all facts on this machine. Changes nothing. Blocks for at most 5 seconds or so, most of
+// them while it waits for an answer of the service.
+[[nodiscard]] Facts Gather(const Options& options);
+
+// Finds the registration and the DLL only.
+[[nodiscard]] Facts GatherRegistration();
+
+// The parts of Gather.
+void GatherService(Facts& facts);
+void GatherSettings(Facts& facts);
+void GatherAgent(Facts& facts);  // registration and DLL
+void GatherLog(Facts& facts);
+void GatherLink(Facts& facts);
+void GatherAnswer(const Options& options, Facts& facts);
+void GatherFirewall(Facts& facts);
+
+}  // namespace Check

@@ -1,0 +1,129 @@
+// The registry's part: the service's lists, and the firewall.
+
+#include "check/win32/System.h"
+
+#include <netfw.h>
+#include <objbase.h>
+
+#include "check/win32/Gather.h"
+
+namespace Check {
+namespace {
+
+constexpr char kServiceParameters[] = R"(SYSTEM\CurrentControlSet\Services\SNMP\Parameters\)";
+constexpr char kPolicyParameters[] = R"(SOFTWARE\Policies\SNMP\Parameters\)";
+constexpr char kFirewall[] =
+    R"(SYSTEM\CurrentControlSet\Services\SharedAccess\Parameters\FirewallPolicy\)";
+constexpr char kFirewallPolicy[] = R"(SOFTWARE\Policies\Microsoft\WindowsFirewall\)";
+
+// Opens the key and reads its values; false if that is not possible, with the reason in `facts`.
+bool ReadValues(const MachineKey& key, KeyFacts& facts) {
+  if (!key.IsOpen()) {
+    const auto error = static_cast<DWORD>(key.Error());
+    if (IsMissing(error)) return false;
+    facts.state = KeyFacts::State::kUnreadable;
+    facts.whyUnreadable = ErrorText(error);
+    return false;
+  }
+  facts.state = KeyFacts::State::kRead;
+  facts.values = key.Values();
+  return true;
+}
+
+KeyFacts ReadList(const std::string& path) {
+  KeyFacts facts;
+  static_cast<void>(ReadValues(MachineKey(path), facts));
+  return facts;
+}
+
+// The destinations are the values of one key for each community.
+KeyFacts ReadDestinations(const std::string& path) {
+  KeyFacts facts;
+  const MachineKey top(path);
+  if (!ReadValues(top, facts)) return facts;
+  facts.values.clear();
+  const std::string folder = path + '\\';
+  for (const std::string& community : top.SubKeys()) {
+    KeyFacts below;
+    if (!ReadValues(MachineKey(folder + community), below) &&
+        below.state == KeyFacts::State::kUnreadable) {
+      return below;
+    }
+    for (SettingValue& value : below.values) {
+      value.name = community;
+      facts.values.push_back(value);
+    }
+  }
+  return facts;
+}
+
+// The networks' profiles that are in use, as a set of bits. Empty if Windows does not tell.
+std::optional<long> ActiveProfiles() {
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return {};
+  std::optional<long> active;
+  INetFwPolicy2* policy = nullptr;
+  if (SUCCEEDED(CoCreateInstance(__uuidof(NetFwPolicy2), nullptr, CLSCTX_INPROC_SERVER,
+                                 __uuidof(INetFwPolicy2), reinterpret_cast<void**>(&policy)))) {
+    long types = 0;
+    if (SUCCEEDED(policy->get_CurrentProfileTypes(&types))) active = types;
+    policy->Release();
+  }
+  CoUninitialize();
+  return active;
+}
+
+// A setting of a profile: the policy's if there is one.
+std::uint32_t ProfileSetting(const char* profile, const char* name, std::uint32_t usual) {
+  for (const char* place : {kFirewallPolicy, kFirewall}) {
+    const MachineKey key(std::string(place) + profile);
+    if (!key.IsOpen()) continue;
+    if (const auto number = key.Number(name)) return *number;
+  }
+  return usual;
+}
+
+}  // namespace
+
+void GatherSettings(Facts& facts) {
+  const auto read = [](const char* name, auto reader) {
+    return SettingFacts{reader(std::string(kPolicyParameters) + name),
+                        reader(std::string(kServiceParameters) + name)};
+  };
+  facts.communities = read("ValidCommunities", ReadList);
+  facts.managers = read("PermittedManagers", ReadList);
+  facts.trapDestinations = read("TrapConfiguration", ReadDestinations);
+}
+
+void GatherFirewall(Facts& facts) {
+  FirewallFacts& firewall = facts.firewall;
+  for (const char* place : {kFirewall, kFirewallPolicy}) {
+    const MachineKey key(std::string(place) + "FirewallRules");
+    if (!key.IsOpen()) {
+      // Only few machines have rules of a policy.
+      if (place == kFirewall) {
+        firewall.whyUnknown = ErrorText(static_cast<DWORD>(key.Error()));
+        return;
+      }
+      continue;
+    }
+    for (const SettingValue& rule : key.Values()) firewall.rules.push_back(rule.text);
+  }
+  struct Profile {
+    const char* name;
+    const char* key;
+    long bit;
+  };
+  const std::optional<long> active = ActiveProfiles();
+  for (const Profile& profile : {Profile{"Domain", "DomainProfile", NET_FW_PROFILE2_DOMAIN},
+                                 Profile{"Private", "StandardProfile", NET_FW_PROFILE2_PRIVATE},
+                                 Profile{"Public", "PublicProfile", NET_FW_PROFILE2_PUBLIC}}) {
+    FirewallProfile found;
+    found.name = profile.name;
+    found.on = ProfileSetting(profile.key, "EnableFirewall", 1) != 0;
+    found.allowsByDefault = ProfileSetting(profile.key, "DefaultInboundAction", 1) == 0;
+    if (active) found.active = (*active & profile.bit) != 0;
+    firewall.profiles.push_back(found);
+  }
+}
+
+}  // namespace Check

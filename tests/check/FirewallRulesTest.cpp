@@ -1,0 +1,80 @@
+#include "check/FirewallRules.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace Check {
+namespace {
+
+struct Row {
+  const char* name;
+  std::vector<std::string> rules;
+  Passage passage;
+  const char* limits = "";
+};
+
+void PrintTo(const Row& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class FirewallRules : public testing::TestWithParam<Row> {};
+
+TEST_P(FirewallRules, LetRequestsPass) {
+  const Row& row = GetParam();
+  std::string limits = "left over";
+  EXPECT_EQ(PassageOf(row.rules, {"Private", true, false, {}}, limits), row.passage);
+  EXPECT_EQ(limits, row.limits);
+}
+
+constexpr char kAllow[] = "v2.30|Action=Allow|Active=TRUE|Dir=In|";
+std::string Allow(const std::string& fields) {
+  return kAllow + fields;
+}
+
+const Row kRows[] = {
+    {"NoRule", {}, Passage::kClosed},
+    {"EverythingMayIn", {kAllow}, Passage::kOpen},
+    {"Port161", {Allow("Protocol=17|LPort=161|")}, Passage::kOpen},
+    {"Port160", {Allow("Protocol=17|LPort=160|")}, Passage::kClosed},
+    {"Port162", {Allow("Protocol=17|LPort=162|")}, Passage::kClosed},
+    {"Port1610", {Allow("Protocol=17|LPort=1610|")}, Passage::kClosed},
+    {"PortIsOneOfSeveral", {Allow("LPort=160|LPort=161|")}, Passage::kOpen},
+    {"PortIsInAList", {Allow("LPort=53,160-162|")}, Passage::kOpen},
+    {"PortIsTheEndOfARange", {Allow("LPort2_10=100-161|")}, Passage::kOpen},
+    {"PortIsTheStartOfARange", {Allow("LPort2_10=161-200|")}, Passage::kOpen},
+    {"PortIsAboveTheRange", {Allow("LPort2_10=100-160|")}, Passage::kClosed},
+    {"PortIsAWord", {Allow("LPort=RPC|")}, Passage::kClosed},
+    {"Tcp", {Allow("Protocol=6|LPort=161|")}, Passage::kClosed},
+    {"AnyProtocol", {Allow("Protocol=256|")}, Passage::kOpen},
+    {"NotActive", {"v2.30|Action=Allow|Active=FALSE|Dir=In|"}, Passage::kClosed},
+    {"Outbound", {"v2.30|Action=Allow|Active=TRUE|Dir=Out|"}, Passage::kClosed},
+    {"OtherProfile", {Allow("Profile=Domain|Profile=Public|")}, Passage::kClosed},
+    {"OneOfTheProfiles", {Allow("Profile=Domain|Profile=private|")}, Passage::kOpen},
+    {"OtherProgram", {Allow("App=C:\\x\\notsnmp.exe|")}, Passage::kClosed},
+    {"ServiceProgram", {Allow("App=%SystemRoot%\\System32\\SNMP.exe|")}, Passage::kOpen},
+    {"OtherService", {Allow("Svc=SNMPTRAP|")}, Passage::kClosed},
+    {"LocalSubnet", {Allow("RA4=LocalSubnet|RA6=LocalSubnet|")}, Passage::kLimited, "LocalSubnet"},
+    {"TwoAddresses",
+     {Allow("RA4=10.0.0.1|RA4=10.0.0.2|")},
+     Passage::kLimited,
+     "10.0.0.1, 10.0.0.2"},
+    {"LimitedAndOpen", {Allow("RA4=LocalSubnet|"), kAllow}, Passage::kOpen},
+    {"BlockWins", {kAllow, "Action=Block|Active=TRUE|Dir=In|"}, Passage::kBlocked},
+    {"BlockOfSomeAddresses",
+     {kAllow, "Action=Block|Active=TRUE|Dir=In|RA4=10.0.0.1|"},
+     Passage::kOpen},
+    {"Nonsense", {"", "|||", "=|=", "Action"}, Passage::kClosed},
+};
+INSTANTIATE_TEST_SUITE_P(Rows, FirewallRules, testing::ValuesIn(kRows),
+                         [](const auto& row) { return row.param.name; });
+
+TEST(FirewallProfiles, OffOrOpenByDefaultLetsRequestsPass) {
+  std::string limits;
+  EXPECT_EQ(PassageOf({}, {"Public", false, false, {}}, limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf({}, {"Public", true, true, {}}, limits), Passage::kOpen);
+}
+
+}  // namespace
+}  // namespace Check
