@@ -22,7 +22,7 @@ constexpr char FoldAscii(char c) noexcept {
 [[gnu::noinline]] constexpr bool HaveSameLetters(const char* a, const char* b,
                                                  std::size_t length) noexcept {
   for (std::size_t i = 0; i < length; ++i) {
-    if (FoldAscii(a[i]) != FoldAscii(b[i])) return false;
+    if (a[i] != b[i] && FoldAscii(a[i]) != FoldAscii(b[i])) return false;
   }
   return true;
 }

@@ -51,7 +51,7 @@ class JsonString final : public Json {
  private:
   JsonString() noexcept : Json(JsonType::String) {}
 
-  std::size_t m_size;  // the text lies behind the object
+  std::size_t m_size = 0;  // the text lies behind the object
 };
 
 // How the text of a number is read. All three are pure and independent of the
@@ -107,7 +107,7 @@ class JsonNumber final : public Json {
   bool m_isInteger;
   std::int64_t m_intValue;
   double m_doubleValue;
-  std::size_t m_size;  // the text lies behind the object
+  std::size_t m_size = 0;  // the text lies behind the object
 };
 
 // A truth value: `true` or `false`.

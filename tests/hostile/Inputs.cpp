@@ -241,12 +241,12 @@ Scale UsualScale() {
   const char* const wish = std::getenv("CORVANE_HOSTILE");
   const bool full = wish != nullptr && std::string_view(wish) == "full";
 #if defined(_WIN32)
-  return full ? Scale{400, 400, 2'000, 1'000, false, 20'000, 100'000}
-              : Scale{100, 100, 200, 100, false, 1'000, 2'000};
+  return full ? Scale{400, 400, 2'000, 1'000, false, 20'000}
+              : Scale{100, 100, 200, 100, false, 1'000};
 #else
-  if (kSanitized) return {50, 1'000, 2'000, 2'000, false, 10'000, 20'000};
-  return full ? Scale{20'000, 1'000'000, 1'000'000, 400'000, true, 1'000'000, 1'000'000}
-              : Scale{200, 10'000, 10'000, 400'000, true, 50'000, 1'000'000};
+  if (kSanitized) return {50, 1'000, 2'000, 2'000, false, 10'000};
+  return full ? Scale{20'000, 1'000'000, 1'000'000, 400'000, true, 1'000'000}
+              : Scale{200, 10'000, 10'000, 400'000, true, 50'000};
 #endif
 }
 

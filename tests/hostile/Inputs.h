@@ -45,7 +45,6 @@ struct Scale {
   std::size_t unreadFrames;   // frames whose reports the peer does not read
   bool fillsTheLink;          // true if those reports exceed the system's buffers
   std::size_t longest;        // characters of a key, levels of a nesting
-  std::size_t emptyKeys;      // frames with values under empty keys
 };
 
 // The scale of this build and machine: hundreds under Wine and with a sanitizer,

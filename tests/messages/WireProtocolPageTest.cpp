@@ -113,5 +113,17 @@ TEST_F(WireProtocolPageTest, ExampleBodiesAreProcessed) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
+TEST_F(WireProtocolPageTest, EveryRecordHasAnExample) {
+  for (const CatalogueEntry& entry : kCatalogue) {
+    if (entry.body != MessageBody::RECORD) continue;
+    const std::string name(entry.name);
+    bool found = false;
+    for (const Block& body : Blocks("body ")) found |= body.info == "body " + name;
+    for (const Block& frame : Blocks("frame"))
+      found |= frame.content.find("\"name\":\"" + name + "\"") != std::string::npos;
+    EXPECT_TRUE(found) << "the page shows no frame and no body of " << name;
+  }
+}
+
 }  // namespace
 }  // namespace Messages::Tests
