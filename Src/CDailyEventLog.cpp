@@ -1,5 +1,6 @@
 #include "Src/CDailyEventLog.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -66,8 +67,8 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   return OpenToday();
 }
 
-// The count goes on where logging was stopped today: the warning leaves the file
-// shorter than the limit, so its length would let short pieces in again.
+// If logging to this file was stopped, the count goes on from there: the warning leaves the
+// file shorter than the limit, so its length would let short pieces in again.
 bool CDailyEventLog::OpenToday() {
   Close();
   const std::int64_t now = m_clock.EpochSeconds();
@@ -78,12 +79,13 @@ bool CDailyEventLog::OpenToday() {
   if (m_daysToKeep != kKeepAll) {
     m_folder.DeleteOlderThan(m_files, m_nextRotation - std::int64_t{m_daysToKeep} * 86'400);
   }
-  if (!StoppedToday()) m_bytesToday = m_files.Length(m_file);
+  m_bytesToday = m_files.Length(m_file);
+  if (StoppedToday()) m_bytesToday = std::max(m_bytesToday, m_bytesAtStop);
   return true;
 }
 
 bool CDailyEventLog::StoppedToday() const noexcept {
-  return std::memcmp(m_stoppedDate, m_date, sizeof m_stoppedDate) == 0;
+  return std::strcmp(m_stoppedPath, m_path) == 0;
 }
 
 void CDailyEventLog::Close() noexcept {
@@ -94,8 +96,8 @@ void CDailyEventLog::Close() noexcept {
 // Cold path: keep it out of the inlined code.
 [[gnu::cold]] void CDailyEventLog::StopForToday() {
   if (StoppedToday()) return;
-  m_bytesToday = m_sizeLimit;
-  std::memcpy(m_stoppedDate, m_date, sizeof m_stoppedDate);
+  m_bytesToday = m_bytesAtStop = m_sizeLimit;
+  std::memcpy(m_stoppedPath, m_path, sizeof m_stoppedPath);
   char warning[128];
   const int length = std::snprintf(
       warning, sizeof warning,

@@ -75,7 +75,9 @@ class CDailyEventLog {
   std::uint64_t m_bytesToday = 0;
   std::uint64_t m_sizeLimit = kNoSizeLimit;
 
-  char m_stoppedDate[kLogDateLength] = {};  // of the day on which the size limit was reached
+  // The file that reached the size limit last, and its count then.
+  char m_stoppedPath[kPathCapacity] = {};
+  std::uint64_t m_bytesAtStop = 0;
   std::uint32_t m_daysToKeep = 0;
   LogFolder m_folder;
   char* m_date = nullptr;           // into m_path; null until the first Open

@@ -6,9 +6,6 @@
 #include "Src/TimerService.h"
 #include "net/LinkInterfaces.h"
 
-namespace Vask {
-class TimerService;
-}
 namespace Messages {
 class Registrar;
 }

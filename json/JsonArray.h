@@ -83,9 +83,9 @@ class JsonArray final : public Json {
     return nullptr;
   }
 
+  std::uint32_t m_count = 0;  // first, in the padding behind the base
   Cell* m_head = nullptr;
   Cell* m_tail = nullptr;
-  std::uint32_t m_count = 0;
 };
 
 }  // namespace Vask

@@ -63,7 +63,7 @@ class JsonObject final : public Json {
 
  private:
   // Nodes that lie behind an object of a text; few objects have more.
-  static constexpr std::size_t kRoom = 3;
+  static constexpr std::size_t kRoom = 2;
 
   // Takes nodes from the room behind the object, then each as a piece of memory.
   class Nodes final : public Dictionary::IAllocator {

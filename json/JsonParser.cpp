@@ -206,24 +206,31 @@ JsonParser::Begun JsonParser::BeginArray(const char* at) {
 
 // Takes over the reference to a container that is not empty.
 inline void JsonParser::Open(Json* container, JsonObject* object) {
-  const bool isUnderEmptyKey = m_object != nullptr && m_key == nullptr;
+  const bool isHeld = m_innermost == nullptr || (m_object != nullptr && m_key != nullptr);
   if (m_innermost == nullptr) {
     m_root.Reset(container);
-  } else if (!isUnderEmptyKey) {
-    Give(container);
+  } else if (isHeld) {
+    JsonObject::Adopt(m_key, container);
   }
-  container->SetAround(m_innermost, !isUnderEmptyKey);
+  container->SetAround(m_innermost, isHeld);
   m_innermost = container;
   m_object = object;
 }
 
+// An array takes a container only when that is complete, so that one that is never closed
+// costs no cell. If memory runs out here, the container is still open.
 inline void JsonParser::Close() {
   Json* closed = m_innermost;
+  Json* around = closed->Around();
+  const bool isInArray = around != nullptr && around->Type() == JsonType::Array;
   if (m_object != nullptr) m_object->CloseText();
-  m_innermost = closed->Around();
-  if (!closed->IsHeldByAround()) closed->Release();
-  const bool isObject = m_innermost != nullptr && m_innermost->Type() == JsonType::Object;
-  m_object = isObject ? static_cast<JsonObject*>(m_innermost) : nullptr;
+  if (isInArray) {
+    static_cast<JsonArray*>(around)->AppendAdopted(closed, &m_memory);
+  } else if (!closed->IsHeldByAround()) {
+    closed->Release();
+  }
+  m_innermost = around;
+  m_object = isInArray ? nullptr : static_cast<JsonObject*>(around);
 }
 
 // Passes the reference to the innermost container. An object stores nothing under an

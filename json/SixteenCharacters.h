@@ -1,6 +1,6 @@
 #pragma once
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 #include <emmintrin.h>
 #endif
 
@@ -48,7 +48,7 @@ class PortableSixteenCharacters {
   const char* m_text;
 };
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
 
 class Sse2SixteenCharacters {
  public:

@@ -36,7 +36,8 @@ class HandlerList {
   // Removes the handler, if it is in the list.
   void Unsubscribe(Function handler) noexcept;
 
-  // Calls every handler, as described above.
+  // Calls every handler, as described above. Meant for a few handlers: the stack grows
+  // with their number, and the time with its cube.
   void Dispatch(const void* record, std::int32_t id, Invoke invoke);
 
   [[nodiscard]] bool Empty() const noexcept { return Count() == 0; }

@@ -92,8 +92,8 @@ void JsonSocket::Run() {
   m_readerLeft.Set();
 }
 
-// Returns false if the connection must be dropped. That is also the only effect of an
-// exception: of a listener that throws, or of a byte for which there is no memory.
+// Returns false if the connection must be dropped. An exception, of a listener or of a byte
+// for which there is no memory, is reported and drops the connection too.
 bool JsonSocket::RunOneRound() {
   try {
     if (GetState() == FrameReader::kDisconnected && !ConnectUntilStopped()) return true;

@@ -123,11 +123,17 @@ def sources_to_read(touched, files):
     return sorted(sources, key=lambda name: (name.split("/")[0] not in PRODUCT, name))
 
 
-def is_shell_script(name):
-    if name.endswith(".sh"):
-        return True
+def interpreter_line(name):
     with open(TOP / name, "rb") as file:
-        return re.match(rb"#!.*\b(ba)?sh\b", file.readline(80)) is not None
+        return file.readline(80)
+
+
+def is_shell_script(name):
+    return name.endswith(".sh") or re.match(rb"#!.*\b(ba)?sh\b", interpreter_line(name)) is not None
+
+
+def is_python_script(name):
+    return name.endswith(".py") or re.match(rb"#!.*\bpython", interpreter_line(name)) is not None
 
 
 class Verdicts:
@@ -253,7 +259,7 @@ def main():
                    ("clang-format", "--dry-run", "--Werror"))
     check_together(verdicts, "shellcheck", [name for name in files if is_shell_script(name)],
                    ("shellcheck", "--format=gcc"))
-    check_each(verdicts, "python", [name for name in files if name.endswith(".py")],
+    check_each(verdicts, "python", [name for name in files if is_python_script(name)],
                lambda name: run(sys.executable, "-W", "error", "-c", COMPILE_ONLY, name))
     check_each(verdicts, "cppcheck", [name for name in sources if name.split("/")[0] in PRODUCT],
                lambda name: run(*CPPCHECK, name), deadline)

@@ -271,6 +271,18 @@ TEST_F(CDailyEventLogTest, OpeningTheSameDayAgainDoesNotLiftAStop) {
   }
 }
 
+TEST_F(CDailyEventLogTest, AStopIsThatOfOneFile) {
+  const std::string tooLong(60, 'l');
+  log.SetSizeLimit(50);
+  ASSERT_TRUE(log.Open("C:\\logs"));
+  Write(tooLong.c_str());
+  ASSERT_TRUE(log.Open("C:\\other"));
+  Write("x\n");
+  Write(tooLong.c_str());
+  EXPECT_EQ(Bytes("C:\\other\\Log2018-05-14.log"), std::string("T P x\nT P ") + kStopped50);
+  EXPECT_EQ(Bytes(kToday), std::string("T P ") + kStopped50);
+}
+
 TEST_F(CDailyEventLogTest, WithoutALimitNothingStops) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   files.afterAppend = [this] { files.appended.clear(); };

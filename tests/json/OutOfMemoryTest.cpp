@@ -30,8 +30,8 @@ int FailuresUntilItWorks(Body body) {
 TEST_F(OutOfMemoryTest, ParsingLosesNothingWhereverMemoryRunsOut) {
   const std::string text = R"({"key":[1,2.5,{"long key of more than sixteen":"x\n"},[[]],true],)"
                            R"("other":{"a":null},"KEY":")" +
-                           std::string(40, 'x') + "\",\"deep\":" + std::string(1'000, '[') +
-                           std::string(1'000, ']') + "}";
+                           std::string(40, 'x') + "\",\"deep\":" + std::string(1'200, '[') +
+                           std::string(1'200, ']') + "}";
   const std::uint32_t before = Living();
   const int failures = FailuresUntilItWorks([&] {
     ParseResult result;

@@ -126,6 +126,12 @@ TEST_F(ProcessExitDeathTest, ProcessIsExitingOnlyOnceMarked) {
   EXPECT_EXIT(child(), testing::ExitedWithCode(42), "");
 }
 
+#if !defined(CORVANE_CHECK_LOCK_ORDER) && defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#error "the builds with a sanitizer must check the order of locks"
+#endif
+#endif
+
 #if defined(CORVANE_CHECK_LOCK_ORDER)
 
 class LockOrderTest : public testing::Test {

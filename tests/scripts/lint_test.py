@@ -113,6 +113,15 @@ class SourcesToRead(Repository):
                          ["Src/a.cpp", "fuzz/a.cpp", "tests/a.cpp"])
 
 
+class Scripts(Repository):
+    def test_a_script_is_known_by_its_ending_or_its_first_line(self):
+        self.write(**{"a.sh": "", "b.py": "", "run": "#!/usr/bin/env bash\n", "make": "#!/usr/bin/python3\n",
+                      "c.txt": "python\n"})
+        names = ("a.sh", "b.py", "run", "make", "c.txt")
+        self.assertEqual([name for name in names if lint.is_shell_script(name)], ["a.sh", "run"])
+        self.assertEqual([name for name in names if lint.is_python_script(name)], ["b.py", "make"])
+
+
 result = unittest.main(exit=False).result
 failed = len(result.failures) + len(result.errors)
 print(f"{result.testsRun - failed} passed, {failed} failed")
