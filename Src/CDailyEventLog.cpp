@@ -66,8 +66,9 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   return OpenToday();
 }
 
-// The count goes on where logging was stopped today: the warning leaves the file
-// shorter than the limit, so its length would let short pieces in again.
+// If logging was stopped today, the count continues from the stop. The warning leaves the
+// file shorter than the limit, so with the file's length the log would accept short
+// pieces again.
 bool CDailyEventLog::OpenToday() {
   Close();
   const std::int64_t now = m_clock.EpochSeconds();
