@@ -64,11 +64,11 @@ class ObjectIdentifier {
 // contract's type has no const for this rule.
 [[nodiscard]] AsnObjectIdentifier Lend(std::span<const UINT> ids) noexcept;
 
-// Compares the whole of `key` with the leading part of `name` that is as long.
-// Returns 0 if `key` is a leading part of `name` or all of it, a value below 0 if
-// `key` comes before `name`, and a value above 0 if it comes after. Compares
-// sub-identifier by sub-identifier. Length counts last: a `name` that is a
-// leading part of a longer `key` comes before it.
+// Compares the whole of `key` with the leading part of `name` that is as long. Returns 0
+// if `key` is a leading part of `name` or all of it. Returns a value below 0 if `key`
+// comes before `name`, and a value above 0 if it comes after. Compares sub-identifier by
+// sub-identifier. Length counts last: a `name` that is a leading part of a longer `key`
+// comes before it.
 [[nodiscard]] int CompareLeading(const AsnObjectIdentifier& key,
                                  const AsnObjectIdentifier& name) noexcept;
 

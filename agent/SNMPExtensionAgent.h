@@ -33,8 +33,8 @@ class SNMPExtensionAgent {
 
   // Registers the variables of Variables.h, from the last to the first, because each
   // registration takes the entry that follows. A variable that an earlier attempt has
-  // registered stays. If there is no memory for a variable, the log reports it, the table
-  // does not have the variable, and the variable before it has no next one.
+  // registered stays. If there is no memory for a variable, the log reports this and the
+  // table does not have the variable. The variable before it then has no next one.
   void RegisterVariables();
   // Registers the traps of Traps.h in their order. A trap that an earlier attempt
   // has registered stays.

@@ -20,12 +20,12 @@ namespace Vask {
 // must limit their length first.
 [[noreturn]] void EndProcessOnLongKey() noexcept;
 
-// A dictionary from NUL-terminated byte strings to values of type T, as a
-// character trie, with siblings in ascending order of their characters taken as
-// signed bytes (0x80 to 0xFF before ASCII). A node stands for a whole run of
-// characters if nothing branches off there, because nearly every key of a message is
-// such a run. Unless it is case sensitive, the dictionary folds ASCII letters when it
-// stores a key and when it looks one up, and enumerates keys as folded.
+// A dictionary from NUL-terminated byte strings to values of type T: a trie of
+// characters. Siblings are in ascending order of their characters as signed bytes (0x80
+// to 0xFF before ASCII). A node stands for a whole run of characters if nothing branches
+// off there, because nearly every key of a message is such a run. Unless it is case
+// sensitive, the dictionary folds ASCII letters when it stores a key and when it looks
+// one up, and enumerates keys as folded.
 //
 // T is a plain value, usually a pointer, and is copied bit by bit. The dictionary never
 // releases what a pointer points to. Not synchronised. The use of the stack does not grow

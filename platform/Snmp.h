@@ -94,8 +94,8 @@ extern "C" {
 SNMPAPI SnmpUtilOidCpy(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
 // Appends source to destination, growing its identifiers.
 SNMPAPI SnmpUtilOidAppend(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
-// Returns a number below, equal to or above 0: compares sub-identifier by
-// sub-identifier; the shorter of two equal beginnings is the lower.
+// Returns a number below, equal to or above 0: compares sub-identifier by sub-identifier.
+// If one identifier begins with the other, the shorter one is lower.
 SNMPAPI SnmpUtilOidCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second);
 // The same over at most `count` leading sub-identifiers.
 SNMPAPI SnmpUtilOidNCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second, UINT count);
