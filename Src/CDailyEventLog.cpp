@@ -67,8 +67,9 @@ bool CDailyEventLog::OpenFolder(const char* folder) {
   return OpenToday();
 }
 
-// If logging to this file was stopped, the count goes on from there: the warning leaves the
-// file shorter than the limit, so its length would let short pieces in again.
+// If logging to this file was stopped, the count continues from the stop. The warning leaves
+// the file shorter than the limit, so with the file's length the log would accept short
+// pieces again.
 bool CDailyEventLog::OpenToday() {
   Close();
   const std::int64_t now = m_clock.EpochSeconds();

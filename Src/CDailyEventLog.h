@@ -17,8 +17,8 @@ namespace Vask {
 // A log named "stdout" writes to the process's standard output instead. It has no
 // folder, no rotation, no clean-up and no size limit, and is never closed.
 //
-// Not thread-safe: the daily log's lock guards it. It reports failures only by its
-// return values, because it is the place where reports go.
+// Not thread-safe: the daily log's lock guards it. It reports failures only by its return
+// values, because reports are written to it.
 class CDailyEventLog {
  public:
   // The longest path of a log file, its terminating zero included.

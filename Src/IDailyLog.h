@@ -4,8 +4,8 @@
 
 namespace Vask {
 
-// The operations of the agent's log. Any thread may call them. DailyLog says what each
-// does.
+// The operations of the agent's log. Any thread may call them. DailyLog describes each of
+// them.
 class IDailyLog {
  public:
   // One piece of a stored message; a message is a chain of pieces.

@@ -10,8 +10,8 @@
 
 namespace Vask {
 
-// Where the files of a log are, how they are named, such as Log2018-05-14.log, and
-// when the next one begins.
+// The folder and the names of the files of a log, such as Log2018-05-14.log, and the
+// moment when the next file begins.
 
 inline constexpr char kLogFilePrefix[] = "Log";
 inline constexpr char kLogFileExtension[] = ".log";
@@ -22,10 +22,10 @@ inline constexpr std::size_t kLogDateLength = 10;
 // without a terminating zero. The year has four digits.
 void FormatLogDate(const Platform::LocalTime& day, char* date) noexcept;
 
-// Returns the local midnight that ends the day of `now`; both in seconds since the
-// epoch. It is the start of the local day that is 24 hours from now. In the first hour
-// of a day of 25 hours that is the same day, and its start is past: until the hour is
-// over, the log opens the same file again for every piece.
+// Returns the local midnight that ends the day of `now`; both in seconds since the epoch.
+// It is the start of the local day that is 24 hours from now. In the first hour of a day
+// of 25 hours that is the same day, and its start is in the past. Until the hour is over,
+// the log therefore opens the same file again for every piece.
 [[nodiscard]] std::int64_t NextLogRotation(Platform::Clock& clock, std::int64_t now) noexcept;
 
 // The folder of a log's files. A new object names no folder and has no files. Not

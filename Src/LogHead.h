@@ -10,7 +10,7 @@
 
 namespace Vask {
 
-// How a line of the log begins: its time stamp and the prefix of its level, such as
+// The beginning of a line of the log: its time stamp and the prefix of its level, such as
 // "09:05:03.007: Info: ".
 
 // Writes a number below 100 as two digits, without a terminating zero. It does what

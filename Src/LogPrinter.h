@@ -42,8 +42,8 @@ class ILoggingOutput {
 // after the printer was destroyed at unload gets a new one that writes to the console.
 class LogPrinter final : public ILoggingOutput, public Thread::SingletonRef<LogPrinter> {
  public:
-  // vsnprintf or a replacement with the same contract. A negative result means that the
-  // arguments cannot be formatted.
+  // vsnprintf or a replacement with the same contract. A negative result means that it
+  // cannot format the arguments.
   using Formatter = int (*)(char* text, std::size_t capacity, const char* format,
                             std::va_list arguments) noexcept;
 

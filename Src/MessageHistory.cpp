@@ -7,8 +7,8 @@ MessageHistory::~MessageHistory() {
   FreeAll(m_free);
 }
 
-// Fills the chunks of the slot again where they are. Missing ones come from the free
-// list, surplus ones go there. After Reserve nothing can fail.
+// Fills the chunks of the slot again. Takes missing ones from the free list and moves
+// surplus ones to it. After Reserve nothing can fail.
 [[gnu::hot]] void MessageHistory::Store(std::string_view head, std::string_view text) {
   Slot& slot = m_slots[m_current];
   constexpr std::size_t kChunk = MessageChunk::kCapacity;

@@ -7,10 +7,9 @@
 
 namespace Vask::Thread {
 
-// Destroys every singleton; the one that was completed last goes first. The module hook
-// calls this when the module is unloaded and all of its threads have ended, and never
-// when the process ends (see SingletonRef). No other thread may use a singleton
-// meanwhile.
+// Destroys every singleton, in reverse order of their completion. The module hook calls
+// this when the module is unloaded and all of its threads have ended, and never when the
+// process ends (see SingletonRef). No other thread may use a singleton meanwhile.
 //
 // If a destructor asks for a singleton that is already destroyed, it gets a new one,
 // which is destroyed too before this returns. A later call of Instance() also constructs

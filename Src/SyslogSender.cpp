@@ -35,8 +35,8 @@ SyslogSender::SyslogSender(Platform::Sockets& sockets)
 
 bool SyslogSender::Enable(const InetAddress2& server, std::int32_t localPort) {
   m_server = server;
-  // Open also fails if only the setting fails. Without it an ICMP answer that nobody
-  // listens costs one datagram, so the handle decides.
+  // Open also fails if only the setting fails. Without the setting, an ICMP
+  // port-unreachable message costs one datagram, so only the handle counts.
   static_cast<void>(m_socket.Open());
   if (m_socket.Handle() == Platform::kInvalidSocket) return false;
   if (localPort < 0) localPort = m_localPort;

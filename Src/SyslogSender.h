@@ -21,8 +21,9 @@ inline constexpr std::size_t kSyslogCapacity = 1024;
 [[nodiscard]] std::size_t BuildSyslogDatagram(std::string_view prefix, std::string_view text,
                                               char (&datagram)[kSyslogCapacity]) noexcept;
 
-// Sends log lines to a syslog server, one datagram each; off at first. No reply tells
-// whether a datagram arrived. Not thread-safe: the daily log's lock guards it.
+// Sends log lines to a syslog server, one datagram each; off at first. There is no reply,
+// so the sender does not know whether a datagram arrived. Not thread-safe: the daily
+// log's lock guards it.
 class SyslogSender {
  public:
   explicit SyslogSender(Platform::Sockets& sockets);

@@ -5,7 +5,7 @@
 
 namespace Vask {
 
-// A thread and its handle. The destructor closes the handle; the thread goes on.
+// A thread and its handle. The destructor closes the handle; the thread continues.
 class Win32Task {
  public:
   // Starts the thread. Check Valid().

@@ -24,7 +24,7 @@ class Files;
 
 namespace Agent {
 
-// What the agent runs on.
+// The parts of the machine that the agent uses.
 struct Machine {
   Vask::Platform::Clock& clock;
   Vask::Platform::Files& files;
@@ -34,7 +34,7 @@ struct Machine {
 
 // Why the agent stops.
 enum class Ending {
-  kUnload,      // The module goes and the process stays: the threads end first.
+  kUnload,      // The module is unloaded and the process continues. The threads end first.
   kProcessEnd,  // The process ends. The agent waits for nothing, because Windows
                 // has killed its threads already.
 };

@@ -11,9 +11,9 @@ class SNMPExtensionAgent;
 
 // The work of the module's three exports.
 //
-// Threads: any thread of the SNMP service, one call at a time, as the contract
-// says. No exception leaves: the log gets an error line, and the call returns
-// FALSE.
+// Threads: any thread of the SNMP service may call these, one call at a time, as the
+// contract requires. No exception leaves a call: it writes an error line to the log and
+// returns FALSE.
 class EntryPoints {
  public:
   // Both outlive this object.

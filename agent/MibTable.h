@@ -68,8 +68,8 @@ class MibTable {
   // there is no memory for the value or for the node. If other memory is missing,
   // they throw std::bad_alloc and have changed nothing.
   //
-  // `suffix` refers to a constant array that is never freed. `next` is the
-  // variable with which a walk goes on after this one, null for the last.
+  // `suffix` refers to a constant array that is never freed. `next` is the variable that
+  // follows in a walk, null for the last one.
   MIB_ENTRY* RegisterInt(const AsnObjectIdentifier& suffix, const char* name, MIB_ENTRY* next,
                          std::int32_t initial);
   MIB_ENTRY* RegisterString(const AsnObjectIdentifier& suffix, const char* name, MIB_ENTRY* next,

@@ -20,8 +20,8 @@ class EnterprisePrefix {
  public:
   static constexpr UINT kLength = 8;
 
-  // Refers to this object's own array. The receiver must neither free nor write
-  // it; the contract's types have no const to say so.
+  // Refers to this object's own array. The receiver must not free or change it; the
+  // contract's types have no const for this rule.
   [[nodiscard]] AsnObjectIdentifier Name() noexcept { return {kLength, m_ids}; }
 
  private:
@@ -60,15 +60,15 @@ class ObjectIdentifier {
   AsnObjectIdentifier m_name{0, nullptr};
 };
 
-// A name that refers to sub-identifiers of another owner. Nobody may write
-// through it; the contract's type has no const to say so.
+// A name that refers to sub-identifiers of another owner. Do not write through it; the
+// contract's type has no const for this rule.
 [[nodiscard]] AsnObjectIdentifier Lend(std::span<const UINT> ids) noexcept;
 
-// Compares the whole of `key` with the leading part of `name` that is as long.
-// Returns 0 if `key` is a leading part of `name` or all of it, a value below 0 if
-// `key` comes before `name`, and a value above 0 if it comes after. Compares
-// sub-identifier by sub-identifier. Length counts last: a `name` that is a
-// leading part of a longer `key` comes before it.
+// Compares the whole of `key` with the leading part of `name` that is as long. Returns 0
+// if `key` is a leading part of `name` or all of it. Returns a value below 0 if `key`
+// comes before `name`, and a value above 0 if it comes after. Compares sub-identifier by
+// sub-identifier. Length counts last: a `name` that is a leading part of a longer `key`
+// comes before it.
 [[nodiscard]] int CompareLeading(const AsnObjectIdentifier& key,
                                  const AsnObjectIdentifier& name) noexcept;
 

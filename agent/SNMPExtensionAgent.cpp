@@ -17,11 +17,10 @@ namespace {
 // One GetNext for one binding: one walk over the ordered variables. The name of
 // the binding is the place that the walk has reached.
 //
-// For each variable there are three cases. The name lies before the variable:
-// the variable is the result. The name lies under the variable: step to the next
-// variable or, in a SEQUENCE, to the next cell. The name lies behind the
-// variable: go on to the next node. A step may only change the name; the walk
-// then goes on with the new name.
+// For each variable there are three cases. The name lies before the variable: the
+// variable is the result. The name lies under the variable: step to the next variable or,
+// in a SEQUENCE, to the next cell. The name lies behind the variable: go on to the next
+// node. A step may only change the name; the walk then continues with the new name.
 //
 // Belongs to the thread that makes it.
 class NextWalk {
@@ -34,8 +33,8 @@ class NextWalk {
   [[nodiscard]] INT Run();
 
  private:
-  // The result of a step: an error status that ends the walk, or nothing if the
-  // walk goes on.
+  // The result of a step: an error status that ends the walk, or nothing if the walk
+  // continues.
   using Step = std::optional<INT>;
 
   INT TakeFirstBehind(const OrderedEntries::Node& node);

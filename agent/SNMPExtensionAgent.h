@@ -31,10 +31,10 @@ class SNMPExtensionAgent {
   // The name that everything lies under; refers to this object's own array.
   [[nodiscard]] AsnObjectIdentifier Prefix() noexcept { return m_prefix.Name(); }
 
-  // Registers the variables of Variables.h, from the last to the first, because
-  // each registration takes the entry that follows. A variable that an earlier
-  // attempt has registered stays. If there is no memory for a variable, the
-  // table lacks it, the log says so, and the variable before it has no next one.
+  // Registers the variables of Variables.h, from the last to the first, because each
+  // registration takes the entry that follows. A variable that an earlier attempt has
+  // registered stays. If there is no memory for a variable, the log reports this and the
+  // table does not have the variable. The variable before it then has no next one.
   void RegisterVariables();
   // Registers the traps of Traps.h in their order. A trap that an earlier attempt
   // has registered stays.
@@ -51,9 +51,9 @@ class SNMPExtensionAgent {
   // with the one that it has read. The name must be memory of the utility
   // functions. If a step replaces the name and then fails, the new name stays.
   //
-  // Behind the last cell of a SEQUENCE the walk goes on as if the next variable
-  // of the SEQUENCE had been requested. It therefore passes over a following INT
-  // or STRING and reads the variable after it; it enters a following SEQUENCE at
+  // Behind the last cell of a SEQUENCE the walk continues as if the manager had requested
+  // the next variable of the SEQUENCE. If that is an INT or STRING, the walk therefore
+  // skips it and reads the variable after it. If it is a SEQUENCE, the walk enters it at
   // the first cell.
   [[nodiscard]] INT GetNextRequest(SnmpVarBind& binding) const;
 

@@ -18,8 +18,8 @@ struct TrapRow {
 // management files are made from this table. Code that names one trap must use
 // TrapName, so a misspelt name does not compile.
 //
-// What management files say beyond this table stands in mibs/Definitions.h,
-// which does not compile while a trap has no row there.
+// mibs/Definitions.h holds the other texts of the management files. It does not compile
+// if it has no row for a trap.
 inline constexpr TrapRow kTraps[] = {
     {.name = "TrapSoftwareLinkUp",
      .specificTrap = 10,

@@ -24,8 +24,8 @@ struct VariableRow {
 // management files are made from this table. Code that names one variable must
 // use VariableName, so a misspelt name does not compile.
 //
-// What management files say beyond this table stands in mibs/Definitions.h,
-// which does not compile while a variable has no row there.
+// mibs/Definitions.h holds the other texts of the management files. It does not compile
+// if it has no row for a variable.
 inline constexpr VariableRow kVariables[] = {
     {.name = "LinkStatus",
      .suffix = {0, 0},

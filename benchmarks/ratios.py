@@ -4,7 +4,7 @@
 usage: ratios.py FOLDER [PROGRAM]...
 
 FOLDER is the build folder of the benchmarks; PROGRAM limits the run to the
-programs named. Exit status 1 when a ratio misses its reach.
+programs named. The exit status is 1 if a ratio misses its reach.
 """
 
 import collections
@@ -28,8 +28,8 @@ def rows():
 
 
 def middle_mean(values):
-    """Mean of the middle half. A disturbance of some repetitions does not count. A
-    median would leap between two speeds of a machine; this mean does not."""
+    """Returns the mean of the middle half, so a disturbance of some repetitions does not
+    count. A median would jump between two speeds of a machine; this mean does not."""
     values = sorted(values)
     quarter = len(values) // 4
     middle = values[quarter:len(values) - quarter]
@@ -37,7 +37,7 @@ def middle_mean(values):
 
 
 def mean_times(program):
-    """Times by benchmark name, as {name: {"cpu": ns, "real": ns}}."""
+    """Returns times by benchmark name, as {name: {"cpu": ns, "real": ns}}."""
     print(f"running {program.name} ...", file=sys.stderr, flush=True)
     run = subprocess.run(
         [program, "--benchmark_format=json", f"--benchmark_repetitions={REPETITIONS}",
@@ -55,7 +55,7 @@ def mean_times(program):
 
 
 def find(times, name, kind):
-    """Time of the benchmark whose run name is `name`, with or without the
+    """Returns the time of the benchmark whose run name is `name`, with or without the
     suffixes that the library adds; several names joined by + are added up."""
     total = 0.0
     for part in name.split("+"):

@@ -30,7 +30,7 @@ struct ServiceFacts {
   [[nodiscard]] bool Runs() const { return state == State::kRunning; }
 };
 
-// One value of the service's list of extension agents, and what it leads to.
+// One value of the service's list of extension agents, and the DLL to which it leads.
 struct AgentEntry {
   std::string name;          // of the value
   std::string key;           // its text: a key below HKLM
@@ -39,7 +39,7 @@ struct AgentEntry {
 };
 
 struct RegistrationFacts {
-  std::vector<AgentEntry> agents;  // all, of other makers too
+  std::vector<AgentEntry> agents;  // all agents, also of other makers
   std::string whyUnknown;
 };
 
@@ -97,7 +97,7 @@ struct LogFolderFacts {
 
 struct LogFacts {
   std::string today;      // "2026-11-21", local
-  std::string minuteAgo;  // "2026-11-21 11:59:00", local: what came later may still be on its way
+  std::string minuteAgo;  // "2026-11-21 11:59:00", local: a later update may not have arrived yet
   std::size_t files = 0;
   std::string newest;  // name of the newest file
   LogFindings findings;
@@ -107,7 +107,7 @@ struct LogFacts {
 struct AnswerFacts {
   enum class Outcome { kNotAsked, kNotSent, kRefused, kSilent, kNotUnderstood, kAnswered };
   Outcome outcome = Outcome::kNotAsked;
-  std::string fault;  // for kNotSent: why
+  std::string fault;  // for kNotSent: the reason
   SnmpResponse response;
 };
 

@@ -15,23 +15,24 @@ struct FirewallProfile {
 };
 
 struct FirewallFacts {
-  std::vector<std::string> rules;  // as the registry holds them
+  std::vector<std::string> rules;  // in the form of the registry
   std::vector<FirewallProfile> profiles;
   std::string whyUnknown;
 };
 
-// What the firewall does with requests to the SNMP service (UDP port 161, inbound) on networks of
-// one profile.
+// How the firewall treats requests to the SNMP service (UDP port 161, inbound) on networks of one
+// profile.
 enum class Passage {
   kOpen,
   kLimited,  // open for some remote addresses only
-  kClosed,   // no rule lets them in
-  kBlocked,  // a rule keeps them out
+  kClosed,   // no rule allows them
+  kBlocked,  // a rule blocks them
 };
 
-// Reads rules as the registry holds them, such as
-// "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
-// that is missing means "any". `limits` gets the remote addresses if the result is kLimited.
+// Reads rules in the form of the registry, such as
+// "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A
+// field that is missing means "any". `limits` gets the remote addresses if the result is
+// kLimited.
 [[nodiscard]] Passage PassageOf(const std::vector<std::string>& rules,
                                 const FirewallProfile& profile, std::string& limits);
 

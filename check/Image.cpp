@@ -13,7 +13,8 @@ constexpr std::uint16_t kDllCharacteristic = 0x2000;
 constexpr std::uint32_t kVersionResource = 16;
 constexpr std::uint32_t kFixedFileInfoSignature = 0xFEEF04BD;
 
-// Little-endian numbers at any offset; a read outside of the bytes gives zero and is remembered.
+// Reads little-endian numbers at any offset. A read outside of the bytes returns zero and sets a
+// flag.
 class Bytes {
  public:
   explicit Bytes(std::string_view bytes) : m_bytes(bytes) {}
@@ -103,7 +104,7 @@ class ImageReader {
     }
   }
 
-  // Where the file holds a virtual address; empty if no section has it.
+  // Returns the offset in the file of a virtual address; empty if no section has it.
   [[nodiscard]] std::optional<std::uint64_t> OffsetOf(std::uint32_t address) const {
     for (const Section& section : m_sections) {
       if (address >= section.address && address - section.address < section.size) {
@@ -141,7 +142,7 @@ class ImageReader {
     }
   }
 
-  // The entry of one level of the tree of resources: that of `id`, or the first one.
+  // Returns the entry of one level of the tree of resources: the one with `id`, or the first one.
   std::optional<std::uint32_t> ResourceEntry(std::uint64_t folder,
                                              std::optional<std::uint32_t> id) {
     const std::uint32_t count =

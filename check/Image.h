@@ -7,7 +7,7 @@
 
 namespace Check {
 
-// What a Windows image says about itself.
+// Facts from the headers of a Windows image.
 struct Image {
   enum class Kind {
     kUnread,
@@ -29,8 +29,8 @@ inline constexpr std::uint16_t kMachineX64 = 0x8664;
 inline constexpr std::uint16_t kMachineX86 = 0x014C;
 inline constexpr std::uint16_t kMachineArm64 = 0xAA64;
 
-// Reads the headers of a file as data: nothing is loaded or run. Any bytes are safe. Lists end at
-// 4,096 names; more are not read.
+// Reads the headers of a file as data, and loads or runs nothing. Any bytes are safe. Reads at
+// most 4,096 names of a list.
 [[nodiscard]] Image ReadImage(std::string_view bytes);
 
 }  // namespace Check

@@ -48,7 +48,7 @@ std::string Described(const SnmpBinding& binding) {
   return text;
 }
 
-// Whether the binding holds the variable that was asked, with a value of its type.
+// True if the binding holds the requested variable, with a value of its type.
 bool Answers(const SnmpBinding& binding, const Oid& requested, BYTE type) {
   const auto wanted =
       type == Agent::kTypeInt ? SnmpBinding::Kind::kNumber : SnmpBinding::Kind::kText;
@@ -73,7 +73,7 @@ Verdict JudgeResponse(const SnmpResponse& response) {
     return Failed(kStep,
                   "The service answers, but has none of the agent's variables (error status " +
                       std::to_string(response.errorStatus) + "): it has not loaded the agent.",
-                  "see the steps from 2 to 7, then restart the service.");
+                  "see steps 2 to 7, then restart the service.");
   }
   if (!missing.empty()) {
     return Failed(kStep, "The answer lacks " + Joined(missing) + '.',
@@ -87,7 +87,7 @@ Verdict JudgeResponse(const SnmpResponse& response) {
             std::move(values));
 }
 
-// Whether the service's list has a community of this name. Unknown if it cannot be read.
+// True if the service's list has a community of this name. Empty if the list cannot be read.
 std::optional<bool> Knows(const SettingFacts& communities, const std::string& name) {
   const KeyFacts& key = communities.InForce();
   if (key.state == KeyFacts::State::kUnreadable) return {};
@@ -174,7 +174,7 @@ Verdict JudgeLink(const Facts& facts) {
   const LogFindings& log = facts.log.findings;
   if (log.linked && !log.lastUpdate.IsThere() && log.lastLink.Moment() < facts.log.minuteAgo) {
     return Failed(kStep,
-                  "The service is connected since " + log.lastLink.Moment() +
+                  "The service has been connected since " + log.lastLink.Moment() +
                       ", but a full set of values never arrived.",
                   "restart the Corvane software. If another program listens on the port, end it.");
   }
@@ -190,7 +190,7 @@ Verdict JudgeFolder(const Facts& facts) {
   }
   if (!folder.exists) {
     return Failed(kStep, "There is no folder " + folder.path + ": the agent never ran.",
-                  "see the steps from 2 to 7, then restart the service.");
+                  "see steps 2 to 7, then restart the service.");
   }
   if (!folder.access.whyUnknown.empty()) {
     return Skipped(kStep, "The rights of " + folder.path +
@@ -216,11 +216,11 @@ Verdict JudgeLog(const Facts& facts) {
   }
   if (log.files == 0) {
     return Failed(kStep, "There is no log: the agent never ran, or it may not write there.",
-                  "see the steps from 2 to 7 and the folder's rights, then restart the service.");
+                  "see steps 2 to 7 and the folder's rights, then restart the service.");
   }
   std::vector<std::string> lines = TextsOf(found.lastLines);
   std::string text = "Newest file " + log.newest;
-  text += DayOf(log.newest) == log.today ? "." : ", none of today.";
+  text += DayOf(log.newest) == log.today ? "." : ", none from today.";
   if (found.errors > 0) {
     return Failed(kStep,
                   text + ' ' + std::to_string(found.errors) +
@@ -242,7 +242,7 @@ Verdict JudgeLog(const Facts& facts) {
     return Failed(
         kStep,
         text + " The agent started last at " + moment + ", before the service's present start.",
-        "see the steps from 2 to 7, then restart the service.", std::move(lines));
+        "see steps 2 to 7, then restart the service.", std::move(lines));
   }
   return Ok(kStep, text + " The agent started at " + moment + ", and no error line follows.",
             std::move(lines));
@@ -266,7 +266,7 @@ Verdict JudgeAnswer(const Facts& facts, const Options& options) {
     case AnswerFacts::Outcome::kSilent:
       return JudgeSilence(facts, options);
     case AnswerFacts::Outcome::kNotUnderstood:
-      return Failed(kStep, "What came from " + place + " is not an answer to the request.",
+      return Failed(kStep, "The data from " + place + " is not an answer to the request.",
                     "find the program that owns the port: netstat -abno | findstr :" +
                         std::to_string(options.port));
     case AnswerFacts::Outcome::kAnswered:

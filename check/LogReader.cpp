@@ -6,10 +6,10 @@
 namespace Check {
 namespace {
 
-// Before the message stands "06:00:05.668: ".
+// The length of "06:00:05.668: ", which precedes each message.
 constexpr std::size_t kTimeLength = 14;
 
-// Whether the text has the form of the pattern, in which `*` stands for any text.
+// True if the text matches the pattern, in which `*` means any text.
 bool Matches(std::string_view text, std::string_view pattern) {
   const std::size_t star = pattern.find('*');
   if (star == std::string_view::npos) return text == pattern;
@@ -112,7 +112,7 @@ void LogReader::OnLine(const LogLine& line) {
     found.lastRun = line;
     found.runs = message == LogLines::kStarted;
   }
-  // The agent writes this line first, and connects at times before it has "started".
+  // The agent writes this line first. It sometimes connects before it writes that it has started.
   if (message == LogLines::kStarting) {
     found.lastLink = {};
     found.linked = false;

@@ -7,8 +7,8 @@
 
 namespace Check {
 
-// The lines of the agent's log that the program looks for, without their time. A `*` stands for
-// any text. A test holds each of them against the agent's sources.
+// The lines of the agent's log that the program looks for, without their time. A `*` means any
+// text. A test compares each line with the agent's sources.
 namespace LogLines {
 inline constexpr char kStarting[] = "Info: Starting Corvane SNMP extension agent..";
 inline constexpr char kStarted[] = "Info: Extension agent started!";
@@ -18,7 +18,7 @@ inline constexpr char kLost[] = "Warning: Lost connection to Corvane process!";
 inline constexpr char kUpdated[] = "Info: SNMP variables successfully updated";
 }  // namespace LogLines
 
-// What an error line of the log means, and what to do.
+// The meaning of an error line of the log, and what to do.
 struct LogMeaning {
   const char* line;
   const char* meaning;
@@ -69,8 +69,7 @@ class LogReader {
   LogFindings m_findings;
 };
 
-// Whether any of the files' text holds a start or an end of the agent, so that older files do not
-// matter.
+// True if the text contains a start or an end of the agent. Then older files do not matter.
 [[nodiscard]] bool HasStartOrEnd(std::string_view text);
 
 }  // namespace Check

@@ -13,7 +13,7 @@ bool ReadPort(const std::string& text, std::uint16_t& port) {
   return fault == std::errc{} && end == text.data() + text.size() && port != 0;
 }
 
-// Stores the value of one option. The result is empty, or says what is wrong.
+// Stores the value of one option. Returns an error, or an empty text if the value is good.
 std::string Store(Options& options, const std::string& name, const std::string& value) {
   if (name == "--port") {
     return ReadPort(value, options.port) ? "" : "--port takes a number from 1 to 65535";

@@ -9,7 +9,7 @@ namespace Check {
 struct Options {
   std::string community;  // empty: the first of the service's list that may read
   std::uint16_t port = 161;
-  std::string manager;  // empty: any permitted manager beside this machine will do
+  std::string manager;  // empty: any permitted manager other than this machine
   bool noTraps = false;
   bool json = false;
   bool steps = false;
@@ -17,7 +17,7 @@ struct Options {
   bool version = false;
 };
 
-// The options, or a sentence that names the wrong argument.
+// The options, or a sentence about the wrong argument.
 struct ParsedOptions {
   Options options;
   std::string error;
@@ -26,7 +26,7 @@ struct ParsedOptions {
 // Reads the arguments without the program's name.
 [[nodiscard]] ParsedOptions ParseOptions(const std::vector<std::string>& arguments);
 
-// What --help prints.
+// Returns the text of --help.
 [[nodiscard]] std::string HelpText();
 
 }  // namespace Check

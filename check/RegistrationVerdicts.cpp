@@ -170,7 +170,8 @@ Verdict JudgeFile(const Facts& facts) {
   std::string text =
       "Version " + (dll.image.version.empty() ? std::string("unknown") : dll.image.version) + '.';
   if (dll.image.version != CORVANE_VERSION_TEXT ".0") {
-    text += " This program has version " CORVANE_VERSION_TEXT ": they are not of one package.";
+    text +=
+        " This program has version " CORVANE_VERSION_TEXT ": they are not from the same package.";
   }
   if (!dll.access.whyUnknown.empty()) {
     return Ok(kStep, text + " The rights of the service's account could not be read (" +

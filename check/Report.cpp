@@ -26,7 +26,7 @@ std::ptrdiff_t Count(const std::vector<Verdict>& verdicts, Status status) {
                        [&](const Verdict& verdict) { return verdict.status == status; });
 }
 
-// A line of a log or a name may hold anything; a terminal obeys control characters.
+// A line of a log and a name may contain control characters, which a terminal would execute.
 std::string Printable(std::string_view text) {
   std::string printable(text);
   for (char& c : printable) {

@@ -8,17 +8,17 @@
 
 namespace Check {
 
-// The verdicts as lines, one for each step, with indented lines below it for its details. The last
-// line counts the failures.
+// Returns the verdicts as lines: one for each step, and below it indented lines with its details.
+// The last line counts the verdicts.
 [[nodiscard]] std::string TextReport(const std::vector<Verdict>& verdicts);
 
-// The verdicts as one JSON object, with a line feed at its end.
+// Returns the verdicts as one JSON object, with a line feed at its end.
 [[nodiscard]] std::string JsonReport(const std::vector<Verdict>& verdicts, const Facts& facts);
 
 // 0 if no step failed, otherwise 1.
 [[nodiscard]] int ExitStatus(const std::vector<Verdict>& verdicts);
 
-// What --version prints.
+// Returns the text of --version.
 [[nodiscard]] std::string VersionText(const Facts& facts);
 
 // The rows of the guide's table, with its heading.

@@ -14,7 +14,7 @@ std::string PolicyNote(const SettingFacts& setting) {
   return setting.PolicyHolds() ? kPolicySuffix : "";
 }
 
-// Where the list is changed.
+// The place where an administrator changes the list.
 std::string Place(const SettingFacts& setting, const char* page) {
   if (setting.PolicyHolds()) {
     return "in the group policy (Computer Configuration, Administrative Templates, Network, SNMP)";
@@ -27,13 +27,13 @@ Verdict Unreadable(StepId step, const char* what, const SettingFacts& setting) {
                            setting.InForce().whyUnreadable + '.');
 }
 
-// Without the service its lists mean nothing.
+// The lists matter only if the service is installed.
 bool IsMissing(const ServiceFacts& service) {
   return service.state == ServiceFacts::State::kMissing;
 }
 constexpr char kNoService[] = "The service is not installed.";
 
-// The communities that may read. A policy lists their names only, and they may read.
+// The communities that may read. A policy lists only names, and all of them may read.
 std::vector<std::string> ReadableCommunities(const KeyFacts& key) {
   std::vector<std::string> communities;
   for (const SettingValue& value : key.values) {

@@ -65,7 +65,7 @@ std::string Identifier(const Oid& oid) {
   return Element(kObjectIdentifier, content);
 }
 
-// Takes elements from the front of a text. After a failure nothing more can be taken.
+// Takes elements from the front of a text. After a failure all further calls fail.
 class Reader {
  public:
   explicit Reader(std::string_view bytes) : m_rest(bytes) {}

@@ -32,8 +32,8 @@ struct SnmpResponse {
 [[nodiscard]] std::string EncodeGet(std::string_view community, std::int32_t requestId,
                                     const std::vector<Oid>& oids);
 
-// Reads a datagram. Empty if it is not a whole SNMP response. Any bytes are safe, and memory
-// grows with their number only.
+// Reads a datagram. Empty if it is not a whole SNMP response. Any bytes are safe, and the memory
+// grows only with their number.
 [[nodiscard]] std::optional<SnmpResponse> DecodeResponse(std::string_view datagram);
 
 }  // namespace Check

@@ -31,8 +31,8 @@ struct Step {
   const char* ifNot;
 };
 
-// The steps in their order. The program and the guide have the same list: the guide's table holds
-// exactly the rows that StepTable (check/Report.h) returns, which a test checks.
+// The steps in their order. The program and the guide have the same list: the guide's table has
+// exactly the rows that StepTable (check/Report.h) returns. A test checks this.
 inline constexpr Step kSteps[] = {
     {"service", "`sc.exe query SNMP` and `sc.exe qc SNMP`",
      "installed, running, start type automatic",

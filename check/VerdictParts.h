@@ -33,13 +33,13 @@ inline Verdict Ok(StepId step, std::string text, std::vector<std::string> detail
 inline Verdict Skipped(StepId step, std::string text, std::vector<std::string> details = {}) {
   return {step, Status::kSkipped, std::move(text), {}, std::move(details)};
 }
-// With an empty `action` the step's own text says what to do.
+// If `action` is empty, the verdict gets the action of the step.
 [[nodiscard]] Verdict Failed(StepId step, std::string text, const std::string& action = {},
                              std::vector<std::string> details = {});
 
 [[nodiscard]] bool SameText(std::string_view one, std::string_view other);  // ASCII case is ignored
 
-// Whether a permitted manager is this machine itself.
+// True if a permitted manager is this machine itself.
 [[nodiscard]] bool IsThisMachine(const std::string& manager);
 
 // The texts of a list that are not empty.

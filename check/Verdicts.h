@@ -16,7 +16,7 @@ enum class Status { kOk, kFailed, kSkipped };
 struct Verdict {
   StepId step = StepId::kService;
   Status status = Status::kOk;
-  std::string text;    // what was found; for a skipped step also why
+  std::string text;    // the finding; for a skipped step also the reason
   std::string action;  // what to do; empty unless the step failed
   std::vector<std::string> details;
 };

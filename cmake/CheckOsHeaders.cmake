@@ -1,6 +1,6 @@
-# Fails if a file outside platform/ depends on an operating system: if it includes
-# a header that is neither this project's, nor the C++ library's, nor a known
-# library's, or if product code asks which system it is compiled for.
+# Fails if a file outside platform/ depends on an operating system: if it includes a
+# header other than this project's, the C++ library's or a known library's, or if product
+# code checks for which system it is compiled.
 #   cmake -D TOP=<top folder> -P CheckOsHeaders.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -18,7 +18,7 @@ set(allowed
     "^tests/hostile/(linux|win32)/"       # between the loaded module and the system
     "^tests/support/SmallStack\\.h$"      # a stack of another size than the seam's
     "^benchmarks/Src/LogBenchmark\\.cpp$" # compares with the bare system call
-    # They ask for the system, but include nothing of it:
+    # These files check the system, but include none of its headers:
     "^agent/SnmpExtension\\.cpp$"         # how an export is declared
     "^Src/LogPrinter\\.h$")               # which names of printf formats the compiler knows
 

@@ -37,7 +37,7 @@ if(WIN32)
       WIN32_LEAN_AND_MEAN NOMINMAX WINVER=0x0601 _WIN32_WINNT=0x0601)
   # -static: the DLL and the test programs depend only on Windows' own libraries. The
   # linker option -fstack-protector-strong adds the library that the stack protector
-  # needs. Without a time stamp, two builds of one source are the same bytes.
+  # needs. Without a time stamp, two builds of one source give the same bytes.
   target_link_options(corvane_options INTERFACE
       -static -fstack-protector-strong -Wl,--no-insert-timestamp
       -Wl,--dynamicbase,--nxcompat,--high-entropy-va)

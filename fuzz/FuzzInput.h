@@ -8,7 +8,7 @@
 
 namespace Vask::Fuzz {
 
-// Ends the program if the condition is false, so that the fuzzer keeps the input.
+// Ends the program if the condition is false. The fuzzer then keeps the input.
 #define FUZZ_EXPECT(condition)                                                           \
   do {                                                                                   \
     if (!(condition)) {                                                                  \
@@ -17,8 +17,8 @@ namespace Vask::Fuzz {
     }                                                                                    \
   } while (false)
 
-// Takes an input apart from its front. Past the end everything is zero or empty,
-// so every input means something.
+// Reads an input from its front. Past the end every value is zero or empty, so every
+// input is valid.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : m_at(data), m_end(data + size) {}
@@ -27,7 +27,7 @@ class Input {
 
   std::uint8_t Byte() { return AtEnd() ? std::uint8_t{0} : *m_at++; }
 
-  // Bytes up to the next NUL, which is dropped, or to the end.
+  // Returns the bytes up to the next NUL, which it drops, or up to the end.
   std::string Text() {
     std::string text;
     while (!AtEnd()) {
@@ -51,5 +51,6 @@ class Input {
 
 }  // namespace Vask::Fuzz
 
-// Every target defines this. Called once for each input; returns 0.
+// Every target defines this function. The fuzzer calls it once for each input. It returns
+// 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

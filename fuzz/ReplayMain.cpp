@@ -1,5 +1,5 @@
-// Runs one fuzz target over the files of the folders that are named, in the
-// order of their names, and says how many there were.
+// Runs one fuzz target with the files of the folders in the arguments, in the order of
+// the file names, and prints the number of files.
 
 #include <algorithm>
 #include <cstdio>
@@ -15,7 +15,8 @@ namespace {
 void Replay(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-  // A copy of exactly this size, so that the address sanitizer sees one byte too many.
+  // A copy of exactly this size, so that the address sanitizer reports a read past the
+  // end.
   const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
   std::printf("%s\n", path.filename().string().c_str());
   std::fflush(stdout);
@@ -33,7 +34,7 @@ int main(int argc, char** argv) {
   }
   std::sort(paths.begin(), paths.end());
   for (const auto& path : paths) Replay(path);
-  // A corpus that was not found must not pass for one that was replayed.
+  // A missing corpus must not look like a success.
   std::printf("%zu passed, %d failed\n", paths.size(), paths.empty() ? 1 : 0);
   return paths.empty() ? 1 : 0;
 }

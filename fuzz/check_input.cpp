@@ -1,5 +1,6 @@
-// What corvane-check reads from files and from the network: images, SNMP responses, logs, firewall
-// rules. All must be safe with any bytes, and JSON texts stay valid.
+// Passes the input to the parts of corvane-check that read files and the network: images,
+// SNMP responses, logs, firewall rules. Each must accept any bytes, and the JSON texts
+// must stay valid.
 
 #include <string>
 

@@ -1,4 +1,4 @@
-// The dictionary against std::map: the same insertions, look-ups of keys and of their
+// Compares the dictionary with std::map: insertions, look-ups of keys and of their
 // prefixes, and order.
 
 #include <cstring>
@@ -13,7 +13,7 @@ namespace {
 
 using Dictionary = Vask::StrDict3<int>;
 
-// Signed bytes, which is the dictionary's order.
+// The order of signed bytes, like the dictionary's.
 struct SignedOrder {
   bool operator()(const std::string& a, const std::string& b) const {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
@@ -38,7 +38,7 @@ bool Collect(const char* key, const int* value, void* context) {
   return true;
 }
 
-// Every way to look a key up finds the same.
+// All functions that look a key up must return the same.
 void ExpectFound(const Dictionary& dictionary, const Model& model, const std::string& key,
                  const std::string& folded) {
   const auto expected = model.find(folded);
@@ -47,7 +47,7 @@ void ExpectFound(const Dictionary& dictionary, const Model& model, const std::st
   FUZZ_EXPECT(found == nullptr || *found == expected->second);
   FUZZ_EXPECT(dictionary.FindValue(Vask::FoldedKey(key.c_str())) == found);
 
-  // A path leads to every key, and to every prefix of one.
+  // A path must lead to every key and to every prefix of a key.
   const auto extends = [&](const std::string& text) { return text.starts_with(folded); };
   const auto longer = model.lower_bound(folded);
   const bool isPath = !key.empty() && longer != model.end() && extends(longer->first);
@@ -85,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   ExpectSame(dictionary, model);
-  for (const auto& [key, value] : model) {  // a second walk, emptying it
+  for (const auto& [key, value] : model) {  // a second walk, which empties it
     int taken = 0;
     FUZZ_EXPECT(dictionary.TakeFirst(taken) && taken == value);
   }

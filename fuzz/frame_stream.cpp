@@ -19,7 +19,7 @@ struct Outcome {
   std::vector<std::string> faults;
 };
 
-// The number before the '#', wrapped as 32 bits wrap.
+// The number before the '#', modulo 2^32.
 std::uint32_t ReadSize(const std::string& stream, std::size_t& at) {
   std::uint32_t size = 0;
   for (; at < stream.size() && stream[at] >= '0' && stream[at] <= '9'; ++at) {
@@ -28,7 +28,7 @@ std::uint32_t ReadSize(const std::string& stream, std::size_t& at) {
   return size;
 }
 
-// One frame or one fault; `at` moves behind it.
+// Reads one frame or one fault, and moves `at` behind it.
 void Take(const std::string& stream, std::size_t& at, Outcome& outcome) {
   const std::uint32_t size = ReadSize(stream, at);
   if (at == stream.size()) return;
@@ -40,12 +40,12 @@ void Take(const std::string& stream, std::size_t& at, Outcome& outcome) {
     outcome.faults.push_back("Vask::JsonSocket::ProcessByteProtocol error. Message size is zero!");
   } else if (at == stream.size()) {
     return;
-  } else if (size > INT32_MAX) {  // negative if signed; the next byte is refused
+  } else if (size > INT32_MAX) {  // negative as a signed number; the next byte is refused
     outcome.faults.push_back("Vask::JsonSocket::ProcessByteUnexpected state!");
     ++at;
   } else if (stream.size() - at >= size) {
     outcome.bodies.push_back(
-        stream.substr(at, size).c_str());  // up to a NUL, as the listener gets it
+        stream.substr(at, size).c_str());  // the listener gets the text up to a NUL
     at += size;
   } else {
     at = stream.size();

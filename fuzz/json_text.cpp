@@ -1,6 +1,6 @@
-// JSON text against a reader of its own: the verdict, the message, the line, the column
-// and the written text must agree. What was written must parse, and be written the same
-// again, in both forms; nothing may be left over.
+// Compares the parser with a simple reader of this file: the verdict, the message, the
+// line, the column and the written text must agree. The written text must parse, and its
+// second writing must be the same, in both forms. No value may be left over.
 
 #include <algorithm>
 #include <map>
@@ -18,10 +18,10 @@ namespace {
 
 using Vask::Json;
 
-// Deeper texts are not read by the model, which recurses.
+// The model recurses, so it does not read deeper texts.
 constexpr std::size_t kDeepest = 200;
 
-// The order of signed bytes, in which members are written.
+// The order of signed bytes, in which an object writes its members.
 struct SignedOrder {
   bool operator()(const std::string& a, const std::string& b) const {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
@@ -30,7 +30,7 @@ struct SignedOrder {
   }
 };
 
-// Bytes as the compact form writes them between quotes.
+// Returns bytes in the form that the compact form has between quotes.
 std::string Escaped(const std::string& text) {
   std::string out;
   const auto byte = [&](std::size_t i) {
@@ -60,12 +60,12 @@ std::string Escaped(const std::string& text) {
   return out;
 }
 
-// Reads a text as the grammar is stated, one character after the other.
+// Reads a text by the grammar, one character after the other.
 class Model {
  public:
   explicit Model(const std::string& text) : m_text(text) {}
 
-  // The compact form of the value, or nothing after a failure.
+  // Returns the compact form of the value, or nothing after a failure.
   std::optional<std::string> Read() {
     SkipSpace();
     return ReadValue();
@@ -75,7 +75,7 @@ class Model {
   unsigned line = 1;
   unsigned column = 1;
   bool isTooDeep = false;
-  bool isKeyTooLong = false;  // such a key ends the process when it is written
+  bool isKeyTooLong = false;  // writing such a key ends the process
 
  private:
   using Result = std::optional<std::string>;
@@ -278,17 +278,17 @@ std::string ParseAndWrite(const std::string& text, Form form = Form::Compact) {
   return written;
 }
 
-// Neither bytes that the writer drops, nor sequences that read as another
-// character, nor escapes of either.
+// True if the text has no bytes that the writer drops, no sequences that read as another
+// character, and no escapes of these.
 bool IsPlain(const std::string& text) {
   return std::all_of(text.begin(), text.end(),
                      [](char c) { return c >= ' ' && c <= '~' && c != '\\'; });
 }
 
-// Plain text is written the same from the first time on. Of other text, the first
-// writing settles what malformed sequences mean. The second drops the control
-// characters that come from them. The third puts keys that have changed into their
-// order, and drops keys of which nothing is left.
+// Plain text does not change any more after the first writing. Other text needs more: the
+// first writing decides the meaning of malformed sequences. The second drops the control
+// characters that come from them. The third sorts the keys that have changed, and drops
+// keys that have become empty.
 void ExpectStable(const std::string& text) {
   const std::string first = ParseAndWrite(text);
   const std::string second = ParseAndWrite(first);

@@ -1,5 +1,5 @@
-// Logs texts of any content and length. Compares the day's file, the history that
-// listeners get and the syslog datagram with the input.
+// Logs texts of any content and length. Compares the file of the day, the history that
+// listeners get, and the syslog datagram with the input.
 
 #include <deque>
 #include <string>

@@ -9,9 +9,9 @@
 
 namespace Host {
 
-// An object identifier as the host keeps it. It owns its sub-identifiers.
-// Comparisons go sub-identifier by sub-identifier; the shorter of two equal
-// beginnings is the lower.
+// An object identifier as the host keeps it. It owns its sub-identifiers. Comparisons go
+// sub-identifier by sub-identifier. If one identifier begins with the other, the shorter
+// one is lower.
 using Oid = std::vector<std::uint32_t>;
 
 // Returns dotted decimal text, without a leading point.

@@ -8,7 +8,7 @@ namespace Host {
 // The options of the command line.
 struct Options {
   std::string module;
-  bool registered = false;  // find the module by its registration
+  bool registered = false;  // true: find the module by its registration
   std::string listen = "udp:127.0.0.1:1161";
   std::string community = "public";
   std::vector<std::string> trapSinks;

@@ -5,8 +5,8 @@
 
 namespace Vask {
 
-// Characters of ASCII, whatever the locale. Bytes over 0x7F are neither digits nor
-// letters. All of this is pure, for any thread.
+// Functions for ASCII characters, independent of the locale. Bytes over 0x7F are neither
+// digits nor letters. Pure functions, for any thread.
 
 constexpr bool IsDigit(char c) noexcept {
   return c >= '0' && c <= '9';

@@ -12,7 +12,7 @@
 namespace Vask {
 
 // Keys as the dictionary compares them: folded, and up to sixteen characters at a time.
-// All of this is pure, for any thread.
+// Everything here is pure, for any thread.
 
 // The next characters of a key, folded as its dictionary folds keys. A key that is
 // longer than one piece comes in several; the last is shorter than the others, and may
@@ -26,12 +26,13 @@ struct KeyPiece {
   std::uint64_t high = 0;
   std::size_t length = 0;
 
-  // Siblings are in the order of this one: signed, whatever `char` is on this machine.
+  // The order of siblings follows this character. It is signed, also on a machine whose
+  // `char` is not.
   [[nodiscard]] constexpr signed char First() const noexcept {
     return static_cast<signed char>(low);
   }
 
-  // Adds a character. There must be fewer than kMaxLength.
+  // Adds a character. `length` must be below kMaxLength.
   constexpr void Add(signed char character) noexcept {
     const auto bits = std::uint64_t{static_cast<unsigned char>(character)} << 8 * (length % 8);
     (length < 8 ? low : high) |= bits;
@@ -49,7 +50,7 @@ struct KeyPiece {
     return {Without(low, count) | moved, Without(high, count), length - count};
   }
 
-  // How many characters of both are the same, from the first on.
+  // Returns how many leading characters of both pieces are the same.
   [[nodiscard]] constexpr std::size_t CommonLength(const KeyPiece& other) const noexcept {
     if (low != other.low) return static_cast<std::size_t>(std::countr_zero(low ^ other.low)) / 8;
     if (high == other.high) return length;
@@ -76,9 +77,9 @@ struct KeyPiece {
 };
 
 // How a dictionary changes the characters of its keys: ASCII letters to one case, or
-// nothing. Bytes over 0x7F always stay. The result is the signed byte that orders
-// nodes, whatever `char` is on this machine. A key ends at the first character that
-// becomes zero: at its NUL and, for a reader that knows more ends, at those.
+// nothing. Bytes over 0x7F always stay. The result is the signed byte that orders nodes,
+// also on a machine whose `char` is unsigned. A key ends at the first character that
+// becomes zero: its NUL, or one of `ends`.
 class KeyFolding {
  public:
   enum class Letters { Kept, ToLower, ToUpper };

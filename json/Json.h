@@ -26,10 +26,10 @@ enum class JsonType : std::uint8_t {
 // container holds one reference to every value in it.
 //
 // Any thread may release a reference. Everything else (filling, reading, writing) is
-// unsynchronised: one thread at a time works on a tree.
-// Stack use never follows the depth of a tree: neither writing nor releasing
-// recurses. Making a value or writing may throw std::bad_alloc, which leaves
-// the tree as it was; releasing allocates nothing.
+// unsynchronised: only one thread at a time may use a tree. Writing and releasing do not
+// recurse, so the use of the stack does not grow with the depth of a tree. Making a value
+// and writing may throw std::bad_alloc, and then leave the tree as it was. Releasing
+// allocates nothing.
 class Json : public RefCount3 {
  public:
   [[nodiscard]] JsonType Type() const noexcept { return m_type; }
@@ -37,21 +37,21 @@ class Json : public RefCount3 {
   // Replaces `out` by the compact text, the form that goes over the link.
   virtual void Write(std::string& out) const = 0;
 
-  // Replaces `out` by the indented text, for display. Two blanks for each of
-  // `indentLevel` levels stand before a container's members and closing
-  // bracket, one level more before the members; nothing before the first
-  // character. Keys are not escaped in this form.
+  // Replaces `out` by the indented text, for display. A level is two blanks. A
+  // container's closing bracket is indented by `indentLevel` levels, and its members by
+  // one level more. The first character is not indented. Keys are not escaped in this
+  // form.
   virtual void WritePretty(std::string& out, std::uint32_t indentLevel) const = 0;
 
-  // Values made and values deleted since the process began; both wrap at 2^32
-  // and are never reset. They are a leak statistic without synchronisation:
-  // exact while one thread at a time makes and releases values, while counts
-  // may get lost when several do.
+  // The values made and the values deleted since the process began. Both wrap at 2^32 and
+  // are never reset. They are a leak statistic without synchronisation: exact if one
+  // thread at a time makes and releases values. If several threads do so at once, counts
+  // may be lost.
   static std::uint32_t Constructed() noexcept { return Read(s_constructed); }
   static std::uint32_t Destroyed() noexcept { return Read(s_destroyed); }
 
   // For the parser, which therefore needs no stack of its own: the container around this
-  // one, and whether that container holds this one. Undefined after a release.
+  // value, and whether that container holds this value. Undefined after a release.
   Json* Around() const noexcept { return m_around; }
   bool IsHeldByAround() const noexcept { return m_isHeldByAround; }
   void SetAround(Json* container, bool isHeld) noexcept {
@@ -59,8 +59,8 @@ class Json : public RefCount3 {
     m_isHeldByAround = isHeld;
   }
 
-  // Where a new value goes: into `memory` (null: the heap), with `bytes` of room
-  // behind it for its text. Derived classes hide the latter behind factories.
+  // Where a new value goes: into `memory` (null: the heap), with `bytes` of room behind
+  // it for its text. Derived classes hide `bytes` behind factories.
   struct Place {
     ValueMemory* memory;
     std::size_t bytes;
@@ -72,9 +72,9 @@ class Json : public RefCount3 {
   static void operator delete(void* value) noexcept { ValueMemory::Free(value); }
   static void operator delete(void* value, Place) noexcept { ValueMemory::Free(value); }
 
-  // What `delete` does with a value: destroys it and releases every value below it,
-  // members in their order, each with all that it holds before the next. A destructor
-  // does not do this, because it would call itself for every level of a tree.
+  // `delete` destroys a value and releases every value below it. It releases the members
+  // in their order, each with everything that it holds before the next. A destructor does
+  // not do this, because it would call itself for every level of a tree.
   static void operator delete(Json* value, std::destroying_delete_t) noexcept;
 
  protected:
@@ -96,18 +96,18 @@ class Json : public RefCount3 {
   }
 
  private:
-  // Releases the children of a value that is being deleted, first to last, up to one for
-  // which ReleaseChild is true. Returns that one, or null after the last. Memory goes to
-  // `returns`.
+  // Releases the children of a value that is being deleted, first to last, up to the
+  // first child for which ReleaseChild is true. Returns that child, or null after the
+  // last one. Passes freed memory to `returns`.
   static Json* ReleaseChildren(Json* value, ValueMemory::Returns& returns) noexcept;
 
   using Counter = std::atomic<std::uint32_t>;
   static std::uint32_t Read(const Counter& counter) noexcept {
     return counter.load(std::memory_order_relaxed);
   }
-  // Load and store instead of one locked increment: the counters promise no
-  // more than plain integers would, and two locked instructions for each value
-  // would be a tenth of a message's whole decoding.
+  // A load and a store instead of one locked increment: the counters promise no more than
+  // plain integers would. Two locked instructions for each value would take a tenth of
+  // the time in which a whole message is decoded.
   static void Count(Counter& counter) noexcept {
     counter.store(Read(counter) + 1, std::memory_order_relaxed);
   }

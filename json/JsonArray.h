@@ -18,8 +18,7 @@ class JsonArray final : public Json {
   };
 
  public:
-  // Walks from head to tail; good until the array is released. Appending does
-  // not disturb it.
+  // Walks from head to tail. Valid until the array is released; appending keeps it valid.
   class Iterator {
    public:
     using iterator_category = std::forward_iterator_tag;
@@ -57,8 +56,8 @@ class JsonArray final : public Json {
     value->AddRef();
   }
 
-  // The same, but takes over the caller's reference (not when it throws). The link
-  // cell comes from `memory`, or from the heap.
+  // The same, but takes over the caller's reference, unless it throws. The link cell
+  // comes from `memory`, or from the heap.
   void AppendAdopted(Json* value, ValueMemory* memory = nullptr);
 
   [[nodiscard]] std::uint32_t Count() const noexcept { return m_count; }

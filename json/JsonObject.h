@@ -5,10 +5,10 @@
 
 namespace Vask {
 
-// An object: members by name. Unless made case sensitive it folds names to
-// lower case, as every object of this system does: a member set as `StreamsOK`
-// is found under any spelling and written as `streamsok`, and members are
-// written in ascending order of their folded names, not as they were set.
+// An object: members by name. Unless it is made case sensitive, it folds names to lower
+// case. Every object of this system does so: a member that was set as `StreamsOK` is
+// found in any letter case and written as `streamsok`. Members are written in ascending
+// order of their folded names, not in the order in which they were set.
 class JsonObject final : public Json {
  public:
   using Dictionary = StrDict3<Json*>;
@@ -16,25 +16,25 @@ class JsonObject final : public Json {
   explicit JsonObject(bool caseSensitive = false)
       : Json(JsonType::Object), m_members(&m_nodes, caseSensitive) {}
 
-  // One that is filled while a text is read: folds names, and lies in `memory` with
-  // the nodes of its keys, until CloseText is called. It brings room for the first of
-  // them.
+  // An object that is filled while a text is read. It folds names. The object and the
+  // nodes of its keys lie in `memory` until CloseText is called. It has room for the
+  // first of these nodes.
   [[nodiscard]] static JsonObject* CreateForText(ValueMemory& memory) {
     void* object = memory.Take(sizeof(JsonObject) + kRoom * sizeof(Dictionary::Node));
     return ::new (object) JsonObject(memory);
   }
   void CloseText() noexcept { m_nodes.CloseText(); }
 
-  // Stores `value` under the key, in place of any earlier value, which is
-  // released. The object takes a reference of its own; the caller keeps its reference and
-  // releases it when done. False, with nothing changed, for a null value.
+  // Stores `value` under the key and releases the earlier value, if there is one. The
+  // object takes a reference of its own; the caller keeps and releases its own reference.
+  // Returns false and changes nothing if the value is null.
   //
-  // An empty key stores nothing; yet the object takes its reference, which nothing
-  // ever releases, and the result is true.
+  // Under an empty key this stores nothing. Even then the object takes its reference,
+  // which nothing ever releases, and the result is true.
   bool Set(const char* key, Json* value);
 
-  // The member's value, or null; its count is unchanged, so it lives as long as
-  // it is a member here.
+  // The member's value, or null. Its count does not change, so the result is valid as
+  // long as the value is a member.
   [[nodiscard]] Json* Find(const FoldedKey& key) const noexcept {
     Json* const* value = m_members.FindValue(key);
     return value != nullptr ? *value : nullptr;
@@ -43,11 +43,11 @@ class JsonObject final : public Json {
   [[nodiscard]] bool Empty() const noexcept { return m_members.Empty(); }
 
   // The members themselves, for walking with ForEach. A caller that inserts here or
-  // replaces a value must see to the references.
+  // replaces a value must also add and release the references.
   Dictionary& Members() noexcept { return m_members; }
   const Dictionary& Members() const noexcept { return m_members; }
 
-  // Like Set at the node of a key that was laid with Dictionary::Path, but takes
+  // Does what Set does, at the node of a key that Dictionary::Path has made, but takes
   // over the caller's reference.
   static void Adopt(Dictionary::Node* node, Json* value) noexcept {
     if (node->hasValue) node->value->Release();
@@ -62,10 +62,11 @@ class JsonObject final : public Json {
   ~JsonObject() override = default;
 
  private:
-  // Nodes that lie behind an object of a text; few objects have more.
+  // The number of nodes for which an object of a text has room.
   static constexpr std::size_t kRoom = 2;
 
-  // Takes nodes from the room behind the object, then each as a piece of memory.
+  // Takes nodes from the room behind the object. After that, allocates a piece of memory
+  // for each.
   class Nodes final : public Dictionary::IAllocator {
    public:
     Nodes() = default;

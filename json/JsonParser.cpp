@@ -64,18 +64,18 @@ class KeySink {
   JsonObject::Dictionary::Path m_path;
 };
 
-// One pointer runs over the text once. BeginValue reads a scalar, a string or an empty
-// container whole, or opens a container: the container around it takes that at once, it
-// becomes the innermost, and the parser reads on into it. AfterValue reads from a value's
-// end to the next value, over the ends of all containers that end there. No call goes
-// deeper for a nested value.
+// One pointer moves over the text once. BeginValue reads a whole scalar, string or empty
+// container, or opens a container. An open container is stored at once in the container
+// around it and becomes the innermost one, and the parser continues inside it. AfterValue
+// reads from the end of a value to the next value, and passes the ends of all containers
+// that end there. A nested value needs no deeper call.
 //
-// Each step takes the place where it begins and returns the place where it ended, or null
-// if there is nothing more to read: after a fault, or when the root is complete. So the
-// pointer stays in a register from the first character on.
+// Each step takes the place where it begins and returns the place where it ended. It
+// returns null if there is nothing more to read: after a fault, or when the root is
+// complete. So the pointer stays in a register all the time.
 //
 // The parser keeps the beginning of the line instead of a column: the column is the
-// distance to it. A character that does not count moves the beginning along.
+// distance to it. A character that does not count moves the beginning by one.
 class JsonParser {
  public:
   JsonParser(const char* text, ValueMemory& memory)
@@ -88,8 +88,8 @@ class JsonParser {
   void Report(ParseResult& result) const;
 
  private:
-  // The place to read on, and the value that was read whole: null after a container was
-  // opened, or after a fault.
+  // The place where reading continues, and the value if all of it was read. The value is
+  // null after a container was opened, or after a fault.
   struct Begun {
     const char* at;
     Json* value;
@@ -134,7 +134,7 @@ class JsonParser {
   JsonRef<Json> m_root;                           // the outermost container
   Json* m_innermost = nullptr;                    // of the open ones; each knows the one around it
   JsonObject* m_object = nullptr;                 // the innermost, unless it is an array
-  JsonObject::Dictionary::Node* m_key = nullptr;  // under which its next value goes
+  JsonObject::Dictionary::Node* m_key = nullptr;  // the key of its next value
 };
 
 // A parse that failed leaves containers open. No other container holds those under an
@@ -266,14 +266,14 @@ inline const char* JsonParser::AfterValue(const char* at) {
   return nullptr;
 }
 
-// Always inline: a call for every key is a tenth of its cost.
+// Always inline: a call would add a tenth to the cost of every key.
 [[gnu::always_inline]] inline const char* JsonParser::ReadKey(const char* at) {
   if (*at != '"') return Fail(at, kExpectedKey);
   const KeyPiece piece = KeyReader(m_textEnd).Piece(at + 1);
   const char* end = at + 1 + piece.length;
   JsonObject::Dictionary::Path path(m_object->Members());
   if (*end == '"' && piece.length != KeyPiece::kMaxLength && path.AppendOnly(piece)) {
-    m_key = path.End();  // nearly every key: of one piece, in one node
+    m_key = path.End();  // nearly every key has one piece, in one node
     ++end;
   } else {
     end = ReadLongKey(at);
@@ -283,8 +283,8 @@ inline const char* JsonParser::AfterValue(const char* at) {
   return *end == ':' ? end + 1 : Fail(end, kExpectedColon);
 }
 
-// A key that takes several nodes or has more than plain characters, laid anew from its
-// beginning.
+// Reads a key that needs several nodes or has other than plain characters. Starts again
+// at the beginning of the key.
 [[gnu::noinline]] const char* JsonParser::ReadLongKey(const char* at) {
   JsonObject::Dictionary::Path path(m_object->Members());
   const char* end = path.Append(at + 1, KeyReader(m_textEnd));
@@ -314,7 +314,7 @@ JsonParser::Begun JsonParser::ReadScalar(const char* at) {
 }
 
 JsonParser::Begun JsonParser::ReadLiteral(const char* at, std::string_view literal) {
-  // Stops at the text's end, which no literal holds.
+  // Stops at the end of the text, because no literal contains a NUL.
   if (std::strncmp(at, literal.data(), literal.size()) != 0) {
     return {Fail(at, kUnexpectedToken), nullptr};
   }
@@ -344,12 +344,13 @@ JsonParser::Begun JsonParser::ReadNumber(const char* begin) {
 inline JsonParser::Begun JsonParser::BeginString(const char* at) {
   const char* end = SkipPlain(at + 1, m_textEnd);
   if (*end != '"') return BeginMixedString(at);
-  const std::string_view text(at + 1, end);  // nearly every string: its text as it is
+  const std::string_view text(at + 1, end);  // nearly every string needs no change
   constexpr std::size_t kShort = 16;
   if (text.size() >= kShort || m_textEnd - text.begin() < std::ptrdiff_t{kShort}) {
     return {end + 1, JsonString::Create(text, &m_memory)};
   }
-  // A move of a fixed size, with what follows the text, is faster than a call.
+  // Copies a fixed number of bytes, including some behind the text: this is faster than a
+  // call.
   const auto fill = [text](char* buffer) {
     std::memcpy(buffer, text.data(), kShort);
     return text.size();
@@ -416,7 +417,7 @@ const char* JsonParser::ReadEscape(const char* at, Sink& sink) {
     case 'u':
       return ReadCodeUnit(at + 1, sink);
     default:
-      return at;  // the backslash is dropped, the character read as usual
+      return at;  // drops the backslash and reads the character as usual
   }
   sink.Append(meant);
   ++m_lineBegin;  // the character behind the backslash does not count

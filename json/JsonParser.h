@@ -17,27 +17,27 @@ struct ParseResult {
   std::uint32_t column = 1;
 };
 
-// Reads one JSON value from the front of a NUL-terminated text. Returns it with
-// one reference that the caller owns, or null at the first fault, with nothing
-// left behind. Fills `result` in both cases.
+// Reads one JSON value from the front of a NUL-terminated text. Returns it with one
+// reference that the caller owns. At the first fault it releases everything that it has
+// built and returns null. Fills `result` in both cases.
 //
-// What it accepts beyond JSON: any text after the first value or literal,
-// leading zeros, numbers without digits after '.' or 'e', control characters in
-// strings, unknown escapes (the backslash is dropped), and vertical tab and form
-// feed as white space. \u0000 gives nothing, and surrogates are not combined.
-// A key that comes again in an object, in any letter case, replaces the earlier
-// member; a value under an empty key is read and released at once.
+// What it accepts beyond JSON: any text after the first value or literal, leading zeros,
+// numbers without digits after '.' or 'e', control characters in strings, unknown escapes
+// (the backslash is dropped), and vertical tab and form feed as white space. \u0000 adds
+// no character, and surrogates are not combined. If an object repeats a key, in any
+// letter case, the later value replaces the earlier one. A value under an empty key is
+// read and released at once.
 //
-// One message is left empty: that of anything but ',' or ']' after an element
-// of an array.
+// One fault has an empty message: a character other than ',' or ']' after an element of
+// an array.
 //
 // Any thread may call this. Texts may be nested to any depth, because the use of the
 // stack does not grow with it. If memory runs out, this throws std::bad_alloc and has
 // released everything built so far.
 [[nodiscard]] Json* Parse(ParseResult& result, const char* text);
 
-// The same with the values in `memory`, which is rewound first. No other thread may use
-// it meanwhile. The values may outlive it.
+// The same, but with the values in `memory`, which this rewinds first. No other thread
+// may use `memory` meanwhile. The values may outlive it.
 [[nodiscard]] Json* Parse(ParseResult& result, const char* text, ValueMemory& memory);
 
 }  // namespace Vask

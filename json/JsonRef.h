@@ -24,12 +24,12 @@ class JsonRef {
   }
   ~JsonRef() { Reset(nullptr); }
 
-  // Releases what is held and adopts the new object's reference instead.
+  // Releases the held reference and takes over the reference of the new object.
   void Reset(T* adopted) noexcept {
     if (T* old = std::exchange(m_value, adopted)) old->Release();
   }
 
-  // Hands the reference to the caller, who now owes the Release.
+  // Hands the reference to the caller, which must release it.
   [[nodiscard]] T* Detach() noexcept { return std::exchange(m_value, nullptr); }
 
   T* Get() const noexcept { return m_value; }

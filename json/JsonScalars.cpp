@@ -11,15 +11,15 @@ namespace Vask {
 
 namespace {
 
-// Of a number that no double holds: true if it is too large, false if it is too small.
-// The place of its first significant digit decides.
+// For a number that does not fit into a double: returns true if it is too large, false if
+// it is too small. The position of its first significant digit decides.
 bool IsTooLarge(std::string_view text) {
   std::int64_t exponent = 0;
   const std::size_t e = text.find_first_of("eE");
   if (e != text.npos) {
     std::string_view digits = text.substr(e + 1);
     if (digits.starts_with('+')) digits.remove_prefix(1);
-    // Far beyond any text's length, and far from the ends of 64 bits.
+    // Larger than the length of any text, and far below the limits of 64 bits.
     constexpr std::int64_t kFar = std::numeric_limits<std::int64_t>::max() / 2;
     exponent = ReadInteger(digits);
     exponent = exponent > kFar ? kFar : exponent < -kFar ? -kFar : exponent;
@@ -36,7 +36,7 @@ std::int64_t ReadInteger(std::string_view text) noexcept {
   constexpr auto kMax = std::numeric_limits<std::int64_t>::max();
   const bool negative = text.starts_with('-');
   if (negative) text.remove_prefix(1);
-  std::int64_t value = 0;  // negative numbers count down, for they reach further
+  std::int64_t value = 0;  // counts down, because the negative range is larger
   for (const char c : text) {
     if (!IsDigit(c)) break;
     const int digit = negative ? '0' - c : c - '0';

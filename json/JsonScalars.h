@@ -11,8 +11,8 @@
 
 namespace Vask {
 
-// A string: bytes, UTF-8 where they are not ASCII. The text never changes once
-// the value is made.
+// A string: bytes, UTF-8 where they are not ASCII. The text never changes after the value
+// was made.
 class JsonString final : public Json {
  public:
   // A new string with a copy of `text`; the caller owns the one reference. It
@@ -23,8 +23,8 @@ class JsonString final : public Json {
     return CreateFilled(text.size(), copy, memory);
   }
 
-  // A new string whose text is written in place: fill(buffer) gets room for
-  // `capacity` bytes and returns how many it has used. It must not throw.
+  // A new string whose text is written in place: fill(buffer) gets room for `capacity`
+  // bytes and returns the number of bytes that it has used. It must not throw.
   template <class Fill>
   [[nodiscard]] static JsonString* CreateFilled(std::size_t capacity, Fill fill,
                                                 ValueMemory* memory = nullptr) {
@@ -35,7 +35,7 @@ class JsonString final : public Json {
     return string;
   }
 
-  // The whole text; it lives as long as the value.
+  // The whole text. Valid as long as the value lives.
   [[nodiscard]] std::string_view Text() const noexcept { return {CStr(), m_size}; }
   // The same, ended by a NUL.
   [[nodiscard]] const char* CStr() const noexcept {
@@ -54,31 +54,31 @@ class JsonString final : public Json {
   std::size_t m_size = 0;  // the text lies behind the object
 };
 
-// How the text of a number is read. All three are pure and independent of the
-// locale, and none of them fails: what does not fit goes to the nearest end.
+// Read the text of a number. All three are pure and independent of the locale. None of
+// them fails: a number that does not fit becomes the nearest limit.
 
-// An optional '-' and the decimal digits after it, up to the first other
-// character; saturates at the ends of 64 bits.
+// An optional '-' and the decimal digits after it, up to the first other character;
+// saturates at the limits of 64 bits.
 [[nodiscard]] std::int64_t ReadInteger(std::string_view text) noexcept;
 
 // An optional '-', digits, '.', digits and an exponent, correctly rounded;
 // infinite when too large, zero when too small.
 [[nodiscard]] double ReadReal(std::string_view text) noexcept;
 
-// Truncated toward zero; saturates at the ends of 64 bits.
+// Truncated toward zero; saturates at the limits of 64 bits.
 [[nodiscard]] std::int64_t TruncateToInteger(double value) noexcept;
 
-// A number: its text exactly as it was read, which is what gets written, and
-// two readings of it. Which reading counts is told by IsInteger().
+// A number: its text exactly as it was read, and two readings of it. Writing repeats the
+// text. IsInteger() determines which reading counts.
 class JsonNumber final : public Json {
  public:
-  // A number as a parser read it: '-', digits and, as the case may be, '.' and
-  // 'e' parts, with `isInteger` false when there was a '.'.
+  // A number as a parser read it: '-', digits and, if present, the '.' and 'e' parts.
+  // `isInteger` is false if there was a '.'.
   //
-  // An integer is read up to its first non-digit ("1e3" is 1) and saturates at
-  // the ends of 64 bits; its floating-point reading is that integer converted.
-  // Otherwise the floating-point reading follows the whole text, whatever the
-  // locale, and the integer one is it truncated toward zero, saturating too.
+  // An integer is read up to its first non-digit ("1e3" is 1) and saturates at the limits
+  // of 64 bits; its floating-point reading is that integer, converted. For any other
+  // number the floating-point reading takes the whole text, independent of the locale.
+  // The integer reading is that value truncated toward zero, and saturates too.
   //
   // The value lies in `memory`, or in the heap.
   [[nodiscard]] static JsonNumber* FromText(std::string_view text, bool isInteger,
@@ -90,7 +90,7 @@ class JsonNumber final : public Json {
   [[nodiscard]] bool IsInteger() const noexcept { return m_isInteger; }
   [[nodiscard]] std::int64_t IntValue() const noexcept { return m_intValue; }
   [[nodiscard]] double DoubleValue() const noexcept { return m_doubleValue; }
-  // Lives as long as the value; a NUL follows it.
+  // Valid as long as the value lives; a NUL follows it.
   [[nodiscard]] std::string_view Text() const noexcept {
     return {reinterpret_cast<const char*>(this) + sizeof(JsonNumber), m_size};
   }

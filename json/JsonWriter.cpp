@@ -10,8 +10,8 @@ namespace Vask {
 
 namespace {
 
-// What the writer does with a byte: kPlain, kDrop, the number of bytes of a
-// sequence that it begins, or the letter of its escape.
+// What the writer does with a byte: kPlain, kDrop, the number of bytes of a sequence that
+// begins with it, or the letter of its escape.
 constexpr char kPlain = 0;
 constexpr char kDrop = 1;
 constexpr char kTwoBytes = 2;
@@ -57,7 +57,8 @@ unsigned DecodeSequence(const char* bytes, std::size_t length) {
   return unit;
 }
 
-// Appends the form of the character at the front, and returns the number of its bytes.
+// Appends the written form of the first character of the text, and returns the number of
+// bytes that the character has in the text.
 std::size_t AppendSpecial(std::string& out, std::string_view text, char treatment) {
   switch (treatment) {
     case kDrop:

@@ -13,12 +13,11 @@ class JsonArray;
 class JsonObject;
 
 // Makes the two text forms of any tree, for Write and WritePretty of the values. The time
-// is linear in the length of the result. Open containers are on a list, so that the depth
-// of a tree costs no stack.
+// is linear in the length of the result. A list holds the open containers, so the use of
+// the stack does not grow with the depth of a tree.
 //
-// The compact form has no white space. The indented one has a line for every
-// member; an empty container there is its two brackets with two line feeds
-// between them.
+// The compact form has no white space. The indented form has a line for every member. In
+// it, an empty container is two brackets with two line feeds between them.
 class JsonWriter {
  public:
   // Replaces `out` by the text of `root`.
@@ -59,7 +58,7 @@ class JsonWriter {
   std::string m_keys;             // their names, each ended by a NUL
 };
 
-// Appends `text`, up to its first NUL, as it stands between the quotes of a
+// Appends `text`, up to its first NUL, in the form that it has between the quotes of a
 // JSON string:
 //  - quote, backslash, slash, backspace, tab, line feed, form feed and carriage
 //    return as their two-character escapes,

@@ -5,12 +5,12 @@
 
 namespace Vask {
 
-// Base of everything that is shared by reference count. An object lives on the
+// The base of all objects that are shared by reference count. An object lives on the
 // heap, starts with one reference that belongs to its creator, and is deleted by the
 // Release of the last reference.
 //
-// AddRef and Release may be called from any thread, as long as the caller holds
-// a reference. What a derived class adds is not protected by this.
+// Any thread that holds a reference may call AddRef and Release. This does not protect
+// what a derived class adds.
 class RefCount3 {
  public:
   RefCount3(const RefCount3&) = delete;
@@ -25,8 +25,8 @@ class RefCount3 {
     if (DropReference()) delete this;
   }
 
-  // References held at this moment; exact only while no other thread adds or drops one.
-  // For tests and diagnostics.
+  // The number of references at this moment. Exact only while no other thread adds or
+  // drops one. For tests and diagnostics.
   std::int32_t RefCount() const noexcept { return m_refCount.load(std::memory_order_relaxed); }
 
  protected:
@@ -34,15 +34,15 @@ class RefCount3 {
       : m_deleteWhenUnreferenced(deleteWhenUnreferenced), m_refCount(1) {}
   virtual ~RefCount3() = default;
 
-  // Called in place of the deletion when the last reference goes from an object
-  // that was made with `deleteWhenUnreferenced` false. Does nothing here.
+  // If an object was made with `deleteWhenUnreferenced` false, the release of its last
+  // reference calls this instead of the deletion. Does nothing here.
   virtual void OnLastRelease() noexcept {}
 
-  // The counting half of Release: true when the caller must delete the object.
+  // The counting half of Release. Returns true if the caller must delete the object.
   //
-  // A caller that reads a count of one holds the only reference, so no other thread
-  // can change the count. This case needs no locked instruction, and nearly every
-  // value of a message is released in it.
+  // A caller that reads a count of one holds the only reference, so no other thread can
+  // change the count. This case needs no locked instruction, and it is the case of nearly
+  // every value of a message.
   bool DropReference() noexcept {
     if (m_refCount.load(std::memory_order_acquire) != 1 &&
         m_refCount.fetch_sub(1, std::memory_order_acq_rel) > 1) {

@@ -12,9 +12,9 @@
 
 namespace Vask {
 
-// Sixteen characters of a text, looked at together. There are two forms that behave the
-// same: one for any processor, and one for x86-64, which is faster. Each is made with
-// the place of the first of sixteen characters that can be read.
+// Sixteen characters of a text, examined together. There are two forms that behave the
+// same: one for any processor, and one for x86-64, which is faster. The constructor takes
+// the place of the first character; all sixteen must be readable.
 
 class PortableSixteenCharacters {
  public:
@@ -22,9 +22,9 @@ class PortableSixteenCharacters {
 
   explicit PortableSixteenCharacters(const char* at) noexcept : m_text(at) {}
 
-  // How many characters stand before the first that means something within a string: a
-  // quote, a backslash or a control character. Bytes over 0x7F count as such, too: a
-  // caller that finds one looks again, more slowly.
+  // Returns the number of characters before the first one that is not plain within a
+  // string: a quote, a backslash or a control character. Bytes over 0x7F count as not
+  // plain, too; a caller that finds one uses a slower way.
   [[nodiscard]] std::size_t PlainLength() const noexcept {
     std::size_t length = 0;
     while (length != kCount && IsPlain(m_text[length])) ++length;

@@ -14,22 +14,22 @@
 
 namespace Vask {
 
-// Ends the process, after saying why on standard error: a dictionary holds a
-// key that, with the prefix of the enumeration, is longer than the buffer in
-// which keys are assembled. A caller that stores foreign keys in a dictionary that is
-// enumerated must limit their length first.
+// Prints the reason to standard error and ends the process. The reason is a key that,
+// together with the prefix of the enumeration, is longer than the buffer in which keys
+// are assembled. If a caller stores keys of a peer in a dictionary that is enumerated, it
+// must limit their length first.
 [[noreturn]] void EndProcessOnLongKey() noexcept;
 
-// A dictionary from NUL-terminated byte strings to values of type T, as a
-// character trie, with siblings in ascending order of their characters taken as
-// signed bytes (0x80 to 0xFF before ASCII). A node stands for a whole run of
-// characters if nothing branches off there, because nearly every key of a message is
-// such a run. Unless it is case sensitive, the dictionary folds ASCII letters when it
-// stores a key and when it looks one up, and enumerates keys as folded.
+// A dictionary from NUL-terminated byte strings to values of type T: a trie of
+// characters. Siblings are in ascending order of their characters as signed bytes (0x80
+// to 0xFF before ASCII). A node stands for a whole run of characters if nothing branches
+// off there, because nearly every key of a message is such a run. Unless it is case
+// sensitive, the dictionary folds ASCII letters when it stores a key and when it looks
+// one up, and enumerates keys as folded.
 //
-// T is a plain value (a pointer, as a rule), copied bit by bit; the dictionary
-// never releases what a pointer points at. Not synchronised. No operation uses
-// stack in proportion to a key's length.
+// T is a plain value, usually a pointer, and is copied bit by bit. The dictionary never
+// releases what a pointer points to. Not synchronised. The use of the stack does not grow
+// with the length of a key.
 template <class T>
 class StrDict3 {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
@@ -37,7 +37,7 @@ class StrDict3 {
  public:
   // Longer keys are cut to this when they are inserted or looked up.
   static constexpr std::size_t kMaxKeyLength = 65535;
-  // Longest prefix and key together that ForEach can assemble.
+  // The greatest length of prefix and key together that ForEach can assemble.
   static constexpr std::size_t kMaxVisitedKeyLength = 128;
 
   struct Node {
@@ -47,15 +47,15 @@ class StrDict3 {
     Node* firstChild;       // below the last character
     T value;                // set only when hasValue is 1
     std::uint8_t length;    // of the run: 1 to KeyPiece::kMaxLength
-    std::uint8_t hasValue;  // 1 when a key ends with the last character
+    std::uint8_t hasValue;  // 1 if a key ends with the last character
   };
 
-  // The source of nodes. One allocator may serve several dictionaries of one
-  // thread; it must outlive those that do not own it.
+  // The source of nodes. One allocator may serve several dictionaries of one thread. It
+  // must outlive the dictionaries that do not own it.
   class IAllocator {
    public:
     virtual ~IAllocator() = default;
-    // A node with no field set; throws std::bad_alloc when there is none.
+    // Returns a node with no field set. Throws std::bad_alloc if there is no memory.
     virtual Node* AllocNode() = 0;
     virtual void FreeNode(Node* node) noexcept = 0;
   };
@@ -66,9 +66,9 @@ class StrDict3 {
   class Allocator;
   using StandardAllocator = Allocator<16>;
 
-  // Receives each key in turn, a pointer to its value and the caller's context;
-  // the key's text is valid only during the call. False stops the walk. The callback
-  // must not insert into the dictionary.
+  // Receives each key in turn, a pointer to its value and the caller's context. The key's
+  // text is valid only during the call. Returns false to stop the walk. The callback must
+  // not insert into the dictionary.
   using Callback = bool (*)(const char* key, T* value, void* context);
   using ConstCallback = bool (*)(const char* key, T const* value, void* context);
 
@@ -97,14 +97,14 @@ class StrDict3 {
   StrDict3(const StrDict3&) = delete;
   StrDict3& operator=(const StrDict3&) = delete;
 
-  // Stores the value under the key, over any earlier one, which is not
-  // released. False, with nothing stored, for a null or empty key. If memory runs out,
-  // throws std::bad_alloc and leaves all stored pairs as they were.
+  // Stores the value under the key. It replaces an earlier value and does not release
+  // that one. Returns false and stores nothing if the key is null or empty. If memory
+  // runs out, throws std::bad_alloc and leaves all stored pairs as they were.
   bool Insert(const char* key, const T& value);
 
-  // Stores the node at which the key's path ends; false if there is no such path (or no
-  // key). The node may be a mere prefix of longer keys: test hasValue. It is valid until
-  // the dictionary changes.
+  // Stores the node at which the path of the key ends. Returns false if there is no such
+  // path, or if the key is null or empty. The node may belong only to longer keys: test
+  // hasValue. It is valid until the dictionary changes.
   bool Find(const char* key, const Node*& outNode) const noexcept;
 
   // The value stored under the key, or null. Valid until the dictionary changes.
@@ -112,10 +112,10 @@ class StrDict3 {
   // The same for a key that was folded beforehand, and faster.
   const T* FindValue(const FoldedKey& key) const noexcept;
 
-  // Calls back for every pair in ascending order of the folded keys, a key
-  // before those that extend it, with `prefix` set before each key. False when
-  // a callback stopped the walk. Ends the process when prefix and key together
-  // exceed kMaxVisitedKeyLength.
+  // Calls back for every pair, in ascending order of the folded keys; a key comes before
+  // longer keys that begin with it. Puts `prefix` before each key. Returns false if a
+  // callback stopped the walk. Ends the process if prefix and key together exceed
+  // kMaxVisitedKeyLength.
   bool ForEach(const char* prefix, Callback callback, void* context) {
     return Walk(prefix, callback, context);
   }
@@ -123,14 +123,14 @@ class StrDict3 {
     return Walk(prefix, callback, context);
   }
 
-  // Takes pairs out of the dictionary, in the order of ForEach, until take(value)
-  // returns false or none is left. True if none is left. Assembles no key, so keys may
+  // Takes pairs out of the dictionary, in the order of ForEach, until take(value) returns
+  // false or none is left. Returns true if none is left. It assembles no key, so keys may
   // have any length, and never allocates. Passes each node that is no longer needed to
-  // free(node). After the first call the dictionary is good for further ones and
-  // destruction only.
+  // free(node). After the first call only further calls and the destruction are allowed.
   template <class Take, class Free>
   bool TakeEach(Take take, Free free) noexcept;
-  // Takes the first pair like this and stores its value; false if none is left.
+  // Takes the first pair in the same way and stores its value. Returns false if none is
+  // left.
   bool TakeFirst(T& value) noexcept {
     const auto take = [&value](const T& taken) noexcept {
       value = taken;
@@ -147,19 +147,19 @@ class StrDict3 {
     }
   }
 
-  // True when no pair was ever inserted.
+  // True if no pair was ever inserted.
   bool Empty() const noexcept { return m_root == nullptr; }
 
  private:
   static KeyPiece Run(const Node& node) noexcept { return {node.low, node.high, node.length}; }
-  // Gives a node its characters and no value.
+  // Sets the characters of a node. The node then has no value.
   static void SetRun(Node* node, const KeyPiece& piece) noexcept {
     node->low = piece.low;
     node->high = piece.high;
     node->length = static_cast<std::uint8_t>(piece.length);
     node->hasValue = 0;
   }
-  // Siblings are in the order of these.
+  // The order of siblings follows these characters.
   static signed char First(const Node& node) noexcept { return Run(node).First(); }
 
   static void SetValue(Node* node, const T& value) noexcept {
@@ -167,13 +167,13 @@ class StrDict3 {
     node->hasValue = 1;
   }
 
-  // Leaves `node` its first `kept` characters and makes a child of the rest, so
-  // that something can end or branch off there. On std::bad_alloc all is as it was.
+  // Keeps the first `kept` characters in `node` and moves the rest to a new child, so
+  // that a key can end or branch off there. Changes nothing if it throws std::bad_alloc.
   void Divide(Node* node, std::size_t kept);
 
-  // The first node after `first`, the first node of the first chain, is cut off. Puts
-  // its children before its siblings. This takes a dictionary apart in the order of
-  // ForEach without a stack.
+  // Cuts off `first`, the first node of the first chain, and returns the next first node.
+  // Puts the children of `first` before its siblings. So the caller visits the nodes in
+  // the order of ForEach without a stack.
   static Node* Successor(Node* first) noexcept;
 
   template <class AnyCallback>
@@ -200,7 +200,7 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Allocator(const Allocator&) = delete;
   Allocator& operator=(const Allocator&) = delete;
 
-  // Returns the node that was freed last, else one that was never used.
+  // Returns the node that was freed last. If there is none, returns a new one.
   Node* AllocNode() override {
     if (m_freeNodes != nullptr) {
       --m_freeCount;
@@ -247,25 +247,25 @@ class StrDict3<T>::Allocator final : public IAllocator {
   Block* m_blocks = nullptr;
 };
 
-// Lays a key's path piece by piece, so that a key that is still being read needs
-// no string of its own. Lives no longer than the dictionary.
+// Makes the path of a key piece by piece, so that a key that is still being read needs no
+// string of its own. The dictionary must outlive the path.
 template <class T>
 class StrDict3<T>::Path {
  public:
   explicit Path(StrDict3& dictionary) noexcept
       : m_dictionary(dictionary), m_level(&dictionary.m_root) {}
 
-  // Goes deeper along the characters up to the first that `reader` does not take, and
-  // returns the place of that one. Makes the nodes that are missing. Characters past
-  // kMaxKeyLength are passed over.
+  // Follows the characters downwards, up to the first one that `reader` does not take,
+  // and returns the place of that one. Makes the nodes that are missing. Skips characters
+  // beyond kMaxKeyLength.
   //
-  // A reader has Piece(at), the piece of the key that begins there; an empty one at the
-  // end of the key. Foldings are readers.
+  // A reader has the function Piece(at), which returns the piece of the key that begins
+  // at `at`, and an empty piece at the end of the key. KeyFolding is a reader.
   template <class Reader>
   const char* Append(const char* at, const Reader& reader);
 
-  // The same for the only piece of a key, which is shorter than kMaxLength. False if it
-  // takes more than one node; then the path is good for nothing more.
+  // The same for the only piece of a key, which is shorter than kMaxLength. Returns false
+  // if it needs more than one node; then the path must not be used any more.
   [[nodiscard]] bool AppendOnly(const KeyPiece& piece) {
     return piece.length == 0 || Lay(piece) == piece.length;
   }
@@ -287,7 +287,7 @@ class StrDict3<T>::Path {
   StrDict3& m_dictionary;
   Node** m_level;
   Node* m_node = nullptr;
-  std::size_t m_room = kMaxKeyLength;  // characters that may still be laid
+  std::size_t m_room = kMaxKeyLength;  // characters that may still be added
 };
 
 template <class T>
@@ -304,8 +304,7 @@ inline const char* StrDict3<T>::Path::Append(const char* at, const Reader& reade
   }
 }
 
-// Goes deeper by as many of the piece's characters as one node takes, and returns their
-// number.
+// Follows or makes one node, and returns how many characters of the piece it took.
 template <class T>
 inline std::size_t StrDict3<T>::Path::Lay(const KeyPiece& piece) {
   const signed char first = piece.First();
@@ -355,7 +354,7 @@ bool StrDict3<T>::Find(const char* key, const Node*& outNode) const noexcept {
     const signed char first = piece.First();
     while (node != nullptr && First(*node) < first) node = node->nextSibling;
     if (node == nullptr || First(*node) != first) {
-      // No path is longer than the limit, so only there can a key be cut.
+      // No path is longer than the limit, so a key can be cut only there.
       if (static_cast<std::size_t>(at - key) != kMaxKeyLength) return false;
       break;
     }
@@ -439,8 +438,8 @@ inline typename StrDict3<T>::Node* StrDict3<T>::Successor(Node* first) noexcept 
   Node* next = first->firstChild;
   if (next == nullptr) return first->nextSibling;
   if (first->nextSibling != nullptr) {
-    // Each chain of siblings is walked to its end once at most, so a whole
-    // dictionary is taken apart in linear time.
+    // The loop walks to the end of each chain of siblings once at most, so the time for a
+    // whole dictionary is linear.
     Node* last = next;
     while (last->nextSibling != nullptr) last = last->nextSibling;
     last->nextSibling = first->nextSibling;

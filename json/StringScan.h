@@ -8,14 +8,13 @@
 
 namespace Vask {
 
-// How the parser passes over the plain characters of a string or a key. Texts end with a
-// NUL. All of this is pure, for any thread.
+// The parser skips the plain characters of a string or a key with these functions. Texts
+// end with a NUL. Everything here is pure, for any thread.
 
 // The characters at which a run of plain ones in a string ends.
 inline constexpr std::string_view kStringSpecials("\0\"\\\n", 4);
 
-// Keys are folded while they are read. Both foldings stop at a character that needs a
-// closer look.
+// Keys are folded while they are read. Both foldings stop at a special character.
 inline constinit const KeyFolding kKeyFolding(KeyFolding::Letters::ToLower, kStringSpecials);
 inline constinit const KeyFolding kPlainCharacters(KeyFolding::Letters::Kept, kStringSpecials);
 
@@ -34,7 +33,7 @@ class KeyReader {
   }
 
  private:
-  // Out of line, because callers hardly ever need it and then keep their registers.
+  // Not inlined: callers rarely need it, and so they keep their values in registers.
   [[gnu::noinline]] static KeyPiece OddPiece(const char* at) { return kKeyFolding.Piece(at); }
 
   const char* m_textEnd;
@@ -57,8 +56,8 @@ inline const char* SkipPlain(const char* at, const char* textEnd) {
   return SkipPlain(at);
 }
 
-// Bytes that suffice for a string's text from `begin` on: the number before its closing
-// quote, because no escape grows.
+// Returns the number of bytes before the closing quote of a string that begins at
+// `begin`. They are enough for its text, because no escape becomes longer.
 inline std::size_t StringRoom(const char* begin) {
   const char* at = SkipPlain(begin);
   while (*at != '"' && *at != '\0') {

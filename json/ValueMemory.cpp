@@ -36,8 +36,8 @@ void ValueMemory::CloseSlab() noexcept {
   m_slab = nullptr;
 }
 
-// A caller that reads a count equal to its own pieces holds the last ones, and needs no
-// locked instruction.
+// If the count equals the number of pieces that the caller frees, these are the last
+// ones, and no locked instruction is necessary.
 void ValueMemory::Retire(Slab* slab, std::int32_t pieces) noexcept {
   if (slab->inUse.load(std::memory_order_acquire) == pieces ||
       slab->inUse.fetch_sub(pieces, std::memory_order_acq_rel) == pieces) {

@@ -24,14 +24,15 @@ namespace Vask {
 // one each. A slab is freed when the last piece in it is freed, in any order and on any
 // thread. One piece that is kept keeps its slab.
 //
-// A caller that reads one text after the other keeps one of these and rewinds it between
-// them. Then nearly no text allocates. Each piece has a small head that says where it came
-// from, so that Free serves pieces of a slab and of the heap alike.
+// A caller that reads one text after the other keeps one object and rewinds it between
+// the texts. Then nearly no text allocates. Each piece has a small head that holds its
+// origin, so that Free works for pieces of a slab and of the heap.
 class ValueMemory {
  public:
-  // What a slab holds, heads included: the largest message of a few values.
+  // The size of a slab, heads included. The largest message of a few values fits into it.
   static constexpr std::size_t kSlabBytes = 4096;
-  // A larger piece that does not fit has an allocation of its own.
+  // A piece larger than this has an allocation of its own if it does not fit into the
+  // slab.
   static constexpr std::size_t kLargestPiece = 1024;
 
   ValueMemory() = default;
@@ -57,7 +58,7 @@ class ValueMemory {
     return new (head) Head{offset, static_cast<std::uint32_t>(bytes)} + 1;
   }
 
-  // A piece of the heap that Free knows, for a value that stands alone.
+  // A piece of the heap that Free accepts, for a value that belongs to no text.
   static void* TakeAlone(std::size_t bytes);
 
   // From `memory` if there is one, else a piece of the heap.
@@ -76,8 +77,8 @@ class ValueMemory {
     std::uint32_t bytes;       // of the piece
   };
   struct Slab {
-    // Pieces in use, after the slab was closed. Before that: the number of freed pieces,
-    // negative.
+    // After the slab was closed: the number of pieces in use. Before that: minus the
+    // number of freed pieces.
     std::atomic<std::int32_t> inUse{0};
   };
 
@@ -121,7 +122,7 @@ class ValueMemory::Returns {
   }
 
  private:
-  // Without a look at the piece: a message's pieces lie in one slab, as a rule.
+  // Does not read the piece, because the pieces of a message usually lie in one slab.
   bool IsInSlab(const void* piece) const noexcept {
     const auto distance =
         reinterpret_cast<std::uintptr_t>(piece) - reinterpret_cast<std::uintptr_t>(m_slab);

@@ -28,7 +28,7 @@ namespace Messages {
 // nor lists: no message with those is sent (EncodableRecord checks it).
 [[nodiscard]] Vask::JsonObject* EncodeRecord(const RecordTable& table, const void* record);
 
-// Returns the object that stands under the union's key, or null, as above.
+// Returns the object that belongs under the union's key, or null, as above.
 [[nodiscard]] Vask::JsonObject* EncodeUnion(const UnionTable& table, const void* choice);
 
 // Destroys what the alternative owns and sets the tag to empty. Reports a tag of no

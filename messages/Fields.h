@@ -13,9 +13,8 @@
 
 namespace Messages {
 
-// How a record is described. A record is a plain struct. Its Description stands
-// below it: one row per field, in the order in which the fields are read and
-// written.
+// How a record is described. A record is a plain struct. Its Description is below it: one
+// row for each field, in the order in which the fields are read and written.
 //
 //   struct Streams {
 //     std::int32_t m_Count = 0;
@@ -258,7 +257,7 @@ template <class U>
 constexpr UnionTable MakeUnionTable() {
   constexpr auto& alternatives = Description<U>::kAlternatives;
   static_assert(!HasDuplicateNames(alternatives), "two alternatives of one name");
-  static_assert(AreInOrderOfTags(alternatives), "an alternative stands at the place of its tag");
+  static_assert(AreInOrderOfTags(alternatives), "an alternative is at the place of its tag");
   static_assert(U::kEmpty == std::size(alternatives),
                 "the empty tag is the one past the last alternative");
   return {Description<U>::kPath, LastPart(Description<U>::kPath), alternatives, U::kEmpty,

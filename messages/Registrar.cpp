@@ -191,7 +191,7 @@ bool Registrar::SendSNMPtrap(const SNMPtrap& trap) {
   return BuildAndSend("SNMPtrap", [&] { return EncodeStruct_SNMPtrap(trap); });
 }
 
-// Without memory only the message is lost; the caller's work goes on.
+// Without memory only the message is lost; the caller continues.
 template <class Build>
 bool Registrar::BuildAndSend(const char* name, Build build) {
   try {

@@ -11,9 +11,8 @@ namespace Vask {
 class IOnError;
 class IOnJsonMessageText;
 
-// How messages are carried on the link. A frame is the body's length in decimal
-// digits, one '#', and that many bytes of body. Frames follow one another with nothing
-// in between.
+// The format of messages on the link. A frame is the body's length in decimal digits, one
+// '#', and that many bytes of body. Frames follow one another with nothing in between.
 
 // Appends the frame of `body` to `out`. An empty body becomes "0#", which a receiver
 // refuses. `body` must be shorter than 2^32 bytes.
@@ -23,7 +22,7 @@ void AppendFrame(std::string& out, std::string_view body);
 // the bytes one by one.
 //
 // The length of a frame has no upper bound and is kept in 32 bits without an overflow
-// check. Memory grows with the bytes that came, never with the announced length.
+// check. Memory grows with the bytes that arrived, never with the announced length.
 //
 // One thread feeds it, and it calls the listener and the sink on that thread. Any
 // thread may call GetState().
@@ -51,7 +50,7 @@ class FrameReader {
   void End();
 
   // Takes one byte. Returns true if the stream goes on. Returns false after a fault of
-  // the stream, which the sink was told; the caller must drop the connection.
+  // the stream, which it has reported to the sink; the caller must drop the connection.
   [[nodiscard]] bool ProcessByte(char byte);
 
   [[nodiscard]] std::int32_t GetState() const { return m_state.load(std::memory_order_relaxed); }

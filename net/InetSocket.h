@@ -67,9 +67,9 @@ class InetSocketConnector final : public InetSocket {
  public:
   using InetSocket::InetSocket;
 
-  // Closes the present connection and connects to a host (InetAddress::Set says how its
-  // text is read) and port, in host order. Blocks for the look-up of a name and for the
-  // connection, up to the system's own timeout or until a Shutdown. Returns false if
+  // Closes the present connection and connects to a host (InetAddress::Set describes how
+  // its text is read) and port, in host order. Blocks for the look-up of a name and for
+  // the connection, up to the system's own timeout or until a Shutdown. Returns false if
   // there is no connection; then the socket is closed, except that an address which
   // cannot be found leaves the old connection as it is.
   [[nodiscard]] bool Connect(const char* host, std::uint32_t port);

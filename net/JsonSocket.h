@@ -57,7 +57,7 @@ class JsonSocket : private ThreadClass, public IOnJsonMessage {
 
   // Starts the reader thread and waits until it runs, not until it is connected. Returns
   // false and reports "Vask::JsonSocket::OpenThread open failed" if the thread cannot be
-  // created, or if it runs already; then it goes on.
+  // created, or if it runs already; then it continues.
   [[nodiscard]] bool OpenThread();
 
   // Ends the connection in an orderly way, ends the thread and waits for it. The peer
@@ -102,7 +102,7 @@ class JsonSocket : private ThreadClass, public IOnJsonMessage {
   std::atomic<bool> m_running{false};
   std::uint16_t m_port = 0;
   FrameReader m_reader;
-  // Milliseconds since the last attempt to connect; at first so many that the reader
+  // Milliseconds since the last attempt to connect; at first large enough that the reader
   // tries at once. Only the reader thread uses it while it runs.
   std::uint32_t m_waitedMs = kRetryMs;
 

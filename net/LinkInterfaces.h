@@ -7,10 +7,10 @@ class Json;
 // The interfaces between the link and the rest of the agent. The link calls the first
 // two and implements the third.
 
-// Is told when the connection to the peer comes and goes. The link calls every
-// operation on its reader thread, without any lock, and reads nothing until it
-// returns. An exception of OnConnecting or OnConnected ends the attempt or the
-// connection; the others must not throw.
+// Receives the events of the connection to the peer. The link calls every operation on
+// its reader thread, without any lock, and reads nothing until it returns. An exception
+// of OnConnecting or OnConnected ends the attempt or the connection; the others must not
+// throw.
 class IJsonSocketEvents {
  public:
   virtual void OnConnecting() = 0;     // before every attempt to connect

@@ -36,10 +36,10 @@ namespace Vask::Platform {
 // Native builds with CORVANE_CHECK_LOCK_ORDER (the presets debug, asan and tsan) end
 // the process if a thread takes locks out of order.
 //
-// When a Windows process ends, Windows kills every other thread before it tells the
-// module, possibly while one of them holds a lock. From the moment that
+// When a Windows process ends, Windows kills every other thread before it calls the
+// module's hook, possibly while one of them holds a lock. From the moment that
 // ProcessIsExiting() returns true, only one thread is left. Then Lock and Unlock do
-// nothing, whichever thread holds the lock.
+// nothing, even if a killed thread holds the lock.
 class VASK_CAPABILITY("mutex") CriticalSection {
  public:
 #if defined(CORVANE_CHECK_LOCK_ORDER)

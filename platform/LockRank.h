@@ -118,8 +118,8 @@ class HeldLocks {
   std::size_t m_count = 0;
 };
 
-// Natively a thread_local without a destructor costs nothing when the module goes.
-// The DLL must have none, so this check is never part of it.
+// On Linux a thread_local without a destructor leaves nothing behind when the module is
+// unloaded. The DLL must have none, so this check is never part of it.
 inline constinit thread_local HeldLocks heldLocks;
 
 #endif

@@ -4,11 +4,10 @@
 
 namespace Vask::Platform {
 
-// Tells whether the process ends. The module can end in two ways. If it is
-// unloaded and the process continues, the module joins its threads and then
-// destroys everything. If the process ends, the module destroys nothing: Windows
-// has killed the other threads wherever they stood, and elsewhere they may still
-// run.
+// Reports whether the process ends. The module can end in two ways. If it is unloaded and
+// the process continues, the module joins its threads and then destroys everything. If
+// the process ends, the module destroys nothing: Windows has killed the other threads at
+// an unknown point, and on other systems they may still run.
 
 namespace Detail {
 inline constinit std::atomic<bool> g_processIsExiting{false};

@@ -7,9 +7,9 @@
 // types and rules: the receiver of dynamic memory frees it with SnmpUtilMemFree,
 // and functions return 0 for failure and do not throw.
 //
-// Wine's SnmpUtilOidCmp takes the identifier with fewer numbers for the lower
-// one, whatever the numbers are. To compare for order, call SnmpUtilOidNCmp with
-// a count that is larger than any length: that is right everywhere.
+// Wine's SnmpUtilOidCmp treats the identifier with fewer numbers as the lower one,
+// independent of the numbers. To compare for order, call SnmpUtilOidNCmp with a count
+// that is larger than any length: its result is right on all systems.
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -94,8 +94,8 @@ extern "C" {
 SNMPAPI SnmpUtilOidCpy(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
 // Appends source to destination, growing its identifiers.
 SNMPAPI SnmpUtilOidAppend(AsnObjectIdentifier* destination, AsnObjectIdentifier* source);
-// Returns a number below, equal to or above 0: compares sub-identifier by
-// sub-identifier; the shorter of two equal beginnings is the lower.
+// Returns a number below, equal to or above 0: compares sub-identifier by sub-identifier.
+// If one identifier begins with the other, the shorter one is lower.
 SNMPAPI SnmpUtilOidCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second);
 // The same over at most `count` leading sub-identifiers.
 SNMPAPI SnmpUtilOidNCmp(AsnObjectIdentifier* first, AsnObjectIdentifier* second, UINT count);

@@ -41,10 +41,10 @@ class Threading {
   // The entry is copied. Null if the thread cannot be created.
   [[nodiscard]] virtual NativeHandle StartThread(const ThreadEntry& entry) noexcept = 0;
 
-  // Waits until the thread's entry has signalled `finished` or the thread is
-  // dead, whichever is first. (At the end of a Windows process the system kills
-  // the thread, which then signals nothing.) Does not wait for the thread's own
-  // end, which needs the loader's lock that the caller may hold.
+  // Waits until the thread's entry has signalled `finished` or the thread is dead. (At
+  // the end of a Windows process the system kills the thread, which then signals
+  // nothing.) Does not wait for the thread's own end, which needs the loader's lock that
+  // the caller may hold.
   virtual void JoinThread(NativeHandle thread, NativeHandle finished) noexcept = 0;
 
   // Closes the handle. The thread continues if it still runs.

@@ -1,6 +1,6 @@
-"""Checks the counts of gcovr. It prints lines and branches by area. It fails if a line, or
-a branch of a strict area, is neither reached nor listed with its reason, if a listed one
-is reached, or if too few lines of an area are reached.
+"""Checks the counts of gcovr. It prints lines and branches by area. It fails if a line,
+or a branch of a strict area, is neither reached nor listed with its reason. It fails also
+if a listed one is reached, or if too few lines of an area are reached.
 
     coverage.py COUNTS.json OUT-OF-REACH.txt
 """
@@ -112,7 +112,7 @@ def find_faults(areas, still_open, listed):
             yield (f"{path}:{numbers[0]}: {len(numbers)} branches not reached, "
                    f"{most} listed: {text}")
         elif kind == "line" and most == 0:
-            yield f"{path}:{numbers[0]}: not reached, nor listed: {text}"
+            yield f"{path}:{numbers[0]}: neither reached nor listed: {text}"
     for key, (least, _) in listed.items():
         kind, path, text = key
         if len(still_open.get(key, [])) < least:

@@ -1,10 +1,10 @@
-"""Checks sources without running them, and closes with "N passed, N failed".
+"""Checks sources without running them, and ends with the line "N passed, N failed".
 
     python3 scripts/lint.py [--all] [--seconds N]
 
-Every file of the tree goes through the quick tools: clang-format (nothing is
-rewritten), shellcheck, and Python's compiler. clang-tidy and cppcheck take
-longer, so they read what a change touches:
+The quick tools read every file of the tree: clang-format (which rewrites nothing),
+shellcheck, and Python's compiler. clang-tidy and cppcheck take longer, so they read
+only the files of a change:
 
 - the files that differ from the commit where this branch left origin's main branch
   (the local main branch if there is no origin);
@@ -12,8 +12,8 @@ longer, so they read what a change touches:
 - in both cases, the files that are not committed yet.
 
 clang-tidy reads a header through one source file that includes it. After N seconds
-(90) the two start with no further file, and the command says how many files are left
-out. With --all they read every source file of the tree, however long that takes.
+(90) the two start with no further file, and the script prints how many files it has left
+out. With --all they read every source file of the tree, without this limit.
 """
 
 import argparse
@@ -38,7 +38,7 @@ SYSTEMS = (("winelib", re.compile(r"^host/winelib/")),
 
 CPPCHECK = ("cppcheck", "--enable=warning,performance,portability", "--inline-suppr", "--std=c++20",
             "--quiet", "-I.", "--error-exitcode=1",
-            # It takes the end of a template's argument list for a comparison,
+            # It mistakes the end of a template's argument list for a comparison,
             "--suppress=compareBoolExpressionWithInt",
             # and "+ 1" after a placement new for a sum of integers.
             "--suppress=CastIntegerToAddressAtReturn")
@@ -209,7 +209,7 @@ def check_together(verdicts, tool, names, command):
         verdicts.add(tool, name, 1 if lines else 0, "\n".join(lines))
     good = sum(not lines for lines in faults.values())
     if status != 0 and good == len(names):
-        sys.exit(f"lint: {tool} fails with status {status} and says nothing")
+        sys.exit(f"lint: {tool} fails with status {status} and prints nothing")
     print(f"{tool}: {good} of {len(names)} files without a finding, "
           f"{time.monotonic() - began:.0f} s", flush=True)
 

@@ -1,9 +1,9 @@
-// The dynamic loader calls this when it unloads the module; AgentProcess.h says
-// what the stop of the agent may wait for.
+// The dynamic loader calls this when it unloads the module. AgentProcess.h describes what
+// the stop of the agent may wait for.
 //
-// A destructor function runs both at an unload and at the end of the process. An
-// exit handler tells the two apart: it runs before the module's destructor
-// functions at the end of the process, and after them at an unload.
+// A destructor function runs both at an unload and at the end of the process. An exit
+// handler distinguishes the two: it runs before the module's destructor functions at the
+// end of the process, and after them at an unload.
 
 #include <cstdlib>
 

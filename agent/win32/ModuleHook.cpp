@@ -1,6 +1,6 @@
-// Windows calls this when it loads and unloads the module, under the loader's
-// lock. An unload and the end of the process stop the agent here; AgentProcess.h
-// says what the stop may wait for.
+// Windows calls this when it loads and unloads the module, under the loader's lock. An
+// unload and the end of the process stop the agent here; AgentProcess.h describes what
+// the stop may wait for.
 
 #include <windows.h>
 
@@ -30,8 +30,8 @@ void Unload() noexcept {
   __gnu_cxx::__freeres();
 }
 
-// Windows has killed every other thread, wherever it stood. This destroys
-// nothing: the memory goes with the process, and a dead thread may hold a lock.
+// Windows has killed every other thread at an unknown point. This destroys nothing: the
+// system frees the memory of the process, and a dead thread may hold a lock.
 void EndProcess() noexcept {
   Vask::Platform::MarkProcessExiting();
   Stop(Agent::Ending::kProcessEnd);

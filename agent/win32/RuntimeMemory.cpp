@@ -12,8 +12,8 @@
 #include <cstring>
 #include <new>
 
-// The slots: what malloc refuses to the library comes from here. The module's own
-// allocations, by operator new below, still fail.
+// If malloc has no memory for the library, the library gets one of these slots. The
+// module's own allocations, by operator new below, still fail.
 
 extern "C" {
 void* __real_malloc(std::size_t bytes);

@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr char kName[] = "1.3.6.1.4.1.99999.333.1.0";  // as long as a variable's name is
+constexpr char kName[] = "1.3.6.1.4.1.99999.333.1.0";  // as long as the name of a variable
 constexpr int kLinesBefore = 40;
 constexpr char kText[] = "GetRequest(1.3.6.1.4.1.99999.333.1.0)\n";
 

@@ -1,4 +1,4 @@
-// Requests of the SNMP service with the log open, and beside them the log lines
+// Measures requests of the SNMP service with the log open, and separately the log lines
 // that they write.
 
 #include <benchmark/benchmark.h>

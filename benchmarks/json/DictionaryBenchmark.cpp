@@ -9,13 +9,13 @@
 
 #include "json/StrDict3.h"
 
-// The dictionary against std::map<std::string, ...> doing the same job: built
-// and destroyed, every key found, all pairs walked in order. Keys come as
-// C strings in random order, as in messages.
+// Compares the dictionary with std::map<std::string, ...>: building and destroying it,
+// finding every key, and walking all pairs in order. The keys are C strings in random
+// order, as in messages.
 //
-// Two kinds of keys: words, as members of objects have, and a word with a
-// number, as elements of lists have ("stream17"). A trie walks the latter
-// faster, because they share most of their nodes.
+// There are two kinds of keys: words, like the names of members, and a word with a
+// number, like the names of elements in lists ("stream17"). A trie walks the second kind
+// faster, because these keys share most of their nodes.
 
 namespace {
 
@@ -112,7 +112,7 @@ BENCHMARK(Find<Map, Words>)->Arg(10)->Arg(100);
 BENCHMARK(Find<Dictionary, Numbered>)->Arg(100);
 BENCHMARK(Find<Map, Numbered>)->Arg(100);
 
-// What both walks do with a pair.
+// The work of both walks for each pair.
 bool Visit(const char* key, int** value, void* context) {
   *static_cast<long*>(context) += *key + **value;
   return true;

@@ -4,15 +4,15 @@
 #include "messages/Registrar.h"
 #include "tests/support/UpdateFrames.h"
 
-// Decoding of the four frames of one update: parse, envelope, record, dispatch to
-// the handler, release. One iteration takes all four. The peers' records go to the
-// handler in the same way as ours.
+// Decodes the four frames of one update: parse, envelope, record, dispatch to the
+// handler, release. One iteration processes all four. The other decoders pass their
+// records to the handler in the same way.
 namespace Messages::Benchmarks {
 namespace {
 
 using Vask::Tests::kUpdateFrames;
 
-// The sum of the decoded values, so that the compiler cannot leave work out.
+// The sum of the decoded values, so that the compiler cannot remove work.
 std::int64_t s_sum = 0;
 
 void Take(const SNMPmessage& message, std::int32_t id, void*) {
@@ -52,7 +52,7 @@ void DecodePeer(benchmark::State& state, bool (*decode)(const char*, SNMPmessage
 BENCHMARK_CAPTURE(DecodePeer, nlohmann, DecodeWithNlohmann);
 BENCHMARK_CAPTURE(DecodePeer, rapidjson, DecodeWithRapidJson);
 
-// A message that nobody subscribed to, last in the catalogue: parse and match.
+// A message without a subscriber, the last one of the catalogue: parse and match.
 void SkipLastName(benchmark::State& state) {
   Registrar& registrar = Registrar::Instance();
   for ([[maybe_unused]] const auto& iteration : state) {
@@ -62,7 +62,7 @@ void SkipLastName(benchmark::State& state) {
 }
 BENCHMARK(SkipLastName);
 
-// The comparison chain alone.
+// Only the comparisons with the names of the catalogue.
 void MatchLastName(benchmark::State& state) {
   for ([[maybe_unused]] const auto& iteration : state) {
     benchmark::DoNotOptimize(FindInCatalogue("SetNtpConfiguration"));

@@ -10,8 +10,8 @@ namespace {
 
 using Value = nlohmann::json;
 
-// The map's own search first: it is the fast way to a member that is spelled as
-// the protocol spells it.
+// Tries the map's own search first, because it is fast for a member in the protocol's
+// spelling.
 const Value* Find(const Value& object, const char* key) {
   const auto exact = object.find(key);
   if (exact != object.end()) return &*exact;

@@ -9,10 +9,10 @@
 
 namespace Messages::Benchmarks {
 
-// The same strict decoding of an SNMPmessage frame with other JSON libraries:
-// parse, check the envelope, match the name in the catalogue, find each member
-// whatever its letter case, check kinds, lengths and ranges, fill the record,
-// release. False at the first fault.
+// These decode an SNMPmessage frame as strictly as the agent, with other JSON libraries:
+// parse, check the envelope, match the name in the catalogue, find each member in any
+// letter case, check kinds, lengths and ranges, fill the record, release. They return
+// false at the first fault.
 bool DecodeWithNlohmann(const char* text, SNMPmessage& message, std::int32_t& id);
 bool DecodeWithRapidJson(const char* text, SNMPmessage& message, std::int32_t& id);
 

@@ -13,8 +13,8 @@ std::string_view TextOf(const Value& value) {
   return {value.GetString(), value.GetStringLength()};
 }
 
-// Members are an array there, so this is the library's own way of searching but
-// for the comparison.
+// The library keeps members in an array, so this is its own search with another
+// comparison.
 const Value* Find(const Value& object, std::string_view key) {
   for (auto member = object.MemberBegin(); member != object.MemberEnd(); ++member) {
     if (Vask::EqualsIgnoringCase(TextOf(member->name), key)) return &member->value;

@@ -155,7 +155,7 @@ class Feed {
   SocketHandle m_handle = Vask::Platform::kInvalidSocket;
 };
 
-// Two seconds without a byte, between two frames.
+// Measures two seconds without a byte, between two frames.
 template <class Reader>
 void Idle(benchmark::State& state) {
   for (auto _ : state) {
@@ -190,7 +190,7 @@ void StreamedFrame(benchmark::State& state) {
   }
 }
 
-// One repetition takes up to some seconds, so there are few.
+// One repetition takes up to a few seconds, so there are few.
 void FewLongOnes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Iterations(1)->Repetitions(15)->UseManualTime();
 }

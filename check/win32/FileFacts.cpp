@@ -19,7 +19,7 @@ constexpr char kAgentsKey[] =
 constexpr char kPathname[] = "Pathname";
 
 constexpr std::size_t kLargestDll = 64u << 20;
-// A busy manager writes some 100 MB a day. What is older than this does not matter.
+// The requests of a busy manager write some 100 MB a day. Older lines do not matter.
 constexpr std::size_t kMostLog = 64u << 20;
 
 DWORD AttributesError(const std::string& path) {
@@ -46,8 +46,8 @@ AgentEntry ReadEntry(const SettingValue& value) {
   return entry;
 }
 
-// The imports that are neither beside the DLL nor among Windows' own libraries. Names that begin
-// with "api-ms-" and "ext-ms-" stand for parts of Windows and have no files.
+// Returns the imports that are neither in the DLL's folder nor among Windows' own libraries.
+// Names that begin with "api-ms-" or "ext-ms-" are parts of Windows without files.
 std::vector<std::string> MissingLibraries(const std::string& path, const Image& image) {
   wchar_t system[MAX_PATH] = L"";
   GetSystemDirectoryW(system, MAX_PATH);
@@ -91,7 +91,7 @@ std::string CommonData() {
   return found ? Narrow(folder) : "C:\\ProgramData";
 }
 
-// The names of the agent's log files, the newest first. The result is the error, or 0.
+// Stores the names of the agent's log files, the newest first. Returns the error, or 0.
 DWORD ListLogs(const std::string& folder, std::vector<std::string>& names) {
   WIN32_FIND_DATAW found{};
   const HANDLE search = FindFirstFileW(Wide(folder + "\\Log*.log").c_str(), &found);

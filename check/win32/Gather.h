@@ -7,8 +7,8 @@
 
 namespace Check {
 
-// Finds all facts on this machine. Changes nothing. Blocks for at most 5 seconds or so, most of
-// them while it waits for an answer of the service.
+// Finds all facts on this machine. Changes nothing. Blocks for at most about 5 seconds, mostly
+// while it waits for an answer of the service.
 [[nodiscard]] Facts Gather(const Options& options);
 
 // Finds the registration and the DLL only.

@@ -37,7 +37,8 @@ std::string AddressText(int family, const void* address) {
   return text;
 }
 
-// The table of all TCP sockets of a family. Empty, with the error set, if it cannot be read.
+// Returns the table of all TCP sockets of a family. Empty, with the error set, if it cannot be
+// read.
 std::vector<std::max_align_t> ReadTable(ULONG family, DWORD& error) {
   std::vector<std::max_align_t> table;
   DWORD size = 0;
@@ -126,7 +127,7 @@ class RequestSocket {
     return send(m_socket, datagram.data(), static_cast<int>(datagram.size()), 0) >= 0;
   }
 
-  // Waits for a datagram. False if none came within the time, or the port is closed.
+  // Waits for a datagram. False if none came within the time, or if the port is closed.
   [[nodiscard]] bool Receive(ULONGLONG waitMs, std::string& datagram, bool& refused) const {
     // Not select: under Wine it does not report that the port is closed.
     const auto wait = static_cast<DWORD>(waitMs);
@@ -148,7 +149,7 @@ class RequestSocket {
   bool m_connected = false;
 };
 
-// Sends once and waits. True if that settles the outcome.
+// Sends once and waits. True if the outcome is then known.
 bool Try(const RequestSocket& socket, const std::string& request, std::int32_t id,
          AnswerFacts& answer) {
   using Outcome = AnswerFacts::Outcome;

@@ -48,7 +48,7 @@ void ReadConfiguration(SC_HANDLE service, ServiceFacts& facts) {
   if (!QueryServiceConfigW(service, configuration, capacity, &size)) return;
   facts.startType = configuration->dwStartType;
   const wchar_t* const account = configuration->lpServiceStartName;
-  // An empty name stands for the account of the system.
+  // An empty name means the account of the system.
   facts.account = account == nullptr || *account == 0 ? "LocalSystem" : Narrow(account);
 }
 
@@ -67,7 +67,7 @@ void ReadModules(ServiceFacts& facts) {
   }
 }
 
-// The time of the process's start, in Windows' ticks; 0 if it is unknown.
+// Returns the time of the process's start, in Windows' ticks; 0 if it is unknown.
 ULONGLONG ReadStart(ServiceFacts& facts) {
   const UniqueSystemHandle process =
       Own(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, facts.processId));
@@ -90,8 +90,8 @@ std::string EventText(const EVENTLOGRECORD& record) {
   return text;
 }
 
-// Appends the errors and warnings of the service in one piece of the event log. False when a
-// record is older than `since`, so that the rest is too.
+// Appends the errors and warnings of the service from one piece of the event log. Returns false
+// at a record that is older than `since`, because all others are older, too.
 bool TakeEvents(const char* bytes, DWORD size, DWORD since, std::vector<std::string>& events) {
   for (DWORD at = 0; at < size && events.size() < kMostEvents;) {
     const auto& record = *reinterpret_cast<const EVENTLOGRECORD*>(bytes + at);

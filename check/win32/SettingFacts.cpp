@@ -16,7 +16,8 @@ constexpr char kFirewall[] =
     R"(SYSTEM\CurrentControlSet\Services\SharedAccess\Parameters\FirewallPolicy\)";
 constexpr char kFirewallPolicy[] = R"(SOFTWARE\Policies\Microsoft\WindowsFirewall\)";
 
-// Opens the key and reads its values; false if that is not possible, with the reason in `facts`.
+// Reads the values of the key. Returns false if there is no such key. Returns false also if the
+// key cannot be read; `facts` then has the reason.
 bool ReadValues(const MachineKey& key, KeyFacts& facts) {
   if (!key.IsOpen()) {
     const auto error = static_cast<DWORD>(key.Error());
@@ -57,7 +58,8 @@ KeyFacts ReadDestinations(const std::string& path) {
   return facts;
 }
 
-// The networks' profiles that are in use, as a set of bits. Empty if Windows does not tell.
+// Returns the profiles of the connected networks, as a set of bits. Empty if Windows does not
+// report them.
 std::optional<long> ActiveProfiles() {
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) return {};
   std::optional<long> active;

@@ -23,7 +23,7 @@ std::wstring Expanded(const std::wstring& text) {
   return expanded;
 }
 
-// What a value of the registry holds. Its bytes need not be a whole text.
+// The content of a value of the registry. Its bytes need not be a whole text.
 SettingValue ValueOf(const std::wstring& name, DWORD type, const std::vector<BYTE>& bytes) {
   SettingValue value;
   value.name = Narrow(name);
@@ -54,7 +54,7 @@ std::optional<AccessEntry> EntryOf(const ACE_HEADER* header) {
       (header->AceFlags & INHERIT_ONLY_ACE) != 0) {
     return {};
   }
-  // The entries that allow and those that deny have the same members.
+  // Entries that allow and entries that deny have the same members.
   const auto* entry = reinterpret_cast<const ACCESS_ALLOWED_ACE*>(header);
   DWORD rights = entry->Mask;
   GENERIC_MAPPING mapping{FILE_GENERIC_READ, FILE_GENERIC_WRITE, FILE_GENERIC_EXECUTE,
@@ -143,7 +143,7 @@ std::vector<SettingValue> MachineKey::Values() const {
     DWORD size = largest;
     const LSTATUS error =
         RegEnumValueW(m_key, i, name.data(), &length, nullptr, &type, bytes.data(), &size);
-    if (error == ERROR_MORE_DATA) continue;  // it grew meanwhile
+    if (error == ERROR_MORE_DATA) continue;  // the value has grown meanwhile
     if (error != ERROR_SUCCESS) return values;
     bytes.resize(size);
     values.push_back(ValueOf(std::wstring(name.data(), length), type, bytes));

@@ -17,14 +17,14 @@
 // Small helpers around Windows' calls. All of them only read.
 namespace Check {
 
-// UTF-8 from and to Windows' own texts.
+// Conversions between UTF-8 and Windows' own texts.
 [[nodiscard]] std::string Narrow(std::wstring_view text);
 [[nodiscard]] std::wstring Wide(std::string_view text);
 
 // "access is denied, run this program as an administrator", or "Windows error 1450".
 [[nodiscard]] std::string ErrorText(DWORD error);
 
-// Whether the error says that the thing is not there.
+// True if the error means that the object does not exist.
 [[nodiscard]] bool IsMissing(DWORD error);
 
 struct HandleCloser {

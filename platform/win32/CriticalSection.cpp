@@ -16,8 +16,8 @@ SRWLOCK* AsSlimLock(void*& lock) noexcept {
 
 }  // namespace
 
-// A thread's id is stored only by that thread, so a relaxed load tells it whether it is
-// the holder.
+// A thread's id is stored only by that thread, so a relaxed load is enough to find out
+// whether this thread is the holder.
 void CriticalSection::Lock() noexcept {
   if (ProcessIsExiting()) return;
   const DWORD self = GetCurrentThreadId();

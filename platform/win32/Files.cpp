@@ -166,8 +166,8 @@ Files& SystemFiles() noexcept {
   return g_files;
 }
 
-// The run-time library's isatty takes every character device for a terminal, NUL
-// too. Only a console has a mode.
+// The run-time library's isatty treats every character device as a terminal, also NUL.
+// Only a console has a mode.
 bool StandardInputIsTerminal() noexcept {
   DWORD mode = 0;
   return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;

@@ -106,7 +106,7 @@ TEST_F(DailyLogDiskTest, EnumerationFindsTheDaysFiles) {
   EXPECT_EQ(found, (std::vector<std::string>{kTodaysName, folder.Path(kTodaysName)}));
 }
 
-// A system that does not remove an open file keeps the folder. Then the log goes on.
+// A system that does not remove an open file keeps the folder. Then the log continues.
 TEST_F(DailyLogDiskTest, AFolderThatVanishesEndsTheFileUntilTheLogIsOpenedAgain) {
   const std::string logs = folder.Path("logs");
   ASSERT_TRUE(log.Open(logs.c_str()));

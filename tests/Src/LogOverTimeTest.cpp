@@ -1,5 +1,5 @@
-// The log over many days. Whatever the clock does, every line must be in the files,
-// whole and once.
+// The log over many days. Every line must be in the files, whole and once, also if the
+// clock jumps.
 
 #include <gtest/gtest.h>
 
@@ -90,7 +90,7 @@ TEST_F(LogOverTimeTest, NoLineIsLostOrWrittenTwiceOnLongAndShortDays) {
   }
 }
 
-TEST_F(LogOverTimeTest, ClockSetBackADayGoesOnInTheSameFile) {
+TEST_F(LogOverTimeTest, ClockSetBackADayContinuesInTheSameFile) {
   SetTime({2018, 5, 14, 12, 0, 0, 0});
   ASSERT_TRUE(log.Open("C:\\logs"));
   Write();

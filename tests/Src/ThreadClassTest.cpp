@@ -119,7 +119,7 @@ TEST(ThreadClassTest, WithoutEventsNoThreadIsStarted) {
   EXPECT_EQ(threading.started, 0u);
 }
 
-TEST(ThreadClassTest, DestructionWithAThreadIsReportedAndGoesOn) {
+TEST(ThreadClassTest, DestructionWithAThreadIsReportedAndContinues) {
   ScriptedThreading threading;
   RecordingLog log;
   {

@@ -132,7 +132,7 @@ TEST_F(TimerServiceTest, EachClientHasItsOwnTimer) {
   EXPECT_EQ(calls, (Calls{"c", "a", "b"}));
 }
 
-TEST_F(TimerServiceTest, OfTimersDueTogetherTheLatestIsCalledFirst) {
+TEST_F(TimerServiceTest, TheLatestOfTimersDueTogetherIsCalledFirst) {
   service.SetTimer(20, &a);
   service.SetTimer(20, &b);
   clock.Advance(10);
@@ -202,7 +202,7 @@ TEST_F(TimerServiceTest, TheNextPeriodCountsFromTheBeginningOfASlowCall) {
   EXPECT_EQ(service.Step(), 50u);
 }
 
-TEST_F(TimerServiceTest, AfterALongSleepATimerIsCalledOnceAndGoesOnFromThere) {
+TEST_F(TimerServiceTest, AfterALongSleepATimerIsCalledOnceAndContinuesFromThere) {
   service.SetTimer(100, &a);
   clock.Advance(100'000);
   EXPECT_EQ(service.Step(), 95u);
@@ -224,7 +224,7 @@ TEST_F(TimerServiceTest, AWrapOfTheTickNeitherFiresNorStallsTimers) {
   EXPECT_EQ(calls, (Calls{"a", "b"}));
 }
 
-TEST_F(TimerServiceTest, TheClockGoesOnRisingOverManyWraps) {
+TEST_F(TimerServiceTest, TheClockRisesOverManyWraps) {
   service.SetTimer(0x80000000u, &a);
   for (int i = 0; i < 9; ++i) {
     clock.Advance(0x40000000u);

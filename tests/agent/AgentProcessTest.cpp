@@ -120,7 +120,7 @@ TEST_F(AgentProcessTest, SecondStartIsRefusedAndLeavesThreadsAndTablesAlone) {
   EXPECT_EQ(threading.starts, 2);
 }
 
-// The running link goes on.
+// The running link continues.
 TEST_F(AgentProcessTest, SecondStartOpensNoSocketAndKeepsTheSender) {
   ASSERT_TRUE(process.Start());
   ASSERT_EQ(sockets.openedByOwner, 1);

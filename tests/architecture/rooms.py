@@ -133,7 +133,7 @@ def row_of(name, table):
 
 
 def rules_for(name, row, table):
-    """The rules of the row, with those of the room that the file's folder mirrors."""
+    """Returns the rules of the row, with those of the room that the file's folder mirrors."""
     rules = []
     for rule in table[row]:
         if rule != OF_ITS_ROOM:

@@ -1,5 +1,5 @@
-"""The rooms: the tree keeps to the table of docs/architecture.md, and the comparison finds
-what does not.
+"""Tests that the tree follows the table of docs/architecture.md, and that the comparison
+finds violations.
 
     python3 rooms_test.py TOP-FOLDER
 """
@@ -33,7 +33,7 @@ class OnePlantedInclude(unittest.TestCase):
     """Each case is a small tree with the table above and its includes."""
 
     def faults(self, table=TABLE, **includes):
-        """Includes as platform__Clock_h='net/Socket.h'; returns what the comparison says."""
+        """Includes as platform__Clock_h='net/Socket.h'; returns the complaints of the comparison."""
         with tempfile.TemporaryDirectory() as folder:
             top = Path(folder)
             for name in ("platform/Clock.h", "net/Socket.h", "net/Link.h", "Src/Printer.h",

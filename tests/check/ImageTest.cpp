@@ -108,7 +108,7 @@ TEST(CheckImage, OtherFilesAreNotImages) {
   EXPECT_EQ(ReadImage(image.Bytes()).kind, Image::Kind::kNotAnImage);
 }
 
-TEST(CheckImage, EveryCutImageIsTold) {
+TEST(CheckImage, EveryCutImageIsRecognised) {
   const std::string whole = SmallImage().Bytes();
   for (std::size_t length = 0; length < whole.size(); ++length) {
     EXPECT_NE(ReadImage(std::string_view(whole).substr(0, length)).kind, Image::Kind::kImage)

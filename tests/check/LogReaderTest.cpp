@@ -66,7 +66,7 @@ TEST(LogReader, ConnectionBeforeTheEndOfTheStartCounts) {
   EXPECT_TRUE(found.linked);
 }
 
-TEST(LogReader, EndIsTold) {
+TEST(LogReader, EndIsRecognised) {
   EXPECT_FALSE(Read("23:30:00.716: Info: Terminating SNMP extension agent..\n").runs);
 }
 

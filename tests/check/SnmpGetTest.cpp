@@ -69,7 +69,7 @@ TEST(SnmpGet, TextMayBeEmptyAndHoldZeros) {
   EXPECT_EQ(DecodeResponse(Response(Bytes({0x04, 0})))->bindings[0].text, "");
 }
 
-TEST(SnmpGet, MissingVariablesAreTold) {
+TEST(SnmpGet, MissingVariablesAreRecognised) {
   for (const int tag : {0x80, 0x81, 0x82}) {
     const auto response = DecodeResponse(Response(Bytes({tag, 0})));
     ASSERT_TRUE(response) << tag;
@@ -107,7 +107,7 @@ TEST(SnmpGet, LongFormOfALengthIsRead) {
 TEST(SnmpGet, IdentifierThatIsCutOrTooLargeIsRefused) {
   std::string cut = Response(Bytes({0x02, 1, 5}));
   const std::size_t last = cut.find('\x59') + 1;
-  cut[last] = '\x81';  // says that more follows
+  cut[last] = '\x81';  // means that more follows
   EXPECT_FALSE(DecodeResponse(cut));
   std::string large = Response(Bytes({0x02, 1, 5}));
   const std::size_t first = large.find("\x2B\x06") + 1;

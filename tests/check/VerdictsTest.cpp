@@ -28,7 +28,7 @@ TEST(Verdicts, HealthyServerPassesEveryStepInOrder) {
   }
 }
 
-// One thing is changed on the healthy server: what does its step say then?
+// One change of the healthy server, and the verdict that its step must give.
 struct Row {
   const char* name;
   std::function<void(Facts&)> change;
@@ -44,7 +44,7 @@ void PrintTo(const Row& row, std::ostream* out) {
 
 class BrokenServer : public testing::TestWithParam<Row> {};
 
-TEST_P(BrokenServer, IsToldByItsStep) {
+TEST_P(BrokenServer, IsReportedByItsStep) {
   const Row& row = GetParam();
   Facts facts = HealthyFacts();
   row.change(facts);
@@ -303,7 +303,7 @@ const Row kLinkRows[] = {
      "restart the service"},
     {"LogUnreadable", [](F& f) { f.log.whyUnknown = "access is denied"; }, StepId::kLog, kSkipped,
      "access is denied", ""},
-    {"NoLogOfToday", [](F& f) { f.log.today = "2026-11-22"; }, StepId::kLog, kOk, "none of today",
+    {"NoLogOfToday", [](F& f) { f.log.today = "2026-11-22"; }, StepId::kLog, kOk, "none from today",
      ""},
     {"AgentEnded",
      [](F& f) { UseLog(f, "23:30:00.716: Info: Terminating SNMP extension agent..\n"); },
@@ -433,7 +433,7 @@ TEST(Verdicts, NoTrapsSkipsTheDestinationsAndTheirEvents) {
   EXPECT_EQ(At(verdicts, StepId::kEvents).status, Status::kOk);
 }
 
-TEST(Verdicts, UnknownCommunityOfAnOptionIsTold) {
+TEST(Verdicts, UnknownCommunityOfAnOptionIsReported) {
   Facts facts = HealthyFacts();
   facts.answer.outcome = Outcome::kSilent;
   Options options;

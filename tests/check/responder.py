@@ -3,14 +3,14 @@
     responder.py PORT COMMUNITY MODE
 
 MODE is one of
-    values      answers every name of the agent's variables
-    no-agent    answers that there is no such variable
-    no-name     answers with the error status noSuchName
-    other-id    answers with the number of another request
-    text        answers with bytes that are not SNMP
-    silent      answers nothing
+    values      sends the values of all variables
+    no-agent    reports that there is no such variable
+    no-name     sends the error status noSuchName
+    other-id    sends the number of another request
+    text        sends bytes that are not SNMP
+    silent      sends nothing
 
-A request with another community gets no answer. Prints "ready" when it listens.
+It does not answer a request with another community. Prints "ready" when it listens.
 """
 
 import socket
@@ -28,7 +28,7 @@ def element(tag, content):
 
 
 def elements(data):
-    """The tags and contents of all elements in `data`."""
+    """Returns the tags and contents of all elements in `data`."""
     found = []
     while data:
         tag, length, start = data[0], data[1], 2
@@ -41,7 +41,7 @@ def elements(data):
 
 
 def answer(request, community, mode):
-    """The response, or None for silence."""
+    """Returns the response, or None if there must be no response."""
     (_, message), = elements(request)
     (_, _), (_, name), (_, pdu) = elements(message)
     if mode == "silent" or name != community:

@@ -5,9 +5,9 @@
 // with an unload at once. Then it ends EXITS processes while threads are busy in the
 // module. --full is 1000 and 100; without arguments it is a tenth of that.
 //
-// It fails if an answer is wrong, if a stop or an end takes too long, or if a kind of
-// cycle leaves handles, thread slots or memory behind. The peers are processes of
-// their own, so that all resources counted here are the module's.
+// It fails if an answer is wrong, or if a stop or an end takes too long. It fails also if
+// a kind of cycle leaves handles, thread slots or memory behind. The peers are processes
+// of their own, so that all resources counted here are the module's.
 
 #include <algorithm>
 #include <cstddef>

@@ -349,7 +349,7 @@ TEST_F(MemoryFaultTest, OldFileStaysIfTheCleanUpHasNoMemory) {
 }
 
 // A tick that throws is not the last one.
-TEST_F(MemoryFaultTest, TimerGoesOnAfterATickThatThrows) {
+TEST_F(MemoryFaultTest, TimerContinuesAfterATickThatThrows) {
   class Client final : public Vask::ITimerServiceClient {
    public:
     void OnTimer(std::uint32_t, std::uint64_t) override {

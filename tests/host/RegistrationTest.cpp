@@ -134,7 +134,7 @@ TEST(HostRegistration, BrokenOnesAreSkippedWithAComplaint) {
                                      "Behind: there is no key HKLM\\SOFTWARE\\Behind"}));
 }
 
-TEST(HostRegistration, OfSeveralAgentsTheUserMustChoose) {
+TEST(HostRegistration, TheUserMustChooseAmongSeveralAgents) {
   FakeRegistry registry;
   registry.keys[kAgents].emplace_back("Second", Text("SOFTWARE\\B"));
   registry.keys["SOFTWARE\\B"] = {{"Pathname", Text("C:\\b.dll")}};

@@ -58,10 +58,10 @@ class FaultSwitch {
 inline constinit FaultSwitch g_faultSwitch;
 
 // Replaces functions of the system in the import table of a loaded module, and of no
-// other part of the process. They fail as g_faultSwitch says, and otherwise call the
-// real function. So the unchanged module can meet any fault. Call this before the module
-// has threads; the replacement ends with the unload. Prints the reason and ends the
-// program if the module does not import one of these functions.
+// other part of the process. They fail if g_faultSwitch requires it, and otherwise call
+// the real function. So the unchanged module can meet any fault. Call this before the
+// module has threads; the replacement ends with the unload. Prints the reason and ends
+// the program if the module does not import one of these functions.
 void PutFaultyImports(void* library);
 
 }  // namespace Hostile

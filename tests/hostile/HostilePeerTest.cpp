@@ -90,12 +90,12 @@ TEST_F(HostilePeerTest, FloodIsServedWhileTrapsAreTaken) {
 }
 
 // The agent keeps all traps. They need less memory than the frames.
-TEST_F(HostilePeerTest, FloodIsServedWhileNobodyTakesTraps) {
+TEST_F(HostilePeerTest, FloodIsServedWhileNoTrapIsTaken) {
   const std::size_t held = Contract::HeldMemory();
   WithinMemory(scale.floodFrames * StreamsFrame(1, 1).size(), [&] {
     ASSERT_EQ(target.Flood(scale.floodFrames, false), "");
     EXPECT_GE(target.Module().TakeTraps().size(), scale.floodFrames);
-    ASSERT_EQ(target.Flood(2, true), "");  // what was taken goes with the next trap
+    ASSERT_EQ(target.Flood(2, true), "");  // the next trap frees the taken ones
   });
   target.Module().TakeTraps();
   EXPECT_LE(Contract::HeldMemory(), held + kMostKept);

@@ -36,7 +36,7 @@ std::string Repeated(std::string_view part, std::size_t times) {
   return text;
 }
 
-// Other programs that find the port open.
+// The first bytes of other programs that find the port open.
 void AddStrangers(Inputs& inputs) {
   const std::string tls(
       "\x16\x03\x01\x00\x2f\x01\x00\x00\x2b\x03\x03"

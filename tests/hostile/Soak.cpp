@@ -277,9 +277,8 @@ class Soak {
                 sample.resident / 1024, sample.handles, sample.threads, m_rounds);
   }
 
-  // Compares the medians of the second and the last quarter of the time. So a state that
-  // lasts only for a while, as a start without a thread or a log that lost its file,
-  // does not count.
+  // Compares the medians of the second and the last quarter of the time. So a temporary
+  // state, such as a start without a thread or a log without its file, does not count.
   int Growths() const {
     const struct {
       const char* name;

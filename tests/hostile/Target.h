@@ -13,7 +13,7 @@ namespace Hostile {
 
 // The built module, and the hostile peer on its link. One thread.
 //
-// The functions return a phrase that says what went wrong, or an empty text.
+// The functions return a phrase that names the failure, or an empty text.
 class Target {
  public:
   // The number of streams in a frame that this class does not send itself. The frames

@@ -20,8 +20,8 @@ std::uint64_t AllocationsOfParsing(const std::string& text) {
   return after - before;
 }
 
-// One for every slab. Values, the nodes of keys and the cells of arrays lie in it; what
-// is too large for a slab has an allocation of its own.
+// There is one allocation for each slab. Values, the nodes of keys and the cells of
+// arrays lie in it. An object that is too large for a slab has an allocation of its own.
 TEST_F(AllocationTest, ValuesAndKeysShareFewAllocations) {
   struct Row {
     const char* name;
@@ -47,9 +47,9 @@ TEST_F(AllocationTest, ValuesAndKeysShareFewAllocations) {
   }
 }
 
-// The frames of an update, and a larger one: after the first text the memory that the
-// reader keeps serves all others.
-TEST_F(AllocationTest, TextInWarmMemoryTakesNone) {
+// The frames of an update, and a larger one. After the first text, the memory that the
+// reader keeps is enough for all others.
+TEST_F(AllocationTest, TextInWarmMemoryAllocatesNothing) {
   const std::string head =
       R"({"name":"SNMPmessage","from":"Corvane","id":0,"op":"broadcast","data":{"messageType":)";
   ValueMemory memory;
@@ -72,7 +72,7 @@ TEST_F(AllocationTest, TextInWarmMemoryTakesNone) {
   }
 }
 
-TEST_F(AllocationTest, ReleasingTakesNone) {
+TEST_F(AllocationTest, ReleasingAllocatesNothing) {
   ParseResult result;
   JsonRef<Json> root(Parse(result, R"({"a":[{"b":[1,2,{"c":"d"}]},"e"],"f":{"g":[[[]]]}})"));
   ASSERT_TRUE(root);

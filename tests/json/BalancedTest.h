@@ -11,7 +11,7 @@ namespace Vask::Tests {
 // A test that must leave as many values behind as it found.
 class BalancedTest : public ::testing::Test {
  protected:
-  // Values that live now.
+  // The number of values that live now.
   static std::uint32_t Living() { return Json::Constructed() - Json::Destroyed(); }
 
   void SetUp() override { m_before = Living(); }

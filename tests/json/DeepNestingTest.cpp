@@ -8,8 +8,8 @@
 #include "tests/json/BalancedTest.h"
 #include "tests/support/SmallStack.h"
 
-// Texts nested a million deep, on a stack that recursion would overrun within
-// a few thousand levels.
+// Texts with a million levels, on a stack that recursion would exceed after a few
+// thousand levels.
 
 namespace Vask {
 namespace {

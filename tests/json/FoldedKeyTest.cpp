@@ -79,7 +79,7 @@ TEST(KeyPiece, CharactersAreSigned) {
 
 using Letters = KeyFolding::Letters;
 
-// The text as `folding` makes it, up to the first character that becomes zero.
+// Returns the folded text, up to the first character that becomes zero.
 std::string Folded(const KeyFolding& folding, const char* text) {
   std::string folded;
   for (; folding.Fold(*text) != 0; ++text) folded += static_cast<char>(folding.Fold(*text));
@@ -130,7 +130,7 @@ TEST(KeyFolding, CaseSensitiveDictionariesKeepTheirLetters) {
 
 using Dictionary = StrDict3<int>;
 
-TEST(FoldedKey, FindsWhatItsTextFinds) {
+TEST(FoldedKey, FindsTheSameAsItsText) {
   const std::string longest = "TheQuickBrownFoxJumpsOverTheLazyDog";
   for (std::size_t stored = 1; stored <= longest.size(); ++stored) {
     Dictionary dictionary;
@@ -163,7 +163,7 @@ TEST(FoldedKey, FollowsTheFoldingOfTheDictionary) {
   }
 }
 
-TEST(FoldedKey, NoKeyIsNeverFound) {
+TEST(FoldedKey, EmptyKeyIsNeverFound) {
   Dictionary dictionary;
   dictionary.Insert("a", 1);
   EXPECT_EQ(dictionary.FindValue(FoldedKey("")), nullptr);

@@ -48,7 +48,7 @@ TEST_F(JsonArrayTest, AppendTakesAReferenceOfItsOwn) {
   EXPECT_EQ(value->RefCount(), 1);
 }
 
-TEST_F(JsonArrayTest, AdoptedReferenceIsTheArrays) {
+TEST_F(JsonArrayTest, AdoptedReferenceBelongsToTheArray) {
   JsonRef<JsonArray> array(new JsonArray);
   Json* value = new JsonBool(true);
   array->AppendAdopted(value);

@@ -10,7 +10,7 @@ namespace {
 
 using JsonKeysTest = Tests::BalancedTest;
 
-// The only key of the object that the text is, as it is kept.
+// Parses an object with one key and returns the stored key.
 std::string OnlyKey(const std::string& text) {
   ParseResult result;
   const JsonRef<JsonObject> root(static_cast<JsonObject*>(Parse(result, text.c_str())));
@@ -24,8 +24,8 @@ std::string OnlyKey(const std::string& text) {
   return keys;
 }
 
-// Keys are read sixteen characters at a time, except where a character is more than
-// a letter or the text ends soon. The result must be the same.
+// The parser reads sixteen characters of a key at a time, unless a character is special
+// or the text ends soon. The result must be the same.
 TEST_F(JsonKeysTest, EveryCharacterIsReadAnywhereInAKey) {
   for (unsigned c = 1; c < 256; ++c) {
     if (c == '"' || c == '\\') continue;

@@ -18,7 +18,7 @@ std::string Written(const Json& value) {
   return text;
 }
 
-// Sets a new number, of which the object then holds the only reference.
+// Sets a new number. The object then holds the only reference to it.
 void SetInt(JsonObject& object, const char* key, int value) {
   JsonRef<JsonNumber> number(JsonNumber::FromInt(value));
   ASSERT_TRUE(object.Set(key, number.Get()));
@@ -88,7 +88,7 @@ TEST_F(JsonObjectTest, NullValueIsRefusedAndChangesNothing) {
   EXPECT_EQ(Written(*object), R"({"key":1})");
 }
 
-TEST_F(JsonObjectTest, EmptyKeyStoresNothingAndKeepsItsReferenceForEver) {
+TEST_F(JsonObjectTest, EmptyKeyStoresNothingAndItsReferenceIsNeverReleased) {
   JsonNull* value = new JsonNull;
   {
     JsonRef<JsonObject> object(new JsonObject);
@@ -98,11 +98,11 @@ TEST_F(JsonObjectTest, EmptyKeyStoresNothingAndKeepsItsReferenceForEver) {
     EXPECT_EQ(Written(*object), "{}");
     EXPECT_EQ(value->RefCount(), 3);
   }
-  EXPECT_EQ(value->RefCount(), 3);  // two of them nobody's
+  EXPECT_EQ(value->RefCount(), 3);  // nothing else owns two of them
   for (int i = 0; i < 3; ++i) value->Release();
 }
 
-TEST_F(JsonObjectTest, FindGivesNothingForAbsentKeysAndMerePrefixes) {
+TEST_F(JsonObjectTest, FindReturnsNullForAbsentKeysAndForPrefixes) {
   JsonRef<JsonObject> object(new JsonObject);
   SetInt(*object, "names", 1);
   EXPECT_EQ(object->Find("name"), nullptr);
@@ -112,7 +112,7 @@ TEST_F(JsonObjectTest, FindGivesNothingForAbsentKeysAndMerePrefixes) {
   EXPECT_EQ(object->Find(nullptr), nullptr);
 }
 
-TEST_F(JsonObjectTest, FindLeavesTheCountAlone) {
+TEST_F(JsonObjectTest, FindDoesNotChangeTheCount) {
   JsonRef<JsonObject> object(new JsonObject);
   SetInt(*object, "key", 1);
   EXPECT_EQ(object->Find("key")->RefCount(), 1);
@@ -168,7 +168,7 @@ TEST_F(JsonObjectTest, ValueHeldElsewhereOutlivesTheObject) {
   EXPECT_EQ(Written(*inner), R"({"key":1})");
 }
 
-TEST_F(JsonObjectTest, ValueMayStandInTwoObjects) {
+TEST_F(JsonObjectTest, ValueMayBeInTwoObjects) {
   JsonRef<JsonObject> first(new JsonObject);
   JsonRef<JsonObject> second(new JsonObject);
   {

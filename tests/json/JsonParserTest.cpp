@@ -58,7 +58,7 @@ std::string DumpArray(const JsonArray& array) {
   return "[" + dump + "]";
 }
 
-// A value in one line, every reading and every byte of it.
+// Returns a value on one line, with all of its readings and bytes.
 std::string Dump(const Json& value) {
   switch (value.Type()) {
     case JsonType::Object:
@@ -256,8 +256,8 @@ TEST_F(JsonParserTest, FailureReleasesEverythingBuiltSoFar) {
   }
 }
 
-// The text reads to its end, so every position behind the value is the same as under
-// any other key.
+// The parser reads the text to its end, so each position behind the value is the same as
+// under any other key.
 TEST_F(JsonParserTest, ValueUnderAnEmptyKeyIsReadAndReleased) {
   struct Member {
     const char* name;

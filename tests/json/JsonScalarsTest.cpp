@@ -82,7 +82,7 @@ TEST(NumberReading, RealsAreReadAsDecimalFloatingPoint) {
 TEST(NumberReading, RealsDoNotFollowTheLocale) {
   const std::string before = std::setlocale(LC_NUMERIC, nullptr);
   for (const char* locale : {"de_DE.UTF-8", "de_DE", "German_Germany.1252"}) {
-    std::setlocale(LC_NUMERIC, locale);  // those that this machine lacks change nothing
+    std::setlocale(LC_NUMERIC, locale);  // a locale that this machine does not have changes nothing
     EXPECT_EQ(ReadReal("2.5"), 2.5) << locale;
   }
   std::setlocale(LC_NUMERIC, before.c_str());
@@ -111,7 +111,8 @@ TEST(NumberReading, TruncationGoesTowardZeroAndSaturates) {
 
 using JsonScalarsTest = Tests::BalancedTest;
 
-// Both forms are the same for every scalar, whatever `out` held before.
+// Both forms are the same for every scalar, and do not depend on the old content of
+// `out`.
 std::string WrittenBothWays(const Json& value) {
   std::string compact = "something longer that stood there before";
   std::string pretty = compact;
@@ -121,7 +122,7 @@ std::string WrittenBothWays(const Json& value) {
   return compact;
 }
 
-TEST_F(JsonScalarsTest, StringKeepsItsTextWithANulBehind) {
+TEST_F(JsonScalarsTest, StringKeepsItsTextAndEndsItWithANul) {
   std::string original = "Main";
   JsonRef<JsonString> string(JsonString::Create(original));
   original = "gone";
@@ -132,14 +133,14 @@ TEST_F(JsonScalarsTest, StringKeepsItsTextWithANulBehind) {
   EXPECT_EQ(WrittenBothWays(*string), "\"Main\"");
 }
 
-TEST_F(JsonScalarsTest, StringIsEmptyUnlessToldOtherwise) {
+TEST_F(JsonScalarsTest, StringIsEmptyByDefault) {
   JsonRef<JsonString> string(JsonString::Create());
   EXPECT_EQ(string->Text(), "");
   EXPECT_STREQ(string->CStr(), "");
   EXPECT_EQ(WrittenBothWays(*string), "\"\"");
 }
 
-TEST_F(JsonScalarsTest, StringFilledInPlaceHasTheLengthAnswered) {
+TEST_F(JsonScalarsTest, StringFilledInPlaceHasTheReturnedLength) {
   JsonRef<JsonString> string(JsonString::CreateFilled(10, [](char* buffer) {
     buffer[0] = 'o';
     buffer[1] = 'k';
@@ -174,7 +175,7 @@ TEST_F(JsonScalarsTest, NumberFromAnIntIsWrittenAsPercentD) {
   }
 }
 
-TEST_F(JsonScalarsTest, NumberKeepsItsTextWhateverItsReadings) {
+TEST_F(JsonScalarsTest, NumberKeepsItsTextWithAllReadings) {
   JsonRef<JsonNumber> integer(JsonNumber::FromText("007e3", true));
   EXPECT_EQ(integer->IntValue(), 7);
   EXPECT_EQ(integer->DoubleValue(), 7.0);
@@ -186,7 +187,7 @@ TEST_F(JsonScalarsTest, NumberKeepsItsTextWhateverItsReadings) {
   EXPECT_EQ(WrittenBothWays(*real), "-2.750");
 }
 
-TEST_F(JsonScalarsTest, BoolIsFalseUnlessToldOtherwise) {
+TEST_F(JsonScalarsTest, BoolIsFalseByDefault) {
   JsonRef<JsonBool> standard(new JsonBool);
   JsonRef<JsonBool> yes(new JsonBool(true));
   EXPECT_EQ(standard->Type(), JsonType::Bool);

@@ -21,7 +21,7 @@ std::string Escaped(std::string_view text) {
   return out.substr(7);
 }
 
-TEST(JsonEscaping, WritesEachKindOfByteAsItsRuleSays) {
+TEST(JsonEscaping, WritesEachKindOfByteByItsRule) {
   struct Row {
     const char* name;
     std::string_view text;

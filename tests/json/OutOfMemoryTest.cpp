@@ -13,8 +13,8 @@ namespace {
 
 using OutOfMemoryTest = Tests::BalancedTest;
 
-// Runs `body` with an ever larger number of allocations until it comes through,
-// and returns how often it did not.
+// Runs `body` again and again, and allows one allocation more each time, until it
+// succeeds. Returns the number of failures.
 template <class Body>
 int FailuresUntilItWorks(Body body) {
   for (int allowed = 0;; ++allowed) {
@@ -55,11 +55,11 @@ TEST_F(OutOfMemoryTest, ValueUnderAnEmptyKeyIsReleasedWhereverMemoryRunsOut) {
   }
 }
 
-TEST_F(OutOfMemoryTest, MemberThatFindsNoMemoryLeavesTheObjectAsItWas) {
+TEST_F(OutOfMemoryTest, MemberWithoutMemoryLeavesTheObjectAsItWas) {
   JsonRef<JsonObject> object(new JsonObject);
   JsonRef<JsonObject> value(new JsonObject);
   ASSERT_TRUE(object->Set("a", value.Get()));
-  // Needs 32 nodes, of which a failed try leaves those that it got: 0, 1, 2 and so on.
+  // Needs 32 nodes. A failed attempt keeps the nodes that it got: 0, 1, 2 and so on.
   const std::string longKey(500, 'k');
   const int failures = FailuresUntilItWorks([&] {
     try {

@@ -7,7 +7,7 @@
 
 namespace Vask::Tests {
 
-// A value that writes its name down when it is deleted.
+// A value that records its name when it is deleted.
 class RecordingValue final : public Json {
  public:
   RecordingValue(std::string name, std::string& deleted)

@@ -12,7 +12,8 @@
 namespace Vask {
 namespace {
 
-// Counts its ends in the way that its base was told to take.
+// Counts its deletions. The second constructor makes an object that is not deleted, and
+// that counts its last releases.
 class Shared final : public RefCount3 {
  public:
   explicit Shared(int& deletions) : m_deletions(&deletions) {}
@@ -27,7 +28,7 @@ class Shared final : public RefCount3 {
   int* m_lastReleases = nullptr;
 };
 
-TEST(RefCount3, ObjectThatIsNotDeletedNeedsNotHearOfItsLastRelease) {
+TEST(RefCount3, ObjectThatIsNotDeletedMayIgnoreItsLastRelease) {
   class OnTheStack final : public RefCount3 {
    public:
     OnTheStack() : RefCount3(false) {}
@@ -109,7 +110,7 @@ TEST(JsonRef, ReleasesAtTheEndOfItsScope) {
   EXPECT_EQ(deletions, 1);
 }
 
-TEST(JsonRef, MovingHandsTheReferenceOn) {
+TEST(JsonRef, MovingPassesTheReferenceOn) {
   int first = 0;
   int second = 0;
   JsonRef<Shared> a(new Shared(first));
@@ -126,7 +127,7 @@ TEST(JsonRef, MovingHandsTheReferenceOn) {
   EXPECT_EQ(first, 1);
 }
 
-TEST(JsonRef, DetachedObjectIsTheCallers) {
+TEST(JsonRef, DetachedObjectBelongsToTheCaller) {
   int deletions = 0;
   Shared* object = nullptr;
   {

@@ -38,7 +38,7 @@ TYPED_TEST(SixteenCharactersTest, FirstOfSeveralEndsCounts) {
   EXPECT_EQ(TypeParam("name\":\"\\\n\t_____").PlainLength(), 4u);
 }
 
-// The same, character by character.
+// Does the same, character by character.
 KeyPiece Piece(std::string_view characters) {
   KeyPiece piece;
   for (const char c : characters) piece.Add(static_cast<signed char>(c));

@@ -57,7 +57,7 @@ TEST(StrDict3, SpellingsOfOneKeyShareOneValue) {
   EXPECT_EQ(Value(dictionary, "NAME"), 2);
 }
 
-TEST(StrDict3, FoldsAsItWasTold) {
+TEST(StrDict3, FoldsAsItsSettingsRequire) {
   struct Row {
     const char* name;
     bool caseSensitive;
@@ -155,7 +155,7 @@ TEST(StrDict3, KeysAreCutAtTheirLimit) {
   EXPECT_EQ(Value(dictionary, (less + "z").c_str()), 3);
 }
 
-TEST(StrDict3, PathLaidInPiecesIsTheKeys) {
+TEST(StrDict3, PathMadeInPiecesIsThatOfTheKey) {
   Dictionary dictionary;
   Dictionary::Path path(dictionary);
   EXPECT_EQ(path.End(), nullptr);
@@ -167,7 +167,7 @@ TEST(StrDict3, PathLaidInPiecesIsTheKeys) {
   EXPECT_EQ(Pairs(dictionary), "name=5 ");
 }
 
-TEST(StrDict3, PathStopsAtTheEndsThatItsFoldingKnows) {
+TEST(StrDict3, PathStopsAtTheEndsOfItsFolding) {
   Dictionary dictionary;
   const KeyFolding untilQuote(KeyFolding::Letters::ToLower, "\"");
   Dictionary::Path path(dictionary);
@@ -209,7 +209,7 @@ TEST(StrDict3Allocator, ProvidesBlocksOfSixteenAndRecyclesNodes) {
   EXPECT_EQ(nodes.Blocks(), 2u);
 }
 
-TEST(StrDict3Allocator, NodesThatWereFreedGoBeforeTheRestOfTheirBlock) {
+TEST(StrDict3Allocator, FreedNodesAreUsedBeforeTheRestOfTheirBlock) {
   Dictionary::Allocator<16> nodes;
   Node* freed[] = {nodes.AllocNode(), nodes.AllocNode()};
   for (Node* node : freed) nodes.FreeNode(node);
@@ -221,7 +221,7 @@ TEST(StrDict3Allocator, NodesThatWereFreedGoBeforeTheRestOfTheirBlock) {
   EXPECT_EQ(nodes.NodesInUse(), 16u);
 }
 
-TEST(StrDict3Allocator, RecycledNodesAreLaidAsNew) {
+TEST(StrDict3Allocator, RecycledNodesAreLikeNewOnes) {
   Dictionary::StandardAllocator nodes;
   {
     Dictionary first(&nodes);
@@ -235,7 +235,7 @@ TEST(StrDict3Allocator, RecycledNodesAreLaidAsNew) {
   EXPECT_EQ(nodes.Blocks(), 1u);
 }
 
-// Hands out nodes full of rubbish, one at a time, and counts them.
+// Returns nodes with arbitrary contents, one at a time, and counts them.
 class RubbishAllocator final : public Dictionary::IAllocator {
  public:
   Node* AllocNode() override {
@@ -251,7 +251,7 @@ class RubbishAllocator final : public Dictionary::IAllocator {
   int freed = 0;
 };
 
-TEST(StrDict3Allocator, AnyAllocatorServesAndGetsEveryNodeBack) {
+TEST(StrDict3Allocator, EveryNodeReturnsToItsAllocator) {
   RubbishAllocator nodes;
   {
     Dictionary dictionary(&nodes);

@@ -36,7 +36,7 @@ TEST(StrDict3Walk, BytesOver0x7FComeBeforeAscii) {
   EXPECT_EQ(KeysOf(dictionary), (Keys{"\x80", "\xFF", "\x01", "a", "~", "\x7F"}));
 }
 
-TEST(StrDict3Walk, PrefixStandsBeforeEachKey) {
+TEST(StrDict3Walk, PrefixIsPutBeforeEachKey) {
   Dictionary dictionary;
   for (const char* key : {"x", "y"}) dictionary.Insert(key, 0);
   EXPECT_EQ(KeysOf(dictionary, "Table."), (Keys{"Table.x", "Table.y"}));
@@ -94,7 +94,7 @@ TEST(StrDict3Walk, CallbackMayChangeTheValue) {
   EXPECT_EQ(*dictionary.FindValue("a"), 2);
 }
 
-// Random keys over few letters share and branch everywhere.
+// Random keys of few letters share their beginnings and branch off at many places.
 TEST(StrDict3Walk, AgreesWithASortedMapOnRandomKeys) {
   std::mt19937 random(20180514);
   for (int round = 0; round < 50; ++round) {

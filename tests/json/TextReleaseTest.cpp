@@ -8,15 +8,15 @@
 #include "json/JsonScalars.h"
 #include "tests/json/BalancedTest.h"
 
-// The values of a text lie together in memory. Each must be released once, whatever was
-// done with it before, and those that a caller holds must stay.
+// The values of a text lie together in memory. Each must be released once, even if it was
+// changed or moved before. Values that a caller holds must stay.
 
 namespace Vask {
 namespace {
 
 class TextReleaseTest : public Tests::BalancedTest {
  protected:
-  // Lies in m_memory, as do the messages that a registrar reads.
+  // The value lies in m_memory, like the messages that a registrar reads.
   JsonRef<JsonObject> Read(const char* text) {
     ParseResult result;
     JsonRef<JsonObject> root(static_cast<JsonObject*>(Parse(result, text, m_memory)));
@@ -33,7 +33,7 @@ class TextReleaseTest : public Tests::BalancedTest {
 
 constexpr const char* kText = R"({"id":1,"data":{"name":"text","deep":{"end":null}},"from":"x"})";
 
-TEST_F(TextReleaseTest, UntouchedTextGoesWhole) {
+TEST_F(TextReleaseTest, UnchangedTextIsReleasedWhole) {
   const std::uint32_t before = Living();
   JsonRef<JsonObject> root = Read(kText);
   EXPECT_EQ(Living() - before, 7u);
@@ -41,7 +41,7 @@ TEST_F(TextReleaseTest, UntouchedTextGoesWhole) {
   EXPECT_EQ(Living(), before);
 }
 
-TEST_F(TextReleaseTest, TextsOfEveryShapeGoWhole) {
+TEST_F(TextReleaseTest, TextsOfEveryShapeAreReleasedWhole) {
   const std::string manyKeys = R"({"a":0,"b":0,"c":0,"d":0,"e":0,"f":0,"g":0,"h":0,"i":{"j":0}})";
   const std::string manyKeysBelow = "{\"x\":" + manyKeys + "}";
   const std::string longString = R"({"a":")" + std::string(5'000, 'x') + R"(","b":{"c":1}})";
@@ -56,7 +56,7 @@ TEST_F(TextReleaseTest, TextsOfEveryShapeGoWhole) {
   }
 }
 
-TEST_F(TextReleaseTest, TextOfReplacedMembersMayGoBeforeTheNextText) {
+TEST_F(TextReleaseTest, TextWithReplacedMembersMayBeReleasedBeforeTheNextText) {
   JsonRef<Json> first;
   JsonRef<Json> second;
   {
@@ -69,7 +69,7 @@ TEST_F(TextReleaseTest, TextOfReplacedMembersMayGoBeforeTheNextText) {
   EXPECT_EQ(static_cast<JsonNumber&>(*second).IntValue(), 7);
 }
 
-TEST_F(TextReleaseTest, HeldValueStaysWhateverItsDepth) {
+TEST_F(TextReleaseTest, HeldValueStaysAtAnyDepth) {
   JsonRef<JsonObject> root = Read(kText);
   Json* end = Object(Object(*root, "data"), "deep").Find("end");
   end->AddRef();
@@ -88,7 +88,7 @@ TEST_F(TextReleaseTest, HeldObjectStaysWithAllThatItHolds) {
   data->Release();
 }
 
-TEST_F(TextReleaseTest, ValueThatCameLaterGoesWithTheText) {
+TEST_F(TextReleaseTest, ValueAddedLaterIsReleasedWithTheText) {
   JsonRef<JsonObject> root = Read(kText);
   const JsonRef<JsonNumber> number(JsonNumber::FromInt(7));
   Object(Object(*root, "data"), "deep").Set("later", number.Get());
@@ -108,13 +108,13 @@ TEST_F(TextReleaseTest, ValueThatMovedToAnotherTreeStaysThere) {
   EXPECT_NE(Object(*other, "kept").Find("end"), nullptr);
 }
 
-TEST_F(TextReleaseTest, MembersThatAreChangedDirectlyGoAsTheyAreThen) {
+TEST_F(TextReleaseTest, MembersThatWereChangedDirectlyAreReleased) {
   JsonRef<JsonObject> root = Read(kText);
   root->Members().Insert("later", JsonNumber::FromInt(7));  // with the creator's reference
   root.Reset(nullptr);
 }
 
-TEST_F(TextReleaseTest, TextBehindALivingOneGoesAlone) {
+TEST_F(TextReleaseTest, TextBehindALivingOneIsReleasedAlone) {
   JsonRef<JsonObject> first = Read(kText);
   JsonRef<JsonObject> second = Read(R"({"second":{"of":"two"}})");
   first.Reset(nullptr);
@@ -134,24 +134,25 @@ TEST_F(TextReleaseTest, TextMayOutliveItsMemory) {
   EXPECT_EQ(static_cast<JsonString*>(root->Find("from"))->Text(), "x");
 }
 
-TEST_F(TextReleaseTest, AnyThreadMayGiveTheTextBack) {
+TEST_F(TextReleaseTest, AnyThreadMayReleaseTheText) {
   for (int round = 0; round < 100; ++round) {
     JsonRef<JsonObject> root = Read(kText);
     std::thread([&] { root.Reset(nullptr); }).join();
   }
 }
 
-TEST_F(TextReleaseTest, TextThatFailedLeavesNothing) {
+TEST_F(TextReleaseTest, TextThatFailedLeavesNothingBehind) {
   for (const char* text : {R"({"a":{"b":1)", R"({"a":{"b":1},)", R"({"a":{"b":)"}) {
     ParseResult result;
     EXPECT_EQ(Parse(result, text, m_memory), nullptr) << text;
   }
 }
 
-// Thread 1 releases the root while thread 2, which alone holds a child of it from then
-// on, gives that child a member and releases it. Every round both wait for each other,
-// and one of them a little longer, so that their steps meet in many orders.
-// The number's count is what tells: the values' own counters are exact for one thread only.
+// Thread 1 releases the root. After that, only thread 2 holds a child of it. Meanwhile
+// thread 2 adds a member to that child and releases it. In each round both wait for each
+// other, and one of them waits a little longer, so that their steps occur in many orders.
+// The test checks the number's reference count, because the counters of all values are
+// exact for one thread only.
 TEST(TextOfTwoThreads, ThreadsMayReleaseAndChangePartsOfOneText) {
   constexpr int kRounds = 10'000;
   const JsonRef<JsonNumber> number(JsonNumber::FromInt(7));

@@ -19,7 +19,7 @@ namespace {
 
 using ValueMemoryTest = Tests::BalancedTest;
 
-// Pieces of `bytes` until the heap is asked again.
+// Takes pieces of `bytes` until one needs another allocation.
 int PiecesPerSlab(std::size_t bytes) {
   ValueMemory memory;
   std::vector<void*> pieces{memory.Take(bytes)};
@@ -36,7 +36,7 @@ TEST_F(ValueMemoryTest, ManyPiecesTakeOneAllocation) {
   EXPECT_EQ(PiecesPerSlab(65), (4096 - 8) / (72 + 8));
 }
 
-TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabStandsAlone) {
+TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabHasItsOwnAllocation) {
   ValueMemory memory;
   std::vector<void*> pieces;
   pieces.reserve(10);
@@ -50,7 +50,7 @@ TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabStandsAlone) {
   EXPECT_EQ(Tests::Allocations(), before);
   pieces.push_back(memory.Take(4096));
   EXPECT_EQ(Tests::Allocations(), before + 1);
-  pieces.push_back(memory.Take(8));  // and has it after that
+  pieces.push_back(memory.Take(8));  // and still has it afterwards
   EXPECT_EQ(Tests::Allocations(), before + 1);
   for (void* piece : pieces) ValueMemory::Free(piece);
 }
@@ -71,7 +71,7 @@ TEST_F(ValueMemoryTest, PiecesAreAlignedAndApart) {
   }
 }
 
-TEST_F(ValueMemoryTest, PiecesMayGoInAnyOrderWhileOthersAreTaken) {
+TEST_F(ValueMemoryTest, PiecesMayBeFreedInAnyOrderWhileOthersAreTaken) {
   std::mt19937 random(7);
   std::vector<void*> pieces;
   {
@@ -105,7 +105,7 @@ TEST_F(ValueMemoryTest, KeptValueOutlivesTheMessageItCameWith) {
   name->Release();
 }
 
-TEST_F(ValueMemoryTest, TextAfterTextTakesNothingMoreFromTheHeap) {
+TEST_F(ValueMemoryTest, TextAfterTextAllocatesNothingMore) {
   ValueMemory memory;
   ParseResult result;
   const auto parse = [&] { return JsonRef<Json>(Parse(result, R"({"id":1,"from":"x"})", memory)); };
@@ -115,7 +115,7 @@ TEST_F(ValueMemoryTest, TextAfterTextTakesNothingMoreFromTheHeap) {
   EXPECT_EQ(Tests::Allocations(), before);
 }
 
-TEST_F(ValueMemoryTest, RewindingLeavesWhatIsStillInUse) {
+TEST_F(ValueMemoryTest, RewindingKeepsPiecesInUse) {
   ValueMemory memory;
   auto* kept = static_cast<char*>(memory.Take(8));
   std::memset(kept, 0x11, 8);
@@ -143,7 +143,7 @@ TEST_F(ValueMemoryTest, ValuesOutliveTheMemoryTheyLieIn) {
   EXPECT_EQ(static_cast<JsonString&>(*second).Text(), "two");
 }
 
-TEST_F(ValueMemoryTest, ThreadsMayGiveBackPiecesOfOneSlab) {
+TEST_F(ValueMemoryTest, ThreadsMayFreePiecesOfOneSlab) {
   std::uint64_t allocations = 0;
   for (int round = 0; round < 200; ++round) {
     std::vector<void*> pieces[2];

@@ -211,7 +211,7 @@ TEST_F(CodecTest, ElementWithAFaultDeepInsideIsDropped) {
   }
 }
 
-TEST_F(CodecTest, FirstAlternativeInTagOrderDecidesAloneEvenWhenItFails) {
+TEST_F(CodecTest, FirstAlternativeInTagOrderDecidesAloneEvenIfItFails) {
   EXPECT_EQ("true: gain 0.000000 fade 0",
             DecodeInstance(R"({"AAC":{"codecs":{},"options":{"Quality":{}}},"MP3":{}})"));
   EXPECT_EQ(Texts{"GetIntProperty: Property 'encodebitratekbps' not found"}, Reports());

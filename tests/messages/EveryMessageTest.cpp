@@ -7,7 +7,7 @@
 namespace Messages::Tests {
 namespace {
 
-// Returns a body that decodes; an empty one if the message accepts it.
+// Returns a body that decodes: an empty one if the message accepts it.
 std::string GoodBody(const std::string& name) {
   static const std::map<std::string, std::string> bodies = {
       {"Confirmation", R"({"result":0,"message":""})"},

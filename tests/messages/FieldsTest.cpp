@@ -22,7 +22,7 @@ TEST(FieldsTest, DuplicateNamesAreFoundWhateverTheirCase) {
   EXPECT_TRUE(HasDuplicateNames(kTwiceFolded));
 }
 
-TEST(FieldsTest, AlternativesStandAtThePlacesOfTheirTags) {
+TEST(FieldsTest, AlternativesAreAtThePlacesOfTheirTags) {
   EXPECT_TRUE(AreInOrderOfTags(kDistinct));
   EXPECT_FALSE(AreInOrderOfTags(kSwapped));
 }

@@ -78,7 +78,7 @@ TEST_F(PropertiesTest, PrefixOfAnotherKeyIsAbsent) {
   EXPECT_EQ(Texts{"GetStrProperty: Property 'Name' not found"}, Reports());
 }
 
-TEST_F(PropertiesTest, OtherKindsThanTextAreReportedEvenWhenOptional) {
+TEST_F(PropertiesTest, OtherKindsThanTextAreReportedEvenIfOptional) {
   for (const char* value : {"5", "true", "null", "{}", "[]"}) {
     const std::string object = std::string(R"({"Name":)") + value + "}";
     for (const bool optional : {false, true}) {
@@ -112,7 +112,7 @@ TEST_F(PropertiesTest, AbsentIntegerIsReportedUnlessOptional) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(PropertiesTest, OtherKindsThanIntegersAreReportedEvenWhenOptional) {
+TEST_F(PropertiesTest, OtherKindsThanIntegersAreReportedEvenIfOptional) {
   for (const char* value : {"2.5", "2.0", "1.", "\"7\"", "true", "null", "{}", "[]"}) {
     const std::string object = std::string(R"({"Count":)") + value + "}";
     for (const bool optional : {false, true}) {
@@ -159,7 +159,7 @@ TEST_F(PropertiesTest, AbsentObjectIsReportedUnlessOptional) {
   EXPECT_EQ(Texts{}, Reports());
 }
 
-TEST_F(PropertiesTest, OtherKindsThanObjectsGiveNoneAndNoReport) {
+TEST_F(PropertiesTest, OtherKindsThanObjectsReturnNullWithoutAReport) {
   for (const char* object :
        {R"({"data":5})", R"({"data":"x"})", R"({"data":[]})", R"({"data":null})"}) {
     EXPECT_EQ("none", ReadObject(object, false)) << object;

@@ -164,7 +164,7 @@ TEST_P(RecordsTest, IntegersWithoutLimitsTakeEveryValue) {
   }
 }
 
-TEST_P(RecordsTest, OfTwoFaultsTheFirstInFieldOrderCounts) {
+TEST_P(RecordsTest, FirstOfTwoFaultsInFieldOrderCounts) {
   for (std::size_t first = 0; first < Fields().size(); ++first) {
     for (std::size_t second = first + 1; second < Fields().size(); ++second) {
       Members members = WholeBody();

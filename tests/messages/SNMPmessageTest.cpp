@@ -107,7 +107,7 @@ TEST_F(SNMPmessageTest, NumbersWithADecimalPointAndTextsAreNoCounts) {
   }
 }
 
-TEST_F(SNMPmessageTest, OfTwoAlternativesTheLowerTagIsTaken) {
+TEST_F(SNMPmessageTest, LowerTagOfTwoAlternativesIsTaken) {
   EXPECT_EQ("true 0 x|y", Decoded(R"({"messageType": {"Streams": {"Count": 1, "Errors": 0},
                                       "Product": {"Name": "x", "Version": "y"}}})"));
   EXPECT_EQ(Texts{}, Reports());

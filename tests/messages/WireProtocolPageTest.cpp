@@ -71,7 +71,7 @@ TEST_F(WireProtocolPageTest, CatalogueTableIsTheCatalogue) {
   }
   std::string rows;
   for (const std::string& row : expected) rows += row + "\n";
-  EXPECT_EQ(expected, Table(expected[0])) << "the table as it should stand:\n" << rows;
+  EXPECT_EQ(expected, Table(expected[0])) << "the table must be:\n" << rows;
 }
 
 TEST_F(WireProtocolPageTest, ExampleFramesHaveTheirLengthsAndAreProcessed) {

@@ -234,7 +234,7 @@ class SilentThreading final : public ForwardingThreading {
   void CloseThread(Platform::NativeHandle) noexcept override {}
 };
 
-TEST(JsonSocketSilentReaderTest, StopWaits200MsAndThen100TimesFor20MsAndGoesOn) {
+TEST(JsonSocketSilentReaderTest, StopWaits200MsAndThen100TimesFor20MsAndContinues) {
   FakeClock clock;
   FaultySockets sockets;
   SilentThreading threading;

@@ -79,7 +79,7 @@ TEST_F(UdpSocket3Test, DestructorOfAClosedSocketDoesNothing) {
   EXPECT_THAT(sockets.calls, IsEmpty());
 }
 
-TEST(UdpSocket3LoopbackTest, SendsAgainAfterADatagramThatNobodyReceived) {
+TEST(UdpSocket3LoopbackTest, SendsAgainAfterADatagramThatNoSocketReceived) {
   constexpr int kDatagrams = 20;
   UdpSocket3 sender;
   ASSERT_TRUE(sender.Open());

@@ -80,7 +80,7 @@ class ProcessExitDeathTest : public testing::Test {
   ProcessExitDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 };
 
-// Has a thread lock that will never unlock, as one that was killed.
+// Locks on a thread that never unlocks, like a thread that was killed.
 void LockForEver(CriticalSection& section) {
   Event locked(EventReset::Manual);
   std::thread([&] {

@@ -258,7 +258,7 @@ TEST_F(FilesTest, ListOfAMissingFolderVisitsNothing) {
   EXPECT_THAT(List("missing\\*"), IsEmpty());
 }
 
-TEST_F(FilesTest, ListTellsWhenAFileWasWritten) {
+TEST_F(FilesTest, ListReportsWhenAFileWasWritten) {
   const std::int64_t slack = 5;  // file systems and clocks round
   const std::int64_t before = Platform::SystemClock().EpochSeconds() - slack;
   Write("log", "x");

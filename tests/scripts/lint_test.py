@@ -1,4 +1,5 @@
-"""Which files the lint step reads: the change as git sees it, and a source for each header.
+"""Tests which files the lint step reads: the change that git reports, and a source for each
+header.
 
     python3 lint_test.py TOP-FOLDER
 """
@@ -14,7 +15,7 @@ import lint  # noqa: E402  (the path is set above)
 
 
 class Repository(unittest.TestCase):
-    """Each case has a repository of its own, which the script takes for the project."""
+    """Each case has a repository of its own, which the script treats as the project."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()

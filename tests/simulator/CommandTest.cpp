@@ -249,7 +249,7 @@ TEST_F(CommandTest, StopRequestEndsAWait) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds{20});
 }
 
-TEST_F(CommandTest, WaitLastsAsLongAsTold) {
+TEST_F(CommandTest, WaitLastsForTheGivenTime) {
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(Do("wait 120"), "");
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds{120});

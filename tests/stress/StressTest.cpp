@@ -168,8 +168,8 @@ class StressActivitiesTest : public StressTest {
     Complain("StreamsCount never became " + std::to_string(value));
   }
 
-  // Calls `body` repeatedly on a new thread until the peer is done. The thread
-  // pauses between two calls, or it would keep the log's lock from the others.
+  // Calls `body` repeatedly on a new thread until the peer is done. The thread pauses
+  // between two calls. Otherwise the other threads would hardly get the log's lock.
   void Meanwhile(const std::function<void()>& body) {
     helpers.emplace_back([this, body] {
       do {

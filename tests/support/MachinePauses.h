@@ -74,7 +74,7 @@ class MachinePauses {
     m_pauses[m_count++ % m_pauses.size()] = pause;
   }
 
-  // Waits for the thread, for which a pause may end later than for the owner.
+  // Waits for the thread, because a pause may end later for it than for the owner.
   void LookAgain() {
     const Clock::time_point asked = Clock::now();
     m_look.Set();

@@ -18,7 +18,7 @@ std::string FolderOf(const std::string& path) {
   return path.substr(0, path.rfind('\\'));
 }
 
-// For patterns with one star, as the log's.
+// For patterns with one star, like the log's.
 bool Matches(const std::string& path, const std::string& pattern) {
   const std::size_t star = pattern.find('*');
   const std::string head = pattern.substr(0, star);

@@ -20,8 +20,8 @@ struct TestMachine {
   Vask::Platform::Threading& timerThreading;
 };
 
-// The agent as the module wires it, on a machine that a test hands in. Only one
-// may exist at a time.
+// The agent as the module wires it, on a machine that the test chooses. Only one may
+// exist at a time.
 struct WholeAgent {
   explicit WholeAgent(const TestMachine& machine)
       : log(machine.clock, machine.files, machine.sockets),

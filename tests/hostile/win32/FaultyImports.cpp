@@ -1,7 +1,7 @@
 #include "tests/hostile/FaultyImports.h"
 
 #include <winsock2.h>
-// After the socket declarations, on which it depends.
+// Include this after the socket declarations, because it depends on them.
 #include <windows.h>
 
 #include <cstring>
