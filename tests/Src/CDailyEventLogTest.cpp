@@ -196,9 +196,12 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepBeforeOpenOpensNothingAndOpenKeeps30Days
   log.SetDaysToKeep(CDailyEventLog::kKeepAll);
   EXPECT_FALSE(log.IsOpen());
   EXPECT_EQ(files.opened, 0u);
-  files.files["C:\\logs\\LogOld.log"].createdAt = 0;
+  const std::int64_t midnight = clock.FromLocal({2018, 5, 15, 0, 0, 0, 0});
+  files.files["C:\\logs\\LogOld.log"].createdAt = midnight - 30 * kDaySeconds - 1;
+  files.files["C:\\logs\\LogKept.log"].createdAt = midnight - 30 * kDaySeconds;
   ASSERT_TRUE(log.Open("C:\\logs"));
   EXPECT_FALSE(files.files.contains("C:\\logs\\LogOld.log"));
+  EXPECT_TRUE(files.files.contains("C:\\logs\\LogKept.log"));
 }
 
 constexpr char kStopped50[] =
