@@ -126,7 +126,11 @@ Passage PassageOf(const std::vector<std::string>& rules, const FirewallProfile& 
   }
   if (open) return Passage::kOpen;
   for (const std::string& address : remote) limits += (limits.empty() ? "" : ", ") + address;
-  return remote.empty() ? Passage::kClosed : Passage::kLimited;
+  if (remote.empty()) return Passage::kClosed;
+  const bool isLocal = std::all_of(remote.begin(), remote.end(), [](const std::string& address) {
+    return EqualsIgnoringCase(address, "LocalSubnet");
+  });
+  return isLocal ? Passage::kLocalSubnet : Passage::kLimited;
 }
 
 }  // namespace Check

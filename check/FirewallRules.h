@@ -24,14 +24,16 @@ struct FirewallFacts {
 // one profile.
 enum class Passage {
   kOpen,
-  kLimited,  // open for some remote addresses only
-  kClosed,   // no rule lets them in
-  kBlocked,  // a rule keeps them out
+  kLimited,      // open for some remote addresses only
+  kLocalSubnet,  // open for the local subnet only
+  kClosed,       // no rule lets them in
+  kBlocked,      // a rule keeps them out
 };
 
 // Reads rules as the registry holds them, such as
 // "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
-// that is missing means "any". `limits` gets the remote addresses if the result is kLimited.
+// that is missing means "any". `limits` gets the remote addresses if the result is kLimited or
+// kLocalSubnet.
 [[nodiscard]] Passage PassageOf(const std::vector<std::string>& rules,
                                 const FirewallProfile& profile, std::string& limits);
 

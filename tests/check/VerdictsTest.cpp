@@ -208,7 +208,24 @@ const Row kSettingRows[] = {
     {"FirewallWithoutRule", [](F& f) { f.firewall.rules.clear(); }, StepId::kFirewall, kFailed,
      "Domain closed, no rule opens it", "netsh advfirewall"},
     {"FirewallRuleLimited", [](F& f) { f.firewall.rules[0] += "RA4=LocalSubnet|"; },
-     StepId::kFirewall, kOk, "Domain open for LocalSubnet", ""},
+     StepId::kFirewall, kFailed, "Domain open for LocalSubnet only", "widen the rule"},
+    {"FirewallRuleLimitedToAddresses",
+     [](F& f) { f.firewall.rules[0] += "RA4=LocalSubnet|RA4=198.51.100.1|"; }, StepId::kFirewall,
+     kOk, "Domain open for LocalSubnet, 198.51.100.1.", ""},
+    {"FirewallRuleLimitedInOneOfTwoNetworks",
+     [](F& f) {
+       f.firewall.rules[0] += "Profile=Domain|";
+       f.firewall.rules.push_back(std::string(kRule) + "Profile=Private|RA4=LocalSubnet|");
+       f.firewall.profiles[1].active = true;
+     },
+     StepId::kFirewall, kFailed, "Domain open, Private open for LocalSubnet only",
+     "widen the rule"},
+    {"FirewallRuleLimitedProfileUnknown",
+     [](F& f) {
+       for (FirewallProfile& profile : f.firewall.profiles) profile.active.reset();
+       f.firewall.rules[0] += "RA4=LocalSubnet|";
+     },
+     StepId::kFirewall, kFailed, "Public open for LocalSubnet only", "widen the rule"},
     {"FirewallBlocks",
      [](F& f) { f.firewall.rules.emplace_back("v2.30|Action=Block|Active=TRUE|Dir=In|"); },
      StepId::kFirewall, kFailed, "closed by a rule", "netsh advfirewall"},
