@@ -106,10 +106,14 @@ bool IsForSnmp(const Rule& rule, std::string_view profile) {
 
 }  // namespace
 
-Passage PassageOf(const std::vector<std::string>& rules, const FirewallProfile& profile,
+Passage PassageOf(const FirewallFacts& firewall, const FirewallProfile& profile,
                   std::string& limits) {
   limits.clear();
   if (!profile.on) return Passage::kOpen;
+  std::vector<std::string> rules = firewall.policyRules;
+  if (profile.mergesLocalRules) {
+    rules.insert(rules.end(), firewall.rules.begin(), firewall.rules.end());
+  }
   bool open = profile.allowsByDefault;
   std::vector<std::string> remote;
   for (const std::string& text : rules) {

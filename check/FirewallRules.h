@@ -11,11 +11,13 @@ struct FirewallProfile {
   std::string name;  // Domain, Private or Public
   bool on = true;
   bool allowsByDefault = false;
-  std::optional<bool> active;  // whether a network of this machine uses it
+  bool mergesLocalRules = true;  // false if a policy says that only its own rules hold
+  std::optional<bool> active;    // whether a network of this machine uses it
 };
 
 struct FirewallFacts {
-  std::vector<std::string> rules;  // as the registry holds them
+  std::vector<std::string> rules;  // of this machine, as the registry holds them
+  std::vector<std::string> policyRules;
   std::vector<FirewallProfile> profiles;
   std::string whyUnknown;
 };
@@ -30,11 +32,11 @@ enum class Passage {
   kBlocked,      // a rule keeps them out
 };
 
-// Reads rules as the registry holds them, such as
+// Reads the rules that hold in the profile. The registry holds them as texts, such as
 // "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
 // that is missing means "any". `limits` gets the remote addresses if the result is kLimited or
 // kLocalSubnet.
-[[nodiscard]] Passage PassageOf(const std::vector<std::string>& rules,
-                                const FirewallProfile& profile, std::string& limits);
+[[nodiscard]] Passage PassageOf(const FirewallFacts& firewall, const FirewallProfile& profile,
+                                std::string& limits);
 
 }  // namespace Check

@@ -63,6 +63,9 @@ std::string StateOf(const FirewallProfile& profile, Passage passage, const std::
 constexpr char kEnableRule[] =
     "run as an administrator: netsh advfirewall firewall set rule group=\"SNMP Service\" new "
     "enable=yes";
+// A rule of this machine does not help then.
+constexpr char kChangePolicy[] =
+    "add a rule for UDP port 161 to the group policy. It ignores the rules of this machine.";
 constexpr char kWidenRule[] =
     "widen the rule in wf.msc, or add one as an administrator: netsh advfirewall firewall add rule "
     "name=\"SNMP from the manager\" dir=in action=allow protocol=UDP localport=161 remoteip="
@@ -160,22 +163,25 @@ Verdict JudgeFirewall(const Facts& facts) {
   bool passes = false;
   bool closed = false;
   bool local = false;
+  bool policyOnly = false;
   bool activeKnown = false;
   for (const FirewallProfile& profile : firewall.profiles) {
     if (profile.active.has_value() && !*profile.active) continue;
     activeKnown = activeKnown || profile.active.has_value();
     std::string limits;
-    const Passage passage = PassageOf(firewall.rules, profile, limits);
+    const Passage passage = PassageOf(firewall, profile, limits);
     passes = passes || passage == Passage::kOpen || passage == Passage::kLimited;
     closed = closed || passage == Passage::kClosed || passage == Passage::kBlocked;
     local = local || passage == Passage::kLocalSubnet;
+    policyOnly = policyOnly || !profile.mergesLocalRules;
     states.push_back(profile.name + ' ' + StateOf(profile, passage, limits));
   }
   if (states.empty()) return Skipped(kStep, "No network is connected.");
   const std::string text = "UDP port 161, by profile: " + Joined(states) + '.';
   // If the profile of the network is not known, one open profile is enough.
   if (activeKnown ? closed || local : !passes) {
-    return Failed(kStep, text, local && (!activeKnown || !closed) ? kWidenRule : kEnableRule);
+    const char* const action = local && (!activeKnown || !closed) ? kWidenRule : kEnableRule;
+    return Failed(kStep, text, policyOnly ? kChangePolicy : action);
   }
   return Ok(kStep, text + (activeKnown ? "" : " The profile in use could not be read."));
 }

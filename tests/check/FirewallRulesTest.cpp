@@ -19,12 +19,16 @@ void PrintTo(const Row& row, std::ostream* out) {
   *out << row.name;
 }
 
+FirewallProfile Profile(bool on, bool allowsByDefault) {
+  return {"Private", on, allowsByDefault, true, {}};
+}
+
 class FirewallRules : public testing::TestWithParam<Row> {};
 
 TEST_P(FirewallRules, LetRequestsPass) {
   const Row& row = GetParam();
   std::string limits = "left over";
-  EXPECT_EQ(PassageOf(row.rules, {"Private", true, false, {}}, limits), row.passage);
+  EXPECT_EQ(PassageOf({row.rules, {}, {}, {}}, Profile(true, false), limits), row.passage);
   EXPECT_EQ(limits, row.limits);
 }
 
@@ -93,8 +97,20 @@ INSTANTIATE_TEST_SUITE_P(Rows, FirewallRules, testing::ValuesIn(kRows),
 
 TEST(FirewallProfiles, OffOrOpenByDefaultLetsRequestsPass) {
   std::string limits;
-  EXPECT_EQ(PassageOf({}, {"Public", false, false, {}}, limits), Passage::kOpen);
-  EXPECT_EQ(PassageOf({}, {"Public", true, true, {}}, limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf({}, Profile(false, false), limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf({}, Profile(true, true), limits), Passage::kOpen);
+}
+
+TEST(FirewallProfiles, PolicyMayIgnoreTheRulesOfTheMachine) {
+  std::string limits;
+  const FirewallFacts machine{{kAllow}, {}, {}, {}};
+  const FirewallFacts policy{{}, {kAllow}, {}, {}};
+  FirewallProfile profile = Profile(true, false);
+  EXPECT_EQ(PassageOf(machine, profile, limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf(policy, profile, limits), Passage::kOpen);
+  profile.mergesLocalRules = false;
+  EXPECT_EQ(PassageOf(machine, profile, limits), Passage::kClosed);
+  EXPECT_EQ(PassageOf(policy, profile, limits), Passage::kOpen);
 }
 
 }  // namespace

@@ -229,6 +229,8 @@ const Row kSettingRows[] = {
     {"FirewallBlocks",
      [](F& f) { f.firewall.rules.emplace_back("v2.30|Action=Block|Active=TRUE|Dir=In|"); },
      StepId::kFirewall, kFailed, "closed by a rule", "netsh advfirewall"},
+    {"FirewallPolicyIgnoresTheRule", [](F& f) { f.firewall.profiles[0].mergesLocalRules = false; },
+     StepId::kFirewall, kFailed, "Domain closed, no rule opens it", "to the group policy"},
     {"FirewallOff",
      [](F& f) {
        f.firewall.rules.clear();
