@@ -5,6 +5,7 @@
 #include "BuildSettings.h"
 #include "check/Access.h"
 #include "check/VerdictParts.h"
+#include "json/Ascii.h"
 
 namespace Check {
 namespace {
@@ -59,9 +60,10 @@ std::string Trimmed(const std::string& key) {
   return key.substr(first, key.find_last_not_of('\\') - first + 1);
 }
 
+// Empty if there is none, or no full one.
 std::string PathOf(const Facts& facts) {
   const auto entries = OwnEntries(facts.registration);
-  return entries.empty() ? "" : entries.front()->path;
+  return entries.empty() || !IsFullPath(entries.front()->path) ? "" : entries.front()->path;
 }
 
 bool FileIsThere(const Facts& facts) {
@@ -84,6 +86,12 @@ std::vector<const AgentEntry*> OwnEntries(const RegistrationFacts& registration)
     }
   }
   return own;
+}
+
+bool IsFullPath(std::string_view path) {
+  if (path.substr(0, 2) == R"(\\)") return true;
+  const char drive = path.empty() ? '\0' : Vask::FoldAscii(path[0]);
+  return drive >= 'a' && drive <= 'z' && path.substr(1, 2) == R"(:\)";
 }
 
 Verdict JudgeService(const Facts& facts) {
@@ -155,13 +163,14 @@ Verdict JudgePath(const Facts& facts) {
                   "install the x64 package.");
   }
   if (entry.path.empty()) return Failed(kStep, key + " has no text value Pathname.");
+  if (!IsFullPath(entry.path)) return Failed(kStep, entry.path + " is not a full path.");
   return Ok(kStep, entry.path);
 }
 
 Verdict JudgeFile(const Facts& facts) {
   constexpr StepId kStep = StepId::kFile;
   const std::string path = PathOf(facts);
-  if (path.empty()) return Skipped(kStep, "The path of the DLL is not known.");
+  if (path.empty()) return Skipped(kStep, "The full path of the DLL is not known.");
   const FileFacts& dll = facts.dll;
   if (!dll.whyUnknown.empty()) {
     return Skipped(kStep, path + " cannot be read: " + dll.whyUnknown + '.');
@@ -226,7 +235,7 @@ Verdict JudgeLoaded(const Facts& facts) {
   constexpr StepId kStep = StepId::kLoaded;
   const std::string path = PathOf(facts);
   if (!facts.service.Runs()) return Skipped(kStep, "The service does not run.");
-  if (path.empty()) return Skipped(kStep, "The path of the DLL is not known.");
+  if (path.empty()) return Skipped(kStep, "The full path of the DLL is not known.");
   if (!facts.service.whyNoModules.empty()) {
     return Skipped(kStep, "The modules of the service's process cannot be read: " +
                               facts.service.whyNoModules + '.');

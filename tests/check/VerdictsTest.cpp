@@ -120,6 +120,12 @@ const Row kServiceRows[] = {
      kSkipped, "access is denied", ""},
     {"PathMissing", [](F& f) { f.registration.agents[0].path = ""; }, StepId::kPath, kFailed,
      "has no text value Pathname", "install the package again"},
+    {"PathIsAName", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; }, StepId::kPath,
+     kFailed, "SNMPd.dll is not a full path", "install the package again"},
+    {"FileOfARelativePath", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; },
+     StepId::kFile, kSkipped, "full path of the DLL is not known", ""},
+    {"LoadedOfARelativePath", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; },
+     StepId::kLoaded, kSkipped, "full path of the DLL is not known", ""},
     {"PathIn32BitView",
      [](F& f) {
        f.registration.agents[0].path = "";
@@ -397,6 +403,16 @@ const Row kLinkRows[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Link, BrokenServer, testing::ValuesIn(kLinkRows),
                          [](const auto& row) { return row.param.name; });
+
+TEST(Verdicts, FullPathHasADriveOrAServer) {
+  for (const char* path : {R"(C:\)", R"(z:\SNMPd.dll)", R"(\\server\share\SNMPd.dll)"}) {
+    EXPECT_TRUE(IsFullPath(path)) << path;
+  }
+  for (const char* path : {"", "C", "C:", "C:SNMPd.dll", "C:/SNMPd.dll", R"(\SNMPd.dll)",
+                           "SNMPd.dll", R"(agent\SNMPd.dll)", R"(1:\SNMPd.dll)", R"(\)"}) {
+    EXPECT_FALSE(IsFullPath(path)) << path;
+  }
+}
 
 TEST(Verdicts, ReportNeverHoldsACommunity) {
   Facts facts = HealthyFacts();
