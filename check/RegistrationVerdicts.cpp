@@ -19,6 +19,9 @@ constexpr char kInstallService[] =
     "install the Windows feature SNMP Service: on Windows Server run \"Install-WindowsFeature "
     "SNMP-Service -IncludeManagementTools\" in PowerShell.";
 
+constexpr std::string_view kTrapKey = "TrapConfiguration";
+constexpr std::size_t kMostEvents = 5;
+
 constexpr std::uint32_t kAutomatic = 2;
 constexpr std::uint32_t kManual = 3;
 constexpr std::uint32_t kDisabled = 4;
@@ -68,6 +71,17 @@ std::string PathOf(const Facts& facts) {
 
 bool FileIsThere(const Facts& facts) {
   return !PathOf(facts).empty() && facts.dll.whyUnknown.empty() && facts.dll.exists;
+}
+
+// A key of trap destinations has the name of its community, which is a password. A community may
+// hold any character, so the text ends before it.
+std::string WithoutCommunity(const std::string& event) {
+  const std::string key = std::string(kTrapKey) + '\\';
+  const auto found = std::search(
+      event.begin(), event.end(), key.begin(), key.end(),
+      [](char one, char other) { return Vask::FoldAscii(one) == Vask::FoldAscii(other); });
+  if (found == event.end()) return event;
+  return std::string(event.begin(), found) + key + "...";
 }
 
 std::string MachineWord(std::uint16_t machine) {
@@ -257,21 +271,19 @@ Verdict JudgeEvents(const Facts& facts, const Options& options) {
   if (!facts.eventsUnknown.empty()) {
     return Skipped(kStep, "The System log cannot be read: " + facts.eventsUnknown + '.');
   }
-  std::vector<std::string> events = facts.events;
-  // Without trap destinations the service complains that their key is missing.
-  if (options.noTraps) {
-    events.erase(std::remove_if(events.begin(), events.end(),
-                                [](const std::string& event) {
-                                  return event.find("TrapConfiguration") != std::string::npos;
-                                }),
-                 events.end());
+  std::vector<std::string> errors;
+  for (const Event& event : facts.events) {
+    // Without trap destinations the service complains that their key is missing.
+    const bool isWanted = options.noTraps && event.text.find(kTrapKey) != std::string::npos;
+    if (event.isError && !isWanted) errors.push_back(WithoutCommunity(event.text));
   }
-  if (events.empty()) {
+  if (errors.empty()) {
     return Ok(kStep, "No error of the source SNMP since the service's start.");
   }
   const std::string text =
-      std::to_string(events.size()) + " error(s) of the source SNMP since the service's start.";
-  return Failed(kStep, text, "look at the error, which names the reason.", std::move(events));
+      std::to_string(errors.size()) + " error(s) of the source SNMP since the service's start.";
+  errors.resize(std::min(errors.size(), kMostEvents));
+  return Failed(kStep, text, "look at the error, which names the reason.", std::move(errors));
 }
 
 }  // namespace Check

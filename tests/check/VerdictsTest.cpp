@@ -170,8 +170,16 @@ const Row kServiceRows[] = {
      kSkipped, "access is denied", ""},
     {"LoadedWithoutService", [](F& f) { f.service.state = State::kStopped; }, StepId::kLoaded,
      kSkipped, "does not run", ""},
-    {"EventFound", [](F& f) { f.events = {"event 1102: x"}; }, StepId::kEvents, kFailed,
-     "1 error(s) of the source SNMP", "names the reason"},
+    {"EventFound",
+     [](F& f) {
+       f.events = {{true, "event 1102: x"}};
+     },
+     StepId::kEvents, kFailed, "1 error(s) of the source SNMP", "names the reason"},
+    {"EventsWithoutError",
+     [](F& f) {
+       f.events = {{false, "event 1001: x"}};
+     },
+     StepId::kEvents, kOk, "No error", ""},
     {"EventsUnreadable", [](F& f) { f.eventsUnknown = "access is denied"; }, StepId::kEvents,
      kSkipped, "access is denied", ""},
 };
@@ -414,15 +422,6 @@ TEST(Verdicts, FullPathHasADriveOrAServer) {
   }
 }
 
-TEST(Verdicts, ReportNeverHoldsACommunity) {
-  Facts facts = HealthyFacts();
-  facts.communities.service = Read({Number("s3cret", 4)});
-  for (const Verdict& verdict : Judge(facts, {})) {
-    EXPECT_EQ(verdict.text.find("s3cret"), std::string::npos) << verdict.text;
-    EXPECT_EQ(verdict.action.find("s3cret"), std::string::npos) << verdict.action;
-  }
-}
-
 TEST(Verdicts, VariablesAreShownByName) {
   const auto verdicts = Judge(HealthyFacts(), {});
   const auto& details = At(verdicts, StepId::kAnswer).details;
@@ -460,12 +459,25 @@ TEST(Verdicts, ThisMachineMayBeTheManager) {
 TEST(Verdicts, NoTrapsSkipsTheDestinationsAndTheirEvents) {
   Facts facts = HealthyFacts();
   facts.trapDestinations.service = {};
-  facts.events = {R"(event 1500: SYSTEM\...\Parameters\TrapConfiguration)"};
+  facts.events = {{true, R"(event 1500: SYSTEM\...\Parameters\TrapConfiguration)"}};
   Options options;
   options.noTraps = true;
   const auto verdicts = Judge(facts, options);
   EXPECT_EQ(At(verdicts, StepId::kTraps).status, Status::kSkipped);
   EXPECT_EQ(At(verdicts, StepId::kEvents).status, Status::kOk);
+}
+
+TEST(Verdicts, EventsAreFilteredBeforeTheyAreCut) {
+  Facts facts = HealthyFacts();
+  facts.events.assign(6, {true, "event 1500: TrapConfiguration"});
+  facts.events.insert(facts.events.end(), 6, {false, "event 1001: x"});
+  for (const char* text : {"1", "2", "3", "4", "5", "6"}) facts.events.push_back({true, text});
+  Options options;
+  options.noTraps = true;
+  const Verdict verdict = At(Judge(facts, options), StepId::kEvents);
+  EXPECT_EQ(verdict.status, Status::kFailed);
+  EXPECT_THAT(verdict.text, HasSubstr("6 error(s)"));
+  EXPECT_THAT(verdict.details, testing::ElementsAre("1", "2", "3", "4", "5"));
 }
 
 TEST(Verdicts, UnknownCommunityOfAnOptionIsTold) {
