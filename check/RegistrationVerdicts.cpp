@@ -95,9 +95,12 @@ std::string MachineWord(std::uint16_t machine) {
 std::vector<const AgentEntry*> OwnEntries(const RegistrationFacts& registration) {
   std::vector<const AgentEntry*> own;
   for (const AgentEntry& entry : registration.agents) {
-    if (SameText(Trimmed(entry.key), kAgentKey) || SameText(FileNameOf(entry.path), kModule)) {
-      own.push_back(&entry);
-    }
+    if (SameText(Trimmed(entry.key), kAgentKey)) own.push_back(&entry);
+  }
+  if (!own.empty()) return own;
+  // Another maker's agent may have a file of the same name.
+  for (const AgentEntry& entry : registration.agents) {
+    if (SameText(FileNameOf(entry.path), kModule)) own.push_back(&entry);
   }
   return own;
 }

@@ -107,10 +107,18 @@ const Row kServiceRows[] = {
      StepId::kKey, kFailed, "No value of", "install the package"},
     {"KeyTwice",
      [](F& f) {
-       f.registration.agents.push_back(
-           {"ByHand", R"(SOFTWARE\By Hand)", R"(D:\x\snmpD.DLL)", false});
+       f.registration.agents.push_back(f.registration.agents[0]);
+       f.registration.agents[1].name = "ByHand";
      },
      StepId::kKey, kFailed, "2 times (values CorvaneSnmpAgent, ByHand)", "delete all but one"},
+    {"KeyBesideAFileOfTheSameName",
+     [](F& f) {
+       f.registration.agents.insert(f.registration.agents.begin(),
+                                    {"Other", R"(SOFTWARE\Other)", R"(D:\x\snmpD.DLL)", false});
+     },
+     StepId::kKey, kOk, "names the agent (value CorvaneSnmpAgent)", ""},
+    {"KeyByHand", [](F& f) { f.registration.agents[0].key = R"(SOFTWARE\By Hand)"; }, StepId::kKey,
+     kOk, "names the agent (value CorvaneSnmpAgent)", ""},
     {"KeyWithBackslashesAround",
      [](F& f) {
        f.registration.agents[0].key = R"(\software\veltrin systems\corvane snmp\currentversion\)";
@@ -284,6 +292,20 @@ const Row kLinkRows[] = {
        f.link.connections.clear();
      },
      StepId::kPort, kFailed, "at ::", "127.0.0.1 or 0.0.0.0"},
+    {"ListenerAtAnyIPv6WithoutService",
+     [](F& f) {
+       f.link.listeners[0].address = "::";
+       f.link.connections.clear();
+       f.service.state = State::kStopped;
+     },
+     StepId::kPort, kSkipped, "is not known while the service does not run", ""},
+    {"ListenerElsewhereWithoutService",
+     [](F& f) {
+       f.link.listeners[0].address = "::1";
+       f.link.connections.clear();
+       f.service.state = State::kStopped;
+     },
+     StepId::kPort, kFailed, "at ::1", "127.0.0.1 or 0.0.0.0"},
     {"ListenerOfBothFamilies", [](F& f) { f.link.listeners[0].address = "::"; }, StepId::kPort, kOk,
      "at ::", ""},
     {"SocketsUnknown", [](F& f) { f.link.whyUnknown = "Windows error 50"; }, StepId::kPort,
@@ -400,7 +422,9 @@ const Row kLinkRows[] = {
      },
      StepId::kAnswer, kFailed, "has none of the agent's variables", "restart the service"},
     {"AnswerNoSuchName", [](F& f) { f.answer.response.errorStatus = 2; }, StepId::kAnswer, kFailed,
-     "error status 2", "restart the service"},
+     "(error status 2): it has not loaded the agent", "restart the service"},
+    {"AnswerGeneralError", [](F& f) { f.answer.response.errorStatus = 5; }, StepId::kAnswer,
+     kFailed, "answers with the error status 5.", "restart the service"},
     {"AnswerCut", [](F& f) { f.answer.response.bindings.pop_back(); }, StepId::kAnswer, kFailed,
      "lacks corvaneAudioSourcesSilence", "restart the service"},
     {"AnswerOfAnotherType",
