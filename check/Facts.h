@@ -43,6 +43,12 @@ struct RegistrationFacts {
   std::string whyUnknown;
 };
 
+// A record of the System log.
+struct Event {
+  bool isError = false;  // otherwise a warning or an information
+  std::string text;
+};
+
 struct FileFacts {
   bool exists = false;
   std::string whyUnknown;
@@ -116,7 +122,7 @@ struct Facts {
   std::vector<std::string> accountSids;  // the account of the service, and its groups
   RegistrationFacts registration;
   std::string eventsUnknown;
-  std::vector<std::string> events;  // errors of the source SNMP since the service's start
+  std::vector<Event> events;  // of the source SNMP since the service's start, the newest first
   FileFacts dll;
   SettingFacts communities;
   SettingFacts managers;

@@ -1,28 +1,45 @@
 #include "check/FirewallRules.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
-#include <cstdint>
+#include <initializer_list>
+#include <iterator>
+
+#include "json/Ascii.h"
 
 namespace Check {
 namespace {
 
+using Vask::EqualsIgnoringCase;
+
 constexpr unsigned kSnmpPort = 161;
 
-std::string Lower(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower;
-}
-
 bool EndsWith(std::string_view text, std::string_view end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+  return text.size() >= end.size() &&
+         EqualsIgnoringCase(text.substr(text.size() - end.size()), end);
 }
 
 struct Rule {
-  std::string action, active, direction, protocol, program, service;
-  std::vector<std::string> ports, profiles, remote;
+  using Values = std::vector<std::string_view>;
+  Values action, active, direction, protocol, program, service, ports, profiles, remote;
+  bool hasOtherCondition = false;
+};
+
+// A field of a rule, and the member that gets its value.
+struct Field {
+  const char* name;
+  Rule::Values Rule::*values;  // nullptr if the field does not restrict the rule
+};
+
+// Any other field is a condition that a request to the service may not meet, such as an app package
+// (AppPkgId), a user (LUOwn), a remote port (RPort) or an interface type (IFType).
+constexpr Field kFields[] = {
+    {"Action", &Rule::action},     {"Active", &Rule::active},   {"Dir", &Rule::direction},
+    {"Protocol", &Rule::protocol}, {"App", &Rule::program},     {"Svc", &Rule::service},
+    {"LPort", &Rule::ports},       {"LPort2_10", &Rule::ports}, {"Profile", &Rule::profiles},
+    {"RA4", &Rule::remote},        {"RA42", &Rule::remote},     {"RA6", &Rule::remote},
+    {"RA62", &Rule::remote},       {"Name", nullptr},           {"Desc", nullptr},
+    {"EmbedCtxt", nullptr},        {"Edge", nullptr},           {"Defer", nullptr},
 };
 
 Rule ReadRule(std::string_view text) {
@@ -32,19 +49,15 @@ Rule ReadRule(std::string_view text) {
     const std::string_view field = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
     const std::size_t equals = field.find('=');
-    if (equals == std::string_view::npos) continue;
-    const std::string name = Lower(field.substr(0, equals));
-    const std::string value = Lower(field.substr(equals + 1));
-    if (name == "action") rule.action = value;
-    if (name == "active") rule.active = value;
-    if (name == "dir") rule.direction = value;
-    if (name == "protocol") rule.protocol = value;
-    if (name == "app") rule.program = value;
-    if (name == "svc") rule.service = value;
-    if (name == "profile") rule.profiles.push_back(value);
-    if (name.substr(0, 5) == "lport") rule.ports.push_back(value);
-    if (name.substr(0, 3) == "ra4" || name.substr(0, 3) == "ra6") {
-      rule.remote.emplace_back(field.substr(equals + 1));
+    if (equals == std::string_view::npos) continue;  // the version, or the end
+    const std::string_view name = field.substr(0, equals);
+    const auto* const known =
+        std::find_if(std::begin(kFields), std::end(kFields),
+                     [&](const Field& row) { return EqualsIgnoringCase(name, row.name); });
+    if (known == std::end(kFields)) {
+      rule.hasOtherCondition = true;
+    } else if (known->values != nullptr) {
+      (rule.*known->values).push_back(field.substr(equals + 1));
     }
   }
   return rule;
@@ -67,44 +80,61 @@ bool HasPort(std::string_view ports) {
   return false;
 }
 
-bool IsForSnmp(const Rule& rule, const std::string& profile) {
-  const auto none = [](const auto& list, auto holds) {
-    return !list.empty() && std::none_of(list.begin(), list.end(), holds);
-  };
-  if (rule.active != "true" || rule.direction != "in") return false;
-  if (!rule.protocol.empty() && rule.protocol != "17" && rule.protocol != "256") return false;
-  if (none(rule.ports, [](const std::string& ports) { return HasPort(ports); })) return false;
-  if (none(rule.profiles, [&](const std::string& name) { return name == profile; })) return false;
-  if (!rule.program.empty() && rule.program != "system" && !EndsWith(rule.program, "\\snmp.exe")) {
-    return false;
-  }
-  return rule.service.empty() || rule.service == "*" || rule.service == "snmp";
+// Whether one of the values fits. A field that the rule does not have fits always.
+template <class Fits>
+bool Fit(const Rule::Values& values, Fits fits) {
+  return values.empty() || std::any_of(values.begin(), values.end(), fits);
+}
+
+bool IsOneOf(const Rule::Values& values, std::initializer_list<std::string_view> wanted) {
+  return Fit(values, [&](std::string_view value) {
+    return std::any_of(wanted.begin(), wanted.end(),
+                       [&](std::string_view one) { return EqualsIgnoringCase(value, one); });
+  });
+}
+
+bool Is(const Rule::Values& values, std::string_view wanted) {
+  return !values.empty() && IsOneOf(values, {wanted});
+}
+
+bool IsForSnmp(const Rule& rule, std::string_view profile) {
+  return !rule.hasOtherCondition && Is(rule.active, "TRUE") && Is(rule.direction, "In") &&
+         IsOneOf(rule.protocol, {"17", "256"}) && Fit(rule.ports, HasPort) &&
+         IsOneOf(rule.profiles, {profile}) && IsOneOf(rule.service, {"*", "SNMP"}) &&
+         Fit(rule.program, [](std::string_view path) { return EndsWith(path, "\\snmp.exe"); });
 }
 
 }  // namespace
 
-Passage PassageOf(const std::vector<std::string>& rules, const FirewallProfile& profile,
+Passage PassageOf(const FirewallFacts& firewall, const FirewallProfile& profile,
                   std::string& limits) {
   limits.clear();
   if (!profile.on) return Passage::kOpen;
-  const std::string name = Lower(profile.name);
+  std::vector<std::string> rules = firewall.policyRules;
+  if (profile.mergesLocalRules) {
+    rules.insert(rules.end(), firewall.rules.begin(), firewall.rules.end());
+  }
   bool open = profile.allowsByDefault;
+  std::vector<std::string> remote;
   for (const std::string& text : rules) {
     const Rule rule = ReadRule(text);
-    if (!IsForSnmp(rule, name)) continue;
-    if (rule.action == "block" && rule.remote.empty()) return Passage::kBlocked;
-    if (rule.action != "allow") continue;
+    if (!IsForSnmp(rule, profile.name)) continue;
+    if (Is(rule.action, "Block") && rule.remote.empty()) return Passage::kBlocked;
+    if (!Is(rule.action, "Allow")) continue;
     if (rule.remote.empty()) open = true;
-    for (const std::string& address : rule.remote) {
-      if (limits.find(address) != std::string::npos) continue;
-      limits += (limits.empty() ? "" : ", ") + address;
+    for (const std::string_view address : rule.remote) {
+      if (std::find(remote.begin(), remote.end(), address) == remote.end()) {
+        remote.emplace_back(address);
+      }
     }
   }
-  if (open) {
-    limits.clear();
-    return Passage::kOpen;
-  }
-  return limits.empty() ? Passage::kClosed : Passage::kLimited;
+  if (open) return Passage::kOpen;
+  for (const std::string& address : remote) limits += (limits.empty() ? "" : ", ") + address;
+  if (remote.empty()) return Passage::kClosed;
+  const bool isLocal = std::all_of(remote.begin(), remote.end(), [](const std::string& address) {
+    return EqualsIgnoringCase(address, "LocalSubnet");
+  });
+  return isLocal ? Passage::kLocalSubnet : Passage::kLimited;
 }
 
 }  // namespace Check

@@ -11,11 +11,13 @@ struct FirewallProfile {
   std::string name;  // Domain, Private or Public
   bool on = true;
   bool allowsByDefault = false;
-  std::optional<bool> active;  // whether a network of this machine uses it
+  bool mergesLocalRules = true;  // false if a policy says that only its own rules hold
+  std::optional<bool> active;    // whether a network of this machine uses it
 };
 
 struct FirewallFacts {
-  std::vector<std::string> rules;  // in the form of the registry
+  std::vector<std::string> rules;  // of this machine, in the form of the registry
+  std::vector<std::string> policyRules;
   std::vector<FirewallProfile> profiles;
   std::string whyUnknown;
 };
@@ -24,16 +26,17 @@ struct FirewallFacts {
 // profile.
 enum class Passage {
   kOpen,
-  kLimited,  // open for some remote addresses only
-  kClosed,   // no rule allows them
-  kBlocked,  // a rule blocks them
+  kLimited,      // open for some remote addresses only
+  kLocalSubnet,  // open for the local subnet only
+  kClosed,       // no rule allows them
+  kBlocked,      // a rule blocks them
 };
 
-// Reads rules in the form of the registry, such as
-// "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A
-// field that is missing means "any". `limits` gets the remote addresses if the result is
-// kLimited.
-[[nodiscard]] Passage PassageOf(const std::vector<std::string>& rules,
-                                const FirewallProfile& profile, std::string& limits);
+// Reads the rules that apply to the profile. They have the form of the registry, such as
+// "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
+// that is missing means "any". `limits` gets the remote addresses if the result is kLimited or
+// kLocalSubnet.
+[[nodiscard]] Passage PassageOf(const FirewallFacts& firewall, const FirewallProfile& profile,
+                                std::string& limits);
 
 }  // namespace Check

@@ -69,6 +69,13 @@ Verdict JudgeResponse(const SnmpResponse& response) {
       missing.push_back(VariableNameOf(requested[i]));
     }
   }
+  // 2 is noSuchName. Any other error does not tell which variables the service has.
+  const std::int64_t status = response.errorStatus;
+  if (values.empty() && status != 0 && status != 2) {
+    return Failed(kStep,
+                  "The service answers with the error status " + std::to_string(status) + '.',
+                  "see the step 14, then restart the service.");
+  }
   if (values.empty()) {
     return Failed(kStep,
                   "The service answers, but has none of the agent's variables (error status " +
@@ -155,6 +162,11 @@ Verdict JudgePort(const Facts& facts) {
   const std::string text = OwnerOf(other) + " listens on TCP port 16969 at " + other.address;
   // A listener at :: may take IPv4 connections as well.
   if (other.address == "::" && ServiceIsConnected(facts)) return Ok(kStep, text + '.');
+  if (other.address == "::" && !facts.service.Runs()) {
+    return Skipped(kStep, text +
+                              ". Whether the agent can reach it is not known while the service "
+                              "does not run.");
+  }
   return Failed(kStep, text + ". The agent connects to 127.0.0.1 and cannot reach it.",
                 "let the Corvane software listen at 127.0.0.1 or 0.0.0.0.");
 }

@@ -36,6 +36,10 @@ constexpr char kNoResources[] =
     "The machine has no more memory or threads. Restart the service. If it happens again, send the "
     "log to the maker.";
 
+constexpr char kNoDisconnect[] =
+    "Windows could not end the connection in the usual way, so the agent closed it without. The "
+    "agent connects again by itself. If the line comes often, send the log to the maker.";
+
 bool IsRequestLine(std::string_view message) {
   return Matches(message, "Info: GetRequest*") || Matches(message, "Info: GetNextRequest*") ||
          Matches(message, "Info: GetStoredVar*");
@@ -66,15 +70,21 @@ const std::vector<LogMeaning>& LogMeanings() {
       {"Error: Get*Property: Property '*' exceeds the max length of *. It is * bytes.",
        kMessageDropped},
       {"Error: Get*Property: Property '*' was expected to be *", kMessageDropped},
+      {"Error: Get*Property: Property '*' not found", kMessageDropped},
+      {"Error: *_*: Union tag not understood for '*' (tag=*)", kMessageDropped},
       {"Error: Messages::Registrar::OnJsonMessageText: JSON parse failed at line *",
        kMessageDropped},
       {"Error: Messages::Registrar::OnJsonMessage: *", kMessageDropped},
       {"Error: Vask::JsonSocket::ProcessByte*", kForeignBytes},
       {"Error: Unable to open JsonSocket!", kNoResources},
+      {"Error: Vask::JsonSocket::OpenThread open failed", kNoResources},
+      {"Error: Vask::JsonSocket::Run: exception!", kNoResources},
+      {"Error: Vask::TimerService::Run: exception!", kNoResources},
       {"Error: Cannot initialize SNMP extension agent: exception!", kNoResources},
       {"Error: Cannot query the SNMP extension agent: exception!", kNoResources},
       {"Error: Unable to register variable '*'!", kNoResources},
       {"Error: Messages::Registrar::Send: No memory for a message '*'", kNoResources},
+      {"Error: Socket close: *", kNoDisconnect},
   };
   return meanings;
 }

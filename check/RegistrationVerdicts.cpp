@@ -5,6 +5,7 @@
 #include "BuildSettings.h"
 #include "check/Access.h"
 #include "check/VerdictParts.h"
+#include "json/Ascii.h"
 
 namespace Check {
 namespace {
@@ -17,6 +18,9 @@ constexpr char kModule[] = "SNMPd.dll";
 constexpr char kInstallService[] =
     "install the Windows feature SNMP Service: on Windows Server run \"Install-WindowsFeature "
     "SNMP-Service -IncludeManagementTools\" in PowerShell.";
+
+constexpr std::string_view kTrapKey = "TrapConfiguration";
+constexpr std::size_t kMostEvents = 5;
 
 constexpr std::uint32_t kAutomatic = 2;
 constexpr std::uint32_t kManual = 3;
@@ -59,13 +63,25 @@ std::string Trimmed(const std::string& key) {
   return key.substr(first, key.find_last_not_of('\\') - first + 1);
 }
 
+// Empty if there is none, or no full one.
 std::string PathOf(const Facts& facts) {
   const auto entries = OwnEntries(facts.registration);
-  return entries.empty() ? "" : entries.front()->path;
+  return entries.empty() || !IsFullPath(entries.front()->path) ? "" : entries.front()->path;
 }
 
 bool FileIsThere(const Facts& facts) {
   return !PathOf(facts).empty() && facts.dll.whyUnknown.empty() && facts.dll.exists;
+}
+
+// A key of trap destinations has the name of its community, which is a password. A community may
+// hold any character, so the text ends before it.
+std::string WithoutCommunity(const std::string& event) {
+  const std::string key = std::string(kTrapKey) + '\\';
+  const auto found = std::search(
+      event.begin(), event.end(), key.begin(), key.end(),
+      [](char one, char other) { return Vask::FoldAscii(one) == Vask::FoldAscii(other); });
+  if (found == event.end()) return event;
+  return std::string(event.begin(), found) + key + "...";
 }
 
 std::string MachineWord(std::uint16_t machine) {
@@ -79,11 +95,20 @@ std::string MachineWord(std::uint16_t machine) {
 std::vector<const AgentEntry*> OwnEntries(const RegistrationFacts& registration) {
   std::vector<const AgentEntry*> own;
   for (const AgentEntry& entry : registration.agents) {
-    if (SameText(Trimmed(entry.key), kAgentKey) || SameText(FileNameOf(entry.path), kModule)) {
-      own.push_back(&entry);
-    }
+    if (SameText(Trimmed(entry.key), kAgentKey)) own.push_back(&entry);
+  }
+  if (!own.empty()) return own;
+  // Another maker's agent may have a file of the same name.
+  for (const AgentEntry& entry : registration.agents) {
+    if (SameText(FileNameOf(entry.path), kModule)) own.push_back(&entry);
   }
   return own;
+}
+
+bool IsFullPath(std::string_view path) {
+  if (path.substr(0, 2) == R"(\\)") return true;
+  const char drive = path.empty() ? '\0' : Vask::FoldAscii(path[0]);
+  return drive >= 'a' && drive <= 'z' && path.substr(1, 2) == R"(:\)";
 }
 
 Verdict JudgeService(const Facts& facts) {
@@ -155,13 +180,14 @@ Verdict JudgePath(const Facts& facts) {
                   "install the x64 package.");
   }
   if (entry.path.empty()) return Failed(kStep, key + " has no text value Pathname.");
+  if (!IsFullPath(entry.path)) return Failed(kStep, entry.path + " is not a full path.");
   return Ok(kStep, entry.path);
 }
 
 Verdict JudgeFile(const Facts& facts) {
   constexpr StepId kStep = StepId::kFile;
   const std::string path = PathOf(facts);
-  if (path.empty()) return Skipped(kStep, "The path of the DLL is not known.");
+  if (path.empty()) return Skipped(kStep, "The full path of the DLL is not known.");
   const FileFacts& dll = facts.dll;
   if (!dll.whyUnknown.empty()) {
     return Skipped(kStep, path + " cannot be read: " + dll.whyUnknown + '.');
@@ -227,7 +253,7 @@ Verdict JudgeLoaded(const Facts& facts) {
   constexpr StepId kStep = StepId::kLoaded;
   const std::string path = PathOf(facts);
   if (!facts.service.Runs()) return Skipped(kStep, "The service does not run.");
-  if (path.empty()) return Skipped(kStep, "The path of the DLL is not known.");
+  if (path.empty()) return Skipped(kStep, "The full path of the DLL is not known.");
   if (!facts.service.whyNoModules.empty()) {
     return Skipped(kStep, "The modules of the service's process cannot be read: " +
                               facts.service.whyNoModules + '.');
@@ -249,21 +275,19 @@ Verdict JudgeEvents(const Facts& facts, const Options& options) {
   if (!facts.eventsUnknown.empty()) {
     return Skipped(kStep, "The System log cannot be read: " + facts.eventsUnknown + '.');
   }
-  std::vector<std::string> events = facts.events;
-  // Without trap destinations the service complains that their key is missing.
-  if (options.noTraps) {
-    events.erase(std::remove_if(events.begin(), events.end(),
-                                [](const std::string& event) {
-                                  return event.find("TrapConfiguration") != std::string::npos;
-                                }),
-                 events.end());
+  std::vector<std::string> errors;
+  for (const Event& event : facts.events) {
+    // Without trap destinations the service complains that their key is missing.
+    const bool isWanted = options.noTraps && event.text.find(kTrapKey) != std::string::npos;
+    if (event.isError && !isWanted) errors.push_back(WithoutCommunity(event.text));
   }
-  if (events.empty()) {
+  if (errors.empty()) {
     return Ok(kStep, "No error of the source SNMP since the service's start.");
   }
   const std::string text =
-      std::to_string(events.size()) + " error(s) of the source SNMP since the service's start.";
-  return Failed(kStep, text, "look at the error, which names the reason.", std::move(events));
+      std::to_string(errors.size()) + " error(s) of the source SNMP since the service's start.";
+  errors.resize(std::min(errors.size(), kMostEvents));
+  return Failed(kStep, text, "look at the error, which names the reason.", std::move(errors));
 }
 
 }  // namespace Check

@@ -43,6 +43,34 @@ std::vector<std::string> ReadableCommunities(const KeyFacts& key) {
   return communities;
 }
 
+// The state of one profile, in words.
+std::string StateOf(const FirewallProfile& profile, Passage passage, const std::string& limits) {
+  if (!profile.on) return "open, the firewall is off";
+  switch (passage) {
+    case Passage::kOpen:
+      return "open";
+    case Passage::kLimited:
+    case Passage::kLocalSubnet:
+      return "open for " + limits + (passage == Passage::kLocalSubnet ? " only" : "");
+    case Passage::kClosed:
+      return "closed, no rule opens it";
+    case Passage::kBlocked:
+      break;
+  }
+  return "closed by a rule";
+}
+
+constexpr char kEnableRule[] =
+    "run as an administrator: netsh advfirewall firewall set rule group=\"SNMP Service\" new "
+    "enable=yes";
+// A rule of this machine does not help then.
+constexpr char kChangePolicy[] =
+    "add a rule for UDP port 161 to the group policy. It ignores the rules of this machine.";
+constexpr char kWidenRule[] =
+    "widen the rule in wf.msc, or add one as an administrator: netsh advfirewall firewall add rule "
+    "name=\"SNMP from the manager\" dir=in action=allow protocol=UDP localport=161 remoteip="
+    "ADDRESS, with the address of your manager";
+
 }  // namespace
 
 std::optional<std::string> ReadableCommunity(const SettingFacts& communities) {
@@ -133,30 +161,27 @@ Verdict JudgeFirewall(const Facts& facts) {
   }
   std::vector<std::string> states;
   bool passes = false;
-  bool fails = false;
+  bool closed = false;
+  bool local = false;
+  bool policyOnly = false;
   bool activeKnown = false;
   for (const FirewallProfile& profile : firewall.profiles) {
     if (profile.active.has_value() && !*profile.active) continue;
     activeKnown = activeKnown || profile.active.has_value();
     std::string limits;
-    const Passage passage = PassageOf(firewall.rules, profile, limits);
-    const bool closed = passage == Passage::kClosed || passage == Passage::kBlocked;
-    passes = passes || !closed;
-    fails = fails || closed;
-    const char* const word = passage == Passage::kOpen      ? "open"
-                             : passage == Passage::kLimited ? "open for "
-                             : passage == Passage::kClosed  ? "closed, no rule opens it"
-                                                            : "closed by a rule";
-    states.push_back(profile.name + ' ' + (profile.on ? word : "open, the firewall is off") +
-                     limits);
+    const Passage passage = PassageOf(firewall, profile, limits);
+    passes = passes || passage == Passage::kOpen || passage == Passage::kLimited;
+    closed = closed || passage == Passage::kClosed || passage == Passage::kBlocked;
+    local = local || passage == Passage::kLocalSubnet;
+    policyOnly = policyOnly || !profile.mergesLocalRules;
+    states.push_back(profile.name + ' ' + StateOf(profile, passage, limits));
   }
   if (states.empty()) return Skipped(kStep, "No network is connected.");
   const std::string text = "UDP port 161, by profile: " + Joined(states) + '.';
   // If the profile of the network is not known, one open profile is enough.
-  if (activeKnown ? fails : !passes) {
-    return Failed(kStep, text,
-                  "run as an administrator: netsh advfirewall firewall set rule group=\"SNMP "
-                  "Service\" new enable=yes");
+  if (activeKnown ? closed || local : !passes) {
+    const char* const action = local && (!activeKnown || !closed) ? kWidenRule : kEnableRule;
+    return Failed(kStep, text, policyOnly ? kChangePolicy : action);
   }
   return Ok(kStep, text + (activeKnown ? "" : " The profile in use could not be read."));
 }

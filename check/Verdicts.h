@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "check/Facts.h"
@@ -26,6 +27,10 @@ struct Verdict {
 
 // The entries of the service's list that lead to this agent.
 [[nodiscard]] std::vector<const AgentEntry*> OwnEntries(const RegistrationFacts& registration);
+
+// Whether the path begins with a drive and a backslash, or with two backslashes. Windows searches
+// for a file of any other path, and may find one in the folder of another program.
+[[nodiscard]] bool IsFullPath(std::string_view path);
 
 // A community of the service's list that may read. Empty if none is known.
 [[nodiscard]] std::optional<std::string> ReadableCommunity(const SettingFacts& communities);

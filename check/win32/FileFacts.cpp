@@ -156,7 +156,7 @@ void GatherAgent(Facts& facts) {
     facts.registration.agents.push_back(ReadEntry(value));
   }
   const auto own = OwnEntries(facts.registration);
-  if (!own.empty() && !own.front()->path.empty()) facts.dll = ReadDll(own.front()->path);
+  if (!own.empty() && IsFullPath(own.front()->path)) facts.dll = ReadDll(own.front()->path);
 }
 
 void GatherLog(Facts& facts) {

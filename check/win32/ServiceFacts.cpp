@@ -13,7 +13,6 @@ namespace Check {
 namespace {
 
 constexpr wchar_t kServiceName[] = L"SNMP";
-constexpr std::size_t kMostEvents = 5;
 
 struct ServiceCloser {
   void operator()(SC_HANDLE handle) const noexcept { CloseServiceHandle(handle); }
@@ -90,19 +89,19 @@ std::string EventText(const EVENTLOGRECORD& record) {
   return text;
 }
 
-// Appends the errors and warnings of the service from one piece of the event log. Returns false
-// at a record that is older than `since`, because all others are older, too.
-bool TakeEvents(const char* bytes, DWORD size, DWORD since, std::vector<std::string>& events) {
-  for (DWORD at = 0; at < size && events.size() < kMostEvents;) {
+// Appends the events of the service from one piece of the event log. Returns false at a record
+// that is older than `since`, because all others are older, too.
+bool TakeEvents(const char* bytes, DWORD size, DWORD since, std::vector<Event>& events) {
+  for (DWORD at = 0; at < size;) {
     const auto& record = *reinterpret_cast<const EVENTLOGRECORD*>(bytes + at);
     if (record.Length == 0 || record.TimeGenerated < since) return false;
     const auto* source = reinterpret_cast<const wchar_t*>(&record + 1);
-    const bool isFault =
-        record.EventType == EVENTLOG_ERROR_TYPE || record.EventType == EVENTLOG_WARNING_TYPE;
-    if (isFault && std::wcscmp(source, kServiceName) == 0) events.push_back(EventText(record));
+    if (std::wcscmp(source, kServiceName) == 0) {
+      events.push_back({record.EventType == EVENTLOG_ERROR_TYPE, EventText(record)});
+    }
     at += record.Length;
   }
-  return events.size() < kMostEvents;
+  return true;
 }
 
 void ReadEvents(DWORD since, Facts& facts) {

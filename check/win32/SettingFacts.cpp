@@ -74,10 +74,25 @@ std::optional<long> ActiveProfiles() {
   return active;
 }
 
+struct Profile {
+  const char* name;
+  const char* key;
+  const char* policyKey;
+  long bit;
+};
+// A policy may have either name of the private profile: "StandardProfile" is the older one.
+constexpr Profile kProfiles[] = {
+    {"Domain", "DomainProfile", "DomainProfile", NET_FW_PROFILE2_DOMAIN},
+    {"Private", "StandardProfile", "PrivateProfile", NET_FW_PROFILE2_PRIVATE},
+    {"Public", "PublicProfile", "PublicProfile", NET_FW_PROFILE2_PUBLIC},
+};
+
 // A setting of a profile: the policy's if there is one.
-std::uint32_t ProfileSetting(const char* profile, const char* name, std::uint32_t usual) {
-  for (const char* place : {kFirewallPolicy, kFirewall}) {
-    const MachineKey key(std::string(place) + profile);
+std::uint32_t ProfileSetting(const Profile& profile, const char* name, std::uint32_t usual) {
+  for (const std::string& path :
+       {std::string(kFirewallPolicy) + profile.policyKey,
+        std::string(kFirewallPolicy) + profile.key, std::string(kFirewall) + profile.key}) {
+    const MachineKey key(path);
     if (!key.IsOpen()) continue;
     if (const auto number = key.Number(name)) return *number;
   }
@@ -108,21 +123,16 @@ void GatherFirewall(Facts& facts) {
       }
       continue;
     }
-    for (const SettingValue& rule : key.Values()) firewall.rules.push_back(rule.text);
+    auto& rules = place == kFirewall ? firewall.rules : firewall.policyRules;
+    for (const SettingValue& rule : key.Values()) rules.push_back(rule.text);
   }
-  struct Profile {
-    const char* name;
-    const char* key;
-    long bit;
-  };
   const std::optional<long> active = ActiveProfiles();
-  for (const Profile& profile : {Profile{"Domain", "DomainProfile", NET_FW_PROFILE2_DOMAIN},
-                                 Profile{"Private", "StandardProfile", NET_FW_PROFILE2_PRIVATE},
-                                 Profile{"Public", "PublicProfile", NET_FW_PROFILE2_PUBLIC}}) {
+  for (const Profile& profile : kProfiles) {
     FirewallProfile found;
     found.name = profile.name;
-    found.on = ProfileSetting(profile.key, "EnableFirewall", 1) != 0;
-    found.allowsByDefault = ProfileSetting(profile.key, "DefaultInboundAction", 1) == 0;
+    found.on = ProfileSetting(profile, "EnableFirewall", 1) != 0;
+    found.allowsByDefault = ProfileSetting(profile, "DefaultInboundAction", 1) == 0;
+    found.mergesLocalRules = ProfileSetting(profile, "AllowLocalPolicyMerge", 1) != 0;
     if (active) found.active = (*active & profile.bit) != 0;
     firewall.profiles.push_back(found);
   }

@@ -19,12 +19,16 @@ void PrintTo(const Row& row, std::ostream* out) {
   *out << row.name;
 }
 
+FirewallProfile Profile(bool on, bool allowsByDefault) {
+  return {"Private", on, allowsByDefault, true, {}};
+}
+
 class FirewallRules : public testing::TestWithParam<Row> {};
 
 TEST_P(FirewallRules, LetRequestsPass) {
   const Row& row = GetParam();
   std::string limits = "left over";
-  EXPECT_EQ(PassageOf(row.rules, {"Private", true, false, {}}, limits), row.passage);
+  EXPECT_EQ(PassageOf({row.rules, {}, {}, {}}, Profile(true, false), limits), row.passage);
   EXPECT_EQ(limits, row.limits);
 }
 
@@ -55,15 +59,36 @@ const Row kRows[] = {
     {"OtherProgram", {Allow("App=C:\\x\\notsnmp.exe|")}, Passage::kClosed},
     {"ServiceProgram", {Allow("App=%SystemRoot%\\System32\\SNMP.exe|")}, Passage::kOpen},
     {"OtherService", {Allow("Svc=SNMPTRAP|")}, Passage::kClosed},
-    {"LocalSubnet", {Allow("RA4=LocalSubnet|RA6=LocalSubnet|")}, Passage::kLimited, "LocalSubnet"},
+    {"LocalSubnet",
+     {Allow("RA4=LocalSubnet|RA6=LocalSubnet|")},
+     Passage::kLocalSubnet,
+     "LocalSubnet"},
     {"TwoAddresses",
      {Allow("RA4=10.0.0.1|RA4=10.0.0.2|")},
      Passage::kLimited,
      "10.0.0.1, 10.0.0.2"},
+    {"LocalSubnetAndAnother",
+     {Allow("RA4=localsubnet|RA6=LocalSubnet|RA4=10.0.0.1|")},
+     Passage::kLimited,
+     "localsubnet, LocalSubnet, 10.0.0.1"},
     {"LimitedAndOpen", {Allow("RA4=LocalSubnet|"), kAllow}, Passage::kOpen},
     {"BlockWins", {kAllow, "Action=Block|Active=TRUE|Dir=In|"}, Passage::kBlocked},
     {"BlockOfSomeAddresses",
      {kAllow, "Action=Block|Active=TRUE|Dir=In|RA4=10.0.0.1|"},
+     Passage::kOpen},
+    {"FieldsThatRestrictNothing",
+     {Allow("Name=n|Desc=d|EmbedCtxt=e|Edge=TRUE|Defer=App|")},
+     Passage::kOpen},
+    {"ProgramSystem", {Allow("App=System|")}, Passage::kClosed},
+    {"AppPackage", {Allow("AppPkgId=S-1-15-2-1|")}, Passage::kClosed},
+    {"User", {Allow("LUOwn=S-1-5-21-1|")}, Passage::kClosed},
+    {"RemotePort", {Allow("RPort=500|")}, Passage::kClosed},
+    {"LocalAddress", {Allow("LA4=192.0.2.1|")}, Passage::kClosed},
+    {"InterfaceType", {Allow("IFType=Wireless|")}, Passage::kClosed},
+    {"Security", {Allow("Security=Authenticate|")}, Passage::kClosed},
+    {"UnknownField", {Allow("New=1|")}, Passage::kClosed},
+    {"BlockWithAnotherCondition",
+     {kAllow, "Action=Block|Active=TRUE|Dir=In|IFType=Wireless|"},
      Passage::kOpen},
     {"Nonsense", {"", "|||", "=|=", "Action"}, Passage::kClosed},
 };
@@ -72,8 +97,20 @@ INSTANTIATE_TEST_SUITE_P(Rows, FirewallRules, testing::ValuesIn(kRows),
 
 TEST(FirewallProfiles, OffOrOpenByDefaultLetsRequestsPass) {
   std::string limits;
-  EXPECT_EQ(PassageOf({}, {"Public", false, false, {}}, limits), Passage::kOpen);
-  EXPECT_EQ(PassageOf({}, {"Public", true, true, {}}, limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf({}, Profile(false, false), limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf({}, Profile(true, true), limits), Passage::kOpen);
+}
+
+TEST(FirewallProfiles, PolicyMayIgnoreTheRulesOfTheMachine) {
+  std::string limits;
+  const FirewallFacts machine{{kAllow}, {}, {}, {}};
+  const FirewallFacts policy{{}, {kAllow}, {}, {}};
+  FirewallProfile profile = Profile(true, false);
+  EXPECT_EQ(PassageOf(machine, profile, limits), Passage::kOpen);
+  EXPECT_EQ(PassageOf(policy, profile, limits), Passage::kOpen);
+  profile.mergesLocalRules = false;
+  EXPECT_EQ(PassageOf(machine, profile, limits), Passage::kClosed);
+  EXPECT_EQ(PassageOf(policy, profile, limits), Passage::kOpen);
 }
 
 }  // namespace

@@ -83,9 +83,9 @@ inline Facts HealthyFacts() {
     facts.answer.response.bindings.push_back(binding);
   }
   facts.firewall.rules = {kRule};
-  facts.firewall.profiles = {{"Domain", true, false, true},
-                             {"Private", true, false, false},
-                             {"Public", true, false, false}};
+  facts.firewall.profiles = {{"Domain", true, false, true, true},
+                             {"Private", true, false, true, false},
+                             {"Public", true, false, true, false}};
   return facts;
 }
 

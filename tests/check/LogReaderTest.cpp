@@ -112,6 +112,8 @@ TEST(LogMeanings, ErrorsOfTheGuideAreExplained) {
        {"Error: DecodeStruct_Streams: m_Count expected to be less than 1024. It is 2000.",
         "Error: DecodeStruct_Streams: m_Count expected to be greater than 0. It is -1.",
         "Error: GetStrProperty: Property 'Name' exceeds the max length of 128. It is 129 bytes.",
+        "Error: GetIntProperty: Property 'Count' not found",
+        "Error: DecodeStruct_X: Union tag not understood for 'Y' (tag=3)",
         "Error: GetIntProperty: Property 'Count' was expected to be an int (but it is not)",
         "Error: Messages::Registrar::OnJsonMessageText: JSON parse failed at line 1, col 37: x",
         "Error: Messages::Registrar::OnJsonMessage: Received message missing the 'name' property",
@@ -122,10 +124,17 @@ TEST(LogMeanings, ErrorsOfTheGuideAreExplained) {
                            "Error: Vask::JsonSocket::ProcessByteProtocol error"}) {
     EXPECT_THAT(means(line), HasSubstr("not a message of the Corvane software")) << line;
   }
-  for (const char* line : {"Error: Unable to open JsonSocket!",
-                           "Error: Cannot initialize SNMP extension agent: exception!",
-                           "Error: Cannot query the SNMP extension agent: exception!"}) {
+  for (const char* line :
+       {"Error: Unable to open JsonSocket!",
+        "Error: Cannot initialize SNMP extension agent: exception!",
+        "Error: Cannot query the SNMP extension agent: exception!",
+        "Error: Vask::JsonSocket::OpenThread open failed",
+        "Error: Vask::JsonSocket::Run: exception!", "Error: Vask::TimerService::Run: exception!"}) {
     EXPECT_THAT(means(line), HasSubstr("no more memory or threads")) << line;
+  }
+  for (const char* line : {"Error: Socket close: Error doing WSAIoctl to load DisconnectEx!",
+                           "Error: Socket close: Exception while calling DisconnectEx!"}) {
+    EXPECT_THAT(means(line), HasSubstr("could not end the connection")) << line;
   }
   EXPECT_THAT(means("Error: something new"), HasSubstr("does not list"));
   EXPECT_THAT(means("Error: Unable to open JsonSocket! Not quite."), HasSubstr("does not list"));

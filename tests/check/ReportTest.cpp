@@ -9,6 +9,7 @@ namespace Check::Tests {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 const std::vector<Verdict> kThree = {
     {StepId::kService, Status::kOk, "It runs.", "", {}},
@@ -32,6 +33,26 @@ TEST(CheckReport, ControlCharactersDoNotReachTheTerminal) {
   EXPECT_EQ(TextReport(verdicts),
             "[failed]  14 log         a [2Jb To do: c d\n             e  f\n"
             "0 ok, 1 failed, 0 skipped\n");
+}
+
+TEST(CheckReport, CommunityIsNeverPrinted) {
+  Facts facts = HealthyFacts();
+  facts.communities.service = Read({Number("s3cret", 4)});
+  facts.trapDestinations.service = Read({Text("s3cret", "198.51.100.1")});
+  facts.answer.outcome = AnswerFacts::Outcome::kSilent;
+  facts.events = {
+      {true, R"(event 1500: SYSTEM\x\Parameters\TrapConfiguration\two words s3cret)"},
+      {true, R"(event 1500: TrapConfiguration, SYSTEM\x\parameters\trapconfiguration\s3cret)"}};
+  Options options;
+  for (const char* community : {"", "s3cret", "s3cret of an option"}) {
+    options.community = community;
+    const auto verdicts = Judge(facts, options);
+    EXPECT_THAT(TextReport(verdicts), HasSubstr(R"(TrapConfiguration\...)"));
+    EXPECT_THAT(TextReport(verdicts), Not(HasSubstr("two words")));
+    EXPECT_THAT(TextReport(verdicts), Not(HasSubstr("s3cret")));
+    EXPECT_THAT(JsonReport(verdicts, facts), Not(HasSubstr("two words")));
+    EXPECT_THAT(JsonReport(verdicts, facts), Not(HasSubstr("s3cret")));
+  }
 }
 
 TEST(CheckReport, StatusIsOneOnlyIfAStepFailed) {

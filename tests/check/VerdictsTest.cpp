@@ -107,10 +107,18 @@ const Row kServiceRows[] = {
      StepId::kKey, kFailed, "No value of", "install the package"},
     {"KeyTwice",
      [](F& f) {
-       f.registration.agents.push_back(
-           {"ByHand", R"(SOFTWARE\By Hand)", R"(D:\x\snmpD.DLL)", false});
+       f.registration.agents.push_back(f.registration.agents[0]);
+       f.registration.agents[1].name = "ByHand";
      },
      StepId::kKey, kFailed, "2 times (values CorvaneSnmpAgent, ByHand)", "delete all but one"},
+    {"KeyBesideAFileOfTheSameName",
+     [](F& f) {
+       f.registration.agents.insert(f.registration.agents.begin(),
+                                    {"Other", R"(SOFTWARE\Other)", R"(D:\x\snmpD.DLL)", false});
+     },
+     StepId::kKey, kOk, "names the agent (value CorvaneSnmpAgent)", ""},
+    {"KeyByHand", [](F& f) { f.registration.agents[0].key = R"(SOFTWARE\By Hand)"; }, StepId::kKey,
+     kOk, "names the agent (value CorvaneSnmpAgent)", ""},
     {"KeyWithBackslashesAround",
      [](F& f) {
        f.registration.agents[0].key = R"(\software\veltrin systems\corvane snmp\currentversion\)";
@@ -120,6 +128,12 @@ const Row kServiceRows[] = {
      kSkipped, "access is denied", ""},
     {"PathMissing", [](F& f) { f.registration.agents[0].path = ""; }, StepId::kPath, kFailed,
      "has no text value Pathname", "install the package again"},
+    {"PathIsAName", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; }, StepId::kPath,
+     kFailed, "SNMPd.dll is not a full path", "install the package again"},
+    {"FileOfARelativePath", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; },
+     StepId::kFile, kSkipped, "full path of the DLL is not known", ""},
+    {"LoadedOfARelativePath", [](F& f) { f.registration.agents[0].path = "SNMPd.dll"; },
+     StepId::kLoaded, kSkipped, "full path of the DLL is not known", ""},
     {"PathIn32BitView",
      [](F& f) {
        f.registration.agents[0].path = "";
@@ -164,8 +178,16 @@ const Row kServiceRows[] = {
      kSkipped, "access is denied", ""},
     {"LoadedWithoutService", [](F& f) { f.service.state = State::kStopped; }, StepId::kLoaded,
      kSkipped, "does not run", ""},
-    {"EventFound", [](F& f) { f.events = {"event 1102: x"}; }, StepId::kEvents, kFailed,
-     "1 error(s) of the source SNMP", "names the reason"},
+    {"EventFound",
+     [](F& f) {
+       f.events = {{true, "event 1102: x"}};
+     },
+     StepId::kEvents, kFailed, "1 error(s) of the source SNMP", "names the reason"},
+    {"EventsWithoutError",
+     [](F& f) {
+       f.events = {{false, "event 1001: x"}};
+     },
+     StepId::kEvents, kOk, "No error", ""},
     {"EventsUnreadable", [](F& f) { f.eventsUnknown = "access is denied"; }, StepId::kEvents,
      kSkipped, "access is denied", ""},
 };
@@ -208,10 +230,29 @@ const Row kSettingRows[] = {
     {"FirewallWithoutRule", [](F& f) { f.firewall.rules.clear(); }, StepId::kFirewall, kFailed,
      "Domain closed, no rule opens it", "netsh advfirewall"},
     {"FirewallRuleLimited", [](F& f) { f.firewall.rules[0] += "RA4=LocalSubnet|"; },
-     StepId::kFirewall, kOk, "Domain open for LocalSubnet", ""},
+     StepId::kFirewall, kFailed, "Domain open for LocalSubnet only", "widen the rule"},
+    {"FirewallRuleLimitedToAddresses",
+     [](F& f) { f.firewall.rules[0] += "RA4=LocalSubnet|RA4=198.51.100.1|"; }, StepId::kFirewall,
+     kOk, "Domain open for LocalSubnet, 198.51.100.1.", ""},
+    {"FirewallRuleLimitedInOneOfTwoNetworks",
+     [](F& f) {
+       f.firewall.rules[0] += "Profile=Domain|";
+       f.firewall.rules.push_back(std::string(kRule) + "Profile=Private|RA4=LocalSubnet|");
+       f.firewall.profiles[1].active = true;
+     },
+     StepId::kFirewall, kFailed, "Domain open, Private open for LocalSubnet only",
+     "widen the rule"},
+    {"FirewallRuleLimitedProfileUnknown",
+     [](F& f) {
+       for (FirewallProfile& profile : f.firewall.profiles) profile.active.reset();
+       f.firewall.rules[0] += "RA4=LocalSubnet|";
+     },
+     StepId::kFirewall, kFailed, "Public open for LocalSubnet only", "widen the rule"},
     {"FirewallBlocks",
      [](F& f) { f.firewall.rules.emplace_back("v2.30|Action=Block|Active=TRUE|Dir=In|"); },
      StepId::kFirewall, kFailed, "closed by a rule", "netsh advfirewall"},
+    {"FirewallPolicyIgnoresTheRule", [](F& f) { f.firewall.profiles[0].mergesLocalRules = false; },
+     StepId::kFirewall, kFailed, "Domain closed, no rule opens it", "to the group policy"},
     {"FirewallOff",
      [](F& f) {
        f.firewall.rules.clear();
@@ -251,6 +292,20 @@ const Row kLinkRows[] = {
        f.link.connections.clear();
      },
      StepId::kPort, kFailed, "at ::", "127.0.0.1 or 0.0.0.0"},
+    {"ListenerAtAnyIPv6WithoutService",
+     [](F& f) {
+       f.link.listeners[0].address = "::";
+       f.link.connections.clear();
+       f.service.state = State::kStopped;
+     },
+     StepId::kPort, kSkipped, "is not known while the service does not run", ""},
+    {"ListenerElsewhereWithoutService",
+     [](F& f) {
+       f.link.listeners[0].address = "::1";
+       f.link.connections.clear();
+       f.service.state = State::kStopped;
+     },
+     StepId::kPort, kFailed, "at ::1", "127.0.0.1 or 0.0.0.0"},
     {"ListenerOfBothFamilies", [](F& f) { f.link.listeners[0].address = "::"; }, StepId::kPort, kOk,
      "at ::", ""},
     {"SocketsUnknown", [](F& f) { f.link.whyUnknown = "Windows error 50"; }, StepId::kPort,
@@ -367,7 +422,9 @@ const Row kLinkRows[] = {
      },
      StepId::kAnswer, kFailed, "has none of the agent's variables", "restart the service"},
     {"AnswerNoSuchName", [](F& f) { f.answer.response.errorStatus = 2; }, StepId::kAnswer, kFailed,
-     "error status 2", "restart the service"},
+     "(error status 2): it has not loaded the agent", "restart the service"},
+    {"AnswerGeneralError", [](F& f) { f.answer.response.errorStatus = 5; }, StepId::kAnswer,
+     kFailed, "answers with the error status 5.", "restart the service"},
     {"AnswerCut", [](F& f) { f.answer.response.bindings.pop_back(); }, StepId::kAnswer, kFailed,
      "lacks corvaneAudioSourcesSilence", "restart the service"},
     {"AnswerOfAnotherType",
@@ -379,12 +436,13 @@ const Row kLinkRows[] = {
 INSTANTIATE_TEST_SUITE_P(Link, BrokenServer, testing::ValuesIn(kLinkRows),
                          [](const auto& row) { return row.param.name; });
 
-TEST(Verdicts, ReportNeverHoldsACommunity) {
-  Facts facts = HealthyFacts();
-  facts.communities.service = Read({Number("s3cret", 4)});
-  for (const Verdict& verdict : Judge(facts, {})) {
-    EXPECT_EQ(verdict.text.find("s3cret"), std::string::npos) << verdict.text;
-    EXPECT_EQ(verdict.action.find("s3cret"), std::string::npos) << verdict.action;
+TEST(Verdicts, FullPathHasADriveOrAServer) {
+  for (const char* path : {R"(C:\)", R"(z:\SNMPd.dll)", R"(\\server\share\SNMPd.dll)"}) {
+    EXPECT_TRUE(IsFullPath(path)) << path;
+  }
+  for (const char* path : {"", "C", "C:", "C:SNMPd.dll", "C:/SNMPd.dll", R"(\SNMPd.dll)",
+                           "SNMPd.dll", R"(agent\SNMPd.dll)", R"(1:\SNMPd.dll)", R"(\)"}) {
+    EXPECT_FALSE(IsFullPath(path)) << path;
   }
 }
 
@@ -425,12 +483,25 @@ TEST(Verdicts, ThisMachineMayBeTheManager) {
 TEST(Verdicts, NoTrapsSkipsTheDestinationsAndTheirEvents) {
   Facts facts = HealthyFacts();
   facts.trapDestinations.service = {};
-  facts.events = {R"(event 1500: SYSTEM\...\Parameters\TrapConfiguration)"};
+  facts.events = {{true, R"(event 1500: SYSTEM\...\Parameters\TrapConfiguration)"}};
   Options options;
   options.noTraps = true;
   const auto verdicts = Judge(facts, options);
   EXPECT_EQ(At(verdicts, StepId::kTraps).status, Status::kSkipped);
   EXPECT_EQ(At(verdicts, StepId::kEvents).status, Status::kOk);
+}
+
+TEST(Verdicts, EventsAreFilteredBeforeTheyAreCut) {
+  Facts facts = HealthyFacts();
+  facts.events.assign(6, {true, "event 1500: TrapConfiguration"});
+  facts.events.insert(facts.events.end(), 6, {false, "event 1001: x"});
+  for (const char* text : {"1", "2", "3", "4", "5", "6"}) facts.events.push_back({true, text});
+  Options options;
+  options.noTraps = true;
+  const Verdict verdict = At(Judge(facts, options), StepId::kEvents);
+  EXPECT_EQ(verdict.status, Status::kFailed);
+  EXPECT_THAT(verdict.text, HasSubstr("6 error(s)"));
+  EXPECT_THAT(verdict.details, testing::ElementsAre("1", "2", "3", "4", "5"));
 }
 
 TEST(Verdicts, UnknownCommunityOfAnOptionIsReported) {

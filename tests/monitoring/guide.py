@@ -2,6 +2,7 @@
 
     guide.py log-lines PROJECT       lines of the guide's log that no source can print
     guide.py check-lines PROJECT     the same for the lines that corvane-check looks for
+    guide.py error-lines PROJECT     error lines of the agent that corvane-check does not explain
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
     guide.py alerts GUIDE            alert and waiting time of its table
@@ -14,18 +15,24 @@ import sys
 
 LEVELS = "(Info|Warning|Error)"
 SOURCES = ("agent", "messages", "net", "Src")
+# Only a fault of the agent itself leads to these lines, so that the maker must see them. That is what
+# corvane-check says of a line that it does not know.
+NOT_EXPLAINED = ("+++ ASSERT(%s) failed at %s(%d)", "Vask::JsonSocket::OnJsonMessageNull message")
 
 
 def read(*path):
     return pathlib.Path(*path).read_text(encoding="utf-8")
 
 
-def texts(project):
-    """Returns each text in the sources from which the agent can make a line of the log."""
+def texts(project, before=""):
+    """Returns each text in the sources from which the agent can make a line of the log.
+
+    `before` is a regular expression for the code before the text.
+    """
     for folder in SOURCES:
         for source in sorted(pathlib.Path(project, folder).rglob("*.cpp")):
             code = re.sub(r'"\s*\n\s*"', "", read(source))
-            for text in re.findall(r'"((?:[^"\\\n]|\\.)*)"', code):
+            for text in re.findall(before + r'"((?:[^"\\\n]|\\.)*)"', code):
                 text = text.removesuffix("\\n")
                 if len(re.sub(r"%\w", "", text)) > 3:
                     yield text
@@ -51,15 +58,35 @@ def log_lines(project):
     return unknown([line for _, line in quoted], project)
 
 
-def check_lines(project):
+def wanted_lines(project):
+    """Returns level and text of each line that corvane-check looks for."""
     code = re.sub(r'"\s*\n\s*"', "", read(project, "check/LogReader.h") + read(project, "check/LogReader.cpp"))
-    wanted = [line for _, line in re.findall(rf'"{LEVELS}: ([^"\n]+)"', code)]
-    assert len(wanted) == 21, f"corvane-check looks for {len(wanted)} lines"
-    known = [re.sub(r"%[a-z]", "1", text) for text in texts(project)]
+    return re.findall(rf'"{LEVELS}: ([^"\n]+)"', code)
+
+
+def is_line(line, text):
+    """Whether the line, in which * stands for anything, can be made from the text of a source."""
+    return re.fullmatch(re.escape(line).replace(r"\*", ".*"), re.sub(r"%[a-z]", "1", text))
+
+
+def check_lines(project):
+    wanted = [line for _, line in wanted_lines(project)]
+    assert len(wanted) == 27, f"corvane-check looks for {len(wanted)} lines"
+    known = list(texts(project))
     for line in wanted:
-        expression = re.escape(line).replace(r"\*", ".*")
-        if not any(re.fullmatch(expression, text) for text in known):
+        if not any(is_line(line, text) for text in known):
             yield line
+
+
+def error_lines(project):
+    errors = [*texts(project, r"\b(?:Error|Report|ReportError)\(\s*(?:\w+,\s*)?"),
+              *texts(project, r"Raised\[\] = ")]
+    assert len(errors) > 25, f"the sources have {len(errors)} errors"
+    explained = [line for level, line in wanted_lines(project) if level == "Error"]
+    for text in errors:
+        if text not in NOT_EXPLAINED and not any(is_line(line, text) for line in explained):
+            yield text
+    yield from (f"{text} (no source has it)" for text in NOT_EXPLAINED if text not in errors)
 
 
 def rows(guide, first):
@@ -95,6 +122,7 @@ def files(project):
 
 if __name__ == "__main__":
     print("\n".join({
-        "log-lines": log_lines, "check-lines": check_lines, "variables": variables, "traps": traps, "alerts": alerts,
+        "log-lines": log_lines, "check-lines": check_lines, "error-lines": error_lines,
+        "variables": variables, "traps": traps, "alerts": alerts,
         "files": files,
     }[sys.argv[1]](sys.argv[2])))
