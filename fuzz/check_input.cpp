@@ -37,9 +37,14 @@ void ReadLog(const std::string& bytes) {
 }
 
 void ReadRule(const std::string& bytes) {
+  Check::FirewallFacts firewall;
+  firewall.rules = {bytes};
+  firewall.policyRules = {bytes};
   std::string limits;
-  const auto passage = Check::PassageOf({bytes}, {"Public", true, false, {}}, limits);
-  FUZZ_EXPECT((passage == Check::Passage::kLimited) == !limits.empty());
+  const auto passage =
+      Check::PassageOf(firewall, Check::FirewallProfile{"Public", true, false, true, {}}, limits);
+  FUZZ_EXPECT((passage == Check::Passage::kLimited || passage == Check::Passage::kLocalSubnet) ==
+              !limits.empty());
 }
 
 void Quote(const std::string& bytes) {
