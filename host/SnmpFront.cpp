@@ -10,6 +10,7 @@ namespace {
 
 constexpr const char kApplication[] = "snmphost";
 
+// cppcheck-suppress passedByValue ; netsnmp_config needs a text that it may change
 void Configure(std::string line) {
   netsnmp_config(line.data());
 }

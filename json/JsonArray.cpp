@@ -5,6 +5,7 @@
 namespace Vask {
 
 void JsonArray::AppendAdopted(Json* value, ValueMemory* memory) {
+  // cppcheck-suppress legacyUninitvar ; cppcheck takes the placement new for a use of the pointer
   Cell* cell = ::new (ValueMemory::Take(memory, sizeof(Cell))) Cell{value, nullptr};
   (m_tail != nullptr ? m_tail->next : m_head) = cell;
   m_tail = cell;

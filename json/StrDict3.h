@@ -368,7 +368,7 @@ bool StrDict3<T>::Find(const char* key, const Node*& outNode) const noexcept {
     at += same;
   }
   outNode = parent;
-  return true;
+  return parent != nullptr;  // never null: a key that is not empty has a first piece
 }
 
 template <class T>

@@ -28,6 +28,8 @@ class ILineSource {
 class StandardInputLines final : public ILineSource {
  public:
   StandardInputLines();
+  StandardInputLines(const StandardInputLines&) = delete;
+  StandardInputLines& operator=(const StandardInputLines&) = delete;
   LineState NextLine(std::string& line) override;
 
  private:

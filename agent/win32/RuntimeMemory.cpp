@@ -88,11 +88,13 @@ void __wrap_free(void* block) {
   IsSlot(block) ? ReleaseSlot(block) : __real_free(block);
 }
 
+// NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): the library's delete calls free
 void* operator new(std::size_t bytes) {
   void* const block = __real_malloc(bytes);
   return block != nullptr ? block : throw std::bad_alloc();
 }
 
+// NOLINTNEXTLINE(cert-dcl54-cpp,misc-new-delete-overloads): the library's delete calls free
 void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
   return __real_malloc(bytes);
 }

@@ -178,7 +178,8 @@ Registry::Value ReadText(HKEY key, const std::u16string& name) {
       ERROR_SUCCESS) {
     return {};
   }
-  return Value{Registry::ValueKind::Text, FromWide(text.c_str())};
+  text.resize(std::char_traits<char16_t>::length(text.c_str()));
+  return Value{Registry::ValueKind::Text, FromWide(text)};
 }
 
 class WindowsRegistry final : public Registry {
