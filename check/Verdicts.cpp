@@ -55,13 +55,13 @@ std::string VariableNameOf(const Oid& requested) {
 
 Verdict Failed(StepId step, std::string text, const std::string& action,
                std::vector<std::string> details) {
-  std::string toDo = action;
-  if (toDo.empty()) {
-    toDo = StepOf(step).ifNot;
-    toDo.erase(std::remove(toDo.begin(), toDo.end(), '`'), toDo.end());
-    toDo += '.';
+  std::string advice = action;
+  if (advice.empty()) {
+    advice = StepOf(step).ifNot;
+    advice.erase(std::remove(advice.begin(), advice.end(), '`'), advice.end());
+    advice += '.';
   }
-  return {step, Status::kFailed, std::move(text), toDo, std::move(details)};
+  return {step, Status::kFailed, std::move(text), std::move(advice), std::move(details)};
 }
 
 bool SameText(std::string_view one, std::string_view other) {

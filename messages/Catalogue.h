@@ -11,7 +11,7 @@
 //   X(name, body, role)
 //     body  RECORD: a header of this folder defines the record and its decoder.
 //           FIELDLESS: nothing is read and any object is accepted.
-//     role  ANSWER: answers the request on the line above. MESSAGE: any other.
+//     role  ANSWER: the response to the request on the line above. MESSAGE: any other.
 //
 // Names are matched whole and without regard to case. A released message keeps its
 // place. A trailing 2 marks an extended version; both versions stay.

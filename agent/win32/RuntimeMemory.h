@@ -9,7 +9,7 @@ namespace Agent {
 // its reserve, and for each thread's list of exceptions. If one of these
 // allocations fails, the library throws again until the stack overflows, or ends
 // the process. This file therefore serves what the library needs: the linker
-// wraps malloc and its kin, and the file defines the library's function for the
+// wraps malloc, calloc, realloc and free, and the file defines the library's function for the
 // list. The latter also keeps the library from making a thread-specific value,
 // which would leave handles behind at every unload.
 

@@ -65,7 +65,7 @@ TEST_F(MyConnectNotifyTest, ConnectionIsLoggedAndSetsLinkStatus) {
 }
 
 // Records each line together with the value of `LinkStatus` at that moment.
-class StatusAtEachLine final : public Vask::IDailyLog {
+class StatusAtEachLine final : public Vask::Tests::LinesOnlyLog {
  public:
   explicit StatusAtEachLine(MibTable& variables) : m_variables(variables) {
     Vask::LogPrinter::Instance().SetTarget(this);
@@ -76,13 +76,6 @@ class StatusAtEachLine final : public Vask::IDailyLog {
   void Warning(const char* text) override { Note(text); }
   void Error(const char*) override {}
   void Trace(const char*) override {}
-  bool EnableSyslog(const char*, std::int32_t) override { return false; }
-  void DisableSyslog() override {}
-  void AddListener(IListener*) override {}
-  void RemoveListener(IListener*) override {}
-  void SetDaysToKeep(std::uint32_t) override {}
-  const char* GetFolder() override { return ""; }
-  bool EnumerateLogFiles(LogFileCallback, void*) override { return true; }
 
   Lines notes;
 

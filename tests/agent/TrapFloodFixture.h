@@ -6,6 +6,7 @@
 
 #include "agent/Traps.h"
 #include "tests/agent/AgentFixture.h"
+#include "tests/support/RecordingLog.h"
 #include "tests/support/WholeAgent.h"
 
 namespace Agent::Tests {
@@ -14,7 +15,7 @@ inline constexpr std::uint32_t kFlood = 100'000;
 
 // Keeps no line, so that a flood measures the queue and not the memory of the
 // log.
-class SilentLog final : public Vask::IDailyLog {
+class SilentLog final : public Vask::Tests::LinesOnlyLog {
  public:
   SilentLog() { Vask::LogPrinter::Instance().SetTarget(this); }
   ~SilentLog() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
@@ -22,13 +23,6 @@ class SilentLog final : public Vask::IDailyLog {
   void Warning(const char*) override {}
   void Error(const char*) override {}
   void Trace(const char*) override {}
-  bool EnableSyslog(const char*, std::int32_t) override { return false; }
-  void DisableSyslog() override {}
-  void AddListener(IListener*) override {}
-  void RemoveListener(IListener*) override {}
-  void SetDaysToKeep(std::uint32_t) override {}
-  const char* GetFolder() override { return ""; }
-  bool EnumerateLogFiles(Vask::IDailyLog::LogFileCallback, void*) override { return true; }
 
   std::atomic<std::uint32_t> lines{0};
 };
