@@ -117,7 +117,7 @@ def start_servers(count, targets, started):
 def start_monitoring(monitoring, servers, started):
     """Returns the mailbox when Prometheus has values from all servers and no alert."""
     say(f"Starting Prometheus, Alertmanager and {len(monitoring.exporters)} snmp_exporter")
-    mailbox = Mailbox()
+    mailbox = Mailbox(WORK / "mails")
     mailbox.start()
     started.callback(mailbox.stop)
     started.callback(monitoring.stop)

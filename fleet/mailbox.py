@@ -25,13 +25,16 @@ def read_mail(data):
 
 
 class Mailbox:
-    """The mails that have arrived. A thread of its own adds them."""
+    """The mails that have arrived. A thread of its own adds them, and writes each of them to a file."""
 
-    def __init__(self):
+    def __init__(self, folder):
         self.mails = []
-        self._controller = Controller(self, hostname="127.0.0.1", port=PORT)
+        self._folder = folder
+        self._controller = None
 
     def start(self):
+        self._folder.mkdir()
+        self._controller = Controller(self, hostname="127.0.0.1", port=PORT)
         self._controller.start()
 
     def stop(self):
@@ -43,5 +46,7 @@ class Mailbox:
 
     async def handle_DATA(self, _server, _session, envelope):
         """The library calls this for each mail."""
+        number = len(self.mails) + 1
+        (self._folder / f"{number}.eml").write_bytes(envelope.content)
         self.mails.append(read_mail(envelope.content))
         return "250 OK"

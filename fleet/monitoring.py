@@ -125,7 +125,7 @@ class Monitoring:
             exporter.start()
         self._run("alertmanager", "prometheus-alertmanager", "--config.file=alertmanager.yml",
                   "--storage.path=alertmanager", f"--web.listen-address={ALERTMANAGER}",
-                  "--cluster.listen-address=")
+                  "--cluster.listen-address=", "--log.level=debug")
         self._run("prometheus", "prometheus", "--config.file=prometheus.yml",
                   "--storage.tsdb.path=data", f"--web.listen-address={PROMETHEUS}")
         for address in (ALERTMANAGER, PROMETHEUS):
