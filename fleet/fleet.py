@@ -125,6 +125,7 @@ def start_monitoring(monitoring, servers, started):
     monitoring.start()
     wait_until(lambda: len(monitoring.query("corvane_streams > 0")) == len(servers)
                and monitoring.alerts() == (set(), set()), PHASE_SECONDS, "not all servers have values and no alert")
+    monitoring.start_alertmanager()
     for labels, number in monitoring.query('count by (exporter) (up{job="corvane"} == 1)'):
         say(f"The exporter {labels['exporter']} asks {number:.0f} servers")
     return mailbox

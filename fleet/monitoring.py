@@ -120,16 +120,20 @@ class Monitoring:
     def start(self):
         self._write("corvane.rules.yml", quicken(self._read("corvane.rules.yml")))
         self._write("prometheus.yml", for_these_servers(self._read("prometheus.yml"), self._shards))
-        self._write("alertmanager.yml", send_at_once(self._read("alertmanager.yml")))
         for exporter in self.exporters:
             exporter.start()
-        self._run("alertmanager", "prometheus-alertmanager", "--config.file=alertmanager.yml",
-                  "--storage.path=alertmanager", f"--web.listen-address={ALERTMANAGER}",
-                  "--cluster.listen-address=", "--log.level=debug")
         self._run("prometheus", "prometheus", "--config.file=prometheus.yml",
                   "--storage.tsdb.path=data", f"--web.listen-address={PROMETHEUS}")
-        for address in (ALERTMANAGER, PROMETHEUS):
-            wait_until(lambda it=address: self._is_ready(it), 60, f"{address} is not ready")
+        wait_until(lambda: self._is_ready(PROMETHEUS), 60, "Prometheus is not ready")
+
+    def start_alertmanager(self):
+        """Call this when no alert fires. Prometheus needs five seconds to find its targets: this is the
+        shortened waiting time of the alert that there are none."""
+        self._write("alertmanager.yml", send_at_once(self._read("alertmanager.yml")))
+        self._run("alertmanager", "prometheus-alertmanager", "--config.file=alertmanager.yml",
+                  "--storage.path=alertmanager", f"--web.listen-address={ALERTMANAGER}",
+                  "--cluster.listen-address=")
+        wait_until(lambda: self._is_ready(ALERTMANAGER), 60, "Alertmanager is not ready")
 
     def alerts(self):
         """Returns two sets of (server, alert) pairs: firing now, and pending now.
