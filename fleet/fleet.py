@@ -18,6 +18,7 @@ from course import Course
 from doorway import Doorway
 from faults import EXPORTER, JOB, faults_of
 from mailbox import Mailbox
+from measure import TRAP_ADDRESS, TrapReceiver, measure_scrapes, measure_storm
 from monitoring import ALERTMANAGER, PROMETHEUS, Monitoring, read_shards
 from programs import ProgramFault, wait_until
 from report import print_table, verdict
@@ -55,6 +56,7 @@ def read_options():
     parser.add_argument("--picture", type=pathlib.Path)
     parser.add_argument("--shards", action="store_true")
     parser.add_argument("--stay", action="store_true")
+    parser.add_argument("--measure", action="store_true")
     return parser.parse_args()
 
 
@@ -71,8 +73,12 @@ def show(options, started):
     page = (TOP / "docs" / "scaling.md").read_text(encoding="utf-8")
     monitoring = Monitoring(TOP / "monitoring" / "prometheus", WORK / "monitoring",
                             read_shards(page) if options.shards else None)
-    servers = start_servers(options.count, monitoring.targets, started)
+    sinks = [TRAP_ADDRESS] if options.measure else []
+    servers = start_servers(options.count, monitoring.targets, sinks, started)
     mailbox = start_monitoring(monitoring, servers, started)
+    if options.measure:
+        measure(monitoring, mailbox, servers, started)
+        return True
     if options.stay:
         stay(servers)
     courses = [Course(server, faults_of(number)) for number, server in enumerate(servers, 1)]
@@ -98,13 +104,13 @@ def show(options, started):
     return verdict(rows, mailbox.mails, watch.strays)
 
 
-def start_servers(count, targets, started):
+def start_servers(count, targets, trap_sinks, started):
     """Starts the same program of all servers, then waits for all of them."""
     say(f"Starting {count} servers: corvane-sim and snmphost with SNMPd.so, each in its own network")
     network.make_bridge()
     servers = []
     for number in range(1, count + 1):
-        servers.append(Server(number, BUILD, WORK, targets))
+        servers.append(Server(number, BUILD, WORK, targets, trap_sinks))
         started.callback(servers[-1].stop)
     network.connect([server.network for server in servers])
     network.write_hosts(WORK / "hosts", servers)
@@ -129,6 +135,14 @@ def start_monitoring(monitoring, servers, started):
     for labels, number in monitoring.query('count by (exporter) (up{job="corvane"} == 1)'):
         say(f"The exporter {labels['exporter']} asks {number:.0f} servers")
     return mailbox
+
+
+def measure(monitoring, mailbox, servers, started):
+    say("Measuring scrapes for a minute, then a storm of traps and alerts")
+    measure_scrapes(monitoring, servers)
+    receiver = TrapReceiver(TOP / "monitoring" / "snmptrapd" / "corvane-trap", WORK)
+    started.callback(receiver.stop)
+    measure_storm(monitoring, mailbox, servers, receiver)
 
 
 def stay(servers):

@@ -107,13 +107,14 @@ class Monitoring:
 
     def __init__(self, delivered, folder, shards=None):
         self._delivered = delivered
-        self._folder = folder
+        self.folder = folder
         self._shards = shards
         folder.mkdir(parents=True)
         self.targets = Targets(folder)
         self.exporters = [Exporter(name, delivered / "snmp-corvane-0.22.yml", folder)
                           for name in EXPORTERS[:2 if shards else 1]]
-        self.programs = []
+        self.prometheus = None
+        self.alertmanager = None
         # A proxy from the environment cannot reach this network.
         self._opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
 
@@ -122,17 +123,17 @@ class Monitoring:
         self._write("prometheus.yml", for_these_servers(self._read("prometheus.yml"), self._shards))
         for exporter in self.exporters:
             exporter.start()
-        self._run("prometheus", "prometheus", "--config.file=prometheus.yml",
-                  "--storage.tsdb.path=data", f"--web.listen-address={PROMETHEUS}")
+        self.prometheus = self._run("prometheus", "prometheus", "--config.file=prometheus.yml",
+                                    "--storage.tsdb.path=data", f"--web.listen-address={PROMETHEUS}")
         wait_until(lambda: self._is_ready(PROMETHEUS), 60, "Prometheus is not ready")
 
     def start_alertmanager(self):
         """Call this when no alert fires. Prometheus needs five seconds to find its targets: this is the
         shortened waiting time of the alert that there are none."""
         self._write("alertmanager.yml", send_at_once(self._read("alertmanager.yml")))
-        self._run("alertmanager", "prometheus-alertmanager", "--config.file=alertmanager.yml",
-                  "--storage.path=alertmanager", f"--web.listen-address={ALERTMANAGER}",
-                  "--cluster.listen-address=")
+        self.alertmanager = self._run("alertmanager", "prometheus-alertmanager", "--config.file=alertmanager.yml",
+                                      "--storage.path=alertmanager", f"--web.listen-address={ALERTMANAGER}",
+                                      "--cluster.listen-address=")
         wait_until(lambda: self._is_ready(ALERTMANAGER), 60, "Alertmanager is not ready")
 
     def alerts(self):
@@ -153,24 +154,26 @@ class Monitoring:
         return [(series["metric"], float(series["value"][1])) for series in result]
 
     def stop(self):
-        for program in reversed(self.programs):
+        for program in reversed(self._programs()):
             program.stop()
-        for exporter in self.exporters:
-            if exporter.program:
-                exporter.stop()
 
     def _read(self, name):
         return (self._delivered / name).read_text(encoding="utf-8")
 
     def _write(self, name, text):
-        (self._folder / name).write_text(text, encoding="utf-8")
+        (self.folder / name).write_text(text, encoding="utf-8")
 
     def _run(self, name, *command):
         # The pages of Prometheus show file names as given here, so these are relative.
-        self.programs.append(Program(command, self._folder / f"{name}.log", cwd=self._folder))
+        return Program(command, self.folder / f"{name}.log", cwd=self.folder)
+
+    def _programs(self):
+        """The programs that were started."""
+        programs = [*(exporter.program for exporter in self.exporters), self.prometheus, self.alertmanager]
+        return [program for program in programs if program]
 
     def _is_ready(self, address):
-        for program in [*self.programs, *(exporter.program for exporter in self.exporters)]:
+        for program in self._programs():
             if not program.is_running():
                 raise ProgramFault(f"{program.name} ended: {program.said()[-500:].strip()}")
         try:

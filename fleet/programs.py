@@ -62,6 +62,10 @@ class Program:
     def thaw(self):
         self._process.send_signal(signal.SIGCONT)
 
+    def end(self):
+        """Asks the program to end, and does not wait."""
+        self._process.terminate()
+
     def stop(self):
         """Asks the program to end, and kills it after ten seconds."""
         if self.is_running():

@@ -18,16 +18,17 @@ class Server:
     at the same time.
     """
 
-    def __init__(self, number, build, folder, targets):
+    def __init__(self, number, build, folder, targets, trap_sinks=()):
         self.name = f"corvane{number}.example.org"
         self._build = build
         self._targets = targets
+        self._trap_sinks = [word for sink in trap_sinks for word in ("--trap-sink", sink)]
         self._folder = folder / f"server{number}"
         self._folder.mkdir(parents=True)
         self.network = Namespace(number, self._folder)
         self.address = self.network.address
         self._corvane = None
-        self._service = None
+        self.service = None
 
     def launch_corvane(self):
         self._corvane = self._run("corvane-sim", [self._build / "corvane-sim"])
@@ -41,6 +42,10 @@ class Server:
 
     def stop_corvane(self):
         self._corvane.stop()
+
+    def end_corvane(self):
+        """The same without waiting for the end."""
+        self._corvane.end()
 
     def freeze_corvane(self):
         """The process stands still, and its connections stay open."""
@@ -58,15 +63,16 @@ class Server:
         self._corvane.tell(*(f"set {name} {value}" for name, value in values.items()), f"send {group}")
 
     def launch_agent(self):
-        self._service = self._run("snmphost", [
-            self._build / "snmphost", "--listen", self._listen_address(), self._build / "SNMPd.so"])
+        self.service = self._run("snmphost", [
+            self._build / "snmphost", "--listen", self._listen_address(), *self._trap_sinks,
+            self._build / "SNMPd.so"])
 
     def await_agent(self, connection=1):
         """Returns when the agent has this connection, counted from the start of the Corvane server.
 
         The Corvane server sends its values now. The agent itself requests them after 15 seconds.
         """
-        self._service.await_text("Serving")
+        self.service.await_text("Serving")
         self._corvane.await_text("\nconnected", times=connection)
         self._corvane.tell("send Update")
 
@@ -81,17 +87,17 @@ class Server:
         """The same without values from the Corvane server."""
         self._stop_service()
         self.launch_agent()
-        self._service.await_text("Serving")
+        self.service.await_text("Serving")
 
     def lose_agent(self):
         """Restarts the SNMP service without the agent. The service still responds."""
         self._stop_service()
         configuration = self._folder / "snmpd.conf"
         configuration.write_text("rocommunity public\n", encoding="ascii")
-        self._service = self._run("snmpd", [
+        self.service = self._run("snmpd", [
             "/usr/sbin/snmpd", "-f", "-Lo", "-C", "-c", configuration, "-I", "-smux",
             self._listen_address()])
-        self._service.await_text("NET-SNMP version")
+        self.service.await_text("NET-SNMP version")
 
     def cut_network(self):
         self.network.cut()
@@ -118,8 +124,8 @@ class Server:
                        cwd=self._folder, env=os.environ | settings)
 
     def _stop_service(self):
-        if self._service:
-            self._service.stop()
+        if self.service:
+            self.service.stop()
 
     def _listen_address(self):
         return f"udp:{self.address}:{SNMP_PORT}"
