@@ -46,12 +46,16 @@ class Namespace:
         self._card = f"server{number}"
         self._holder = Program(["unshare", "--net", "sleep", "infinity"], None, cwd=folder)
 
+    # No card has an address of IPv6: each would send packets of its own to all servers.
+
     def outer_commands(self):
         return [f"link add {self._card} type veth peer name eth0 netns {self._holder.pid}",
+                f"link set {self._card} addrgenmode none",
                 f"link set {self._card} master {BRIDGE} up"]
 
     def inner_commands(self):
-        return [f"address add {self.address}/{SUBNET.prefixlen} dev eth0", "link set eth0 up", "link set lo up"]
+        return ["link set eth0 addrgenmode none", f"address add {self.address}/{SUBNET.prefixlen} dev eth0",
+                "link set eth0 up", "link set lo up"]
 
     def identity(self):
         """The kernel's name of the holder's network. It changes when the holder has made its own."""
