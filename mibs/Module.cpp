@@ -35,6 +35,9 @@ corvane MODULE-IDENTITY
         All objects are read-only.  A Get request may name an object with or
         without .0 at the end.  GetNext and GetBulk return the name without .0.
 
+        The agent reports what the server software has sent.  If that software
+        hangs, the link stays up and all objects keep their last values.
+
         Notifications are SNMPv1 enterprise-specific traps without variable
         bindings.  The enterprise is the identifier of this module.  The
         specific-trap number is the last number of the notification's
