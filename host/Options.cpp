@@ -118,8 +118,8 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
 }
 
 const char* HelpText() {
-  return "snmphost [OPTION]... MODULE\n"
-         "snmphost [OPTION]... --registered\n"
+  return "usage: snmphost [OPTION]... MODULE\n"
+         "   or: snmphost [OPTION]... --registered\n"
          "\n"
          "Loads an SNMP extension agent as the Windows SNMP service does, and answers\n"
          "SNMPv1, SNMPv2c and SNMPv3 managers with its variables.\n"
@@ -138,9 +138,13 @@ const char* HelpText() {
          "  --agentx SOCKET         be a subagent of the snmpd behind this AgentX socket,\n"
          "                          which then does all of the above with its own settings.\n"
          "                          While snmpd is away, up to 1000 traps wait for its return\n"
-         "  --help, --version\n"
+         "  --help                  print this text\n"
+         "  --version               print the version\n"
          "\n"
-         "On SIGINT, SIGTERM and SIGHUP it unloads the module and ends.\n";
+         "On SIGINT, SIGTERM and SIGHUP it unloads the module and ends with status 0.\n"
+         "\n"
+         "The exit status is 0 after a signal, --help and --version, 1 if it cannot load the\n"
+         "module or cannot listen, and 2 if an argument is wrong.\n";
 }
 
 }  // namespace Host
