@@ -36,6 +36,9 @@ corvane MODULE-IDENTITY
         identifier, and for its identifier with any numbers appended.  Managers
         append .0.  GetNext and GetBulk return the identifier alone.
 
+        The agent reports what the server software has sent.  If that software
+        hangs, the link stays up and all objects keep their last values.
+
         Notifications are SNMPv1 enterprise-specific traps without variable
         bindings.  The enterprise is the identifier of this module.  The
         specific-trap number is the last number of the notification's
