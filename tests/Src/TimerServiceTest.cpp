@@ -15,6 +15,7 @@
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/ForwardingThreading.h"
+#include "tests/support/RecordingLog.h"
 #include "tests/support/ScriptedThreading.h"
 
 namespace Vask::Tests {
@@ -409,8 +410,24 @@ TEST(TimerServiceThreadTest, StoppingWaitsForACallThatHasBegun) {
   releasing.join();
 }
 
+class JoinCounter final : public ForwardingThreading {
+ public:
+  int joined = 0;
+
+  void JoinThread(Platform::NativeHandle thread,
+                  Platform::NativeHandle finished) noexcept override {
+    ForwardingThreading::JoinThread(thread, finished);
+    ++joined;
+  }
+};
+
 TEST(TimerServiceThreadTest, TheDestructorStopsARunningService) {
-  ASSERT_TRUE(TimerService().StartService());
+  FakeClock clock;
+  JoinCounter threading;
+  RecordingLog log;
+  ASSERT_TRUE(TimerService(clock, threading).StartService());
+  EXPECT_EQ(threading.joined, 1);
+  EXPECT_EQ(log.Lines(), Calls()) << "the thread class reports a thread that was not stopped";
 }
 
 }  // namespace
