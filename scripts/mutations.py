@@ -5,6 +5,7 @@ grammar. A mutant that does not compile is drawn in vain.
 """
 
 import re
+from collections import Counter
 from typing import NamedTuple
 
 
@@ -14,9 +15,11 @@ class Mutant(NamedTuple):
     kind: str
     old: str  # the changed lines, without their indentation
     new: str
+    nth: int = 1  # of the equal ones in the file
 
     def __str__(self):
-        return f"{self.path}: {self.old} => {self.new}"
+        nth = f" ({self.nth})" if self.nth > 1 else ""
+        return f"{self.path}{nth}: {self.old} => {self.new}"
 
     def apply(self, text):
         """Returns the mutated text of the file."""
@@ -137,6 +140,10 @@ def mutants_of(path, text):
                 after = lines[index + 1].strip()
                 mutants.append(Mutant(path, index + 1, "swap", line + JOINT + after,
                                       after + JOINT + line))
+    counts = Counter()
+    for index, mutant in enumerate(mutants):
+        counts[str(mutant)] += 1
+        mutants[index] = mutant._replace(nth=counts[str(mutant)])
     return mutants
 
 
