@@ -8,31 +8,32 @@ namespace Vask {
 constinit Json::Counter Json::s_constructed{0};
 constinit Json::Counter Json::s_destroyed{0};
 
-inline Json* Json::ReleaseChildren(Json* value, ValueMemory::Returns& returns) noexcept {
+inline Json* Json::ReleaseChildren(Json* value, Freed& freed) noexcept {
   switch (value->m_type) {
     case JsonType::Object:
-      return static_cast<JsonObject*>(value)->ReleaseMembers(returns);
+      return static_cast<JsonObject*>(value)->ReleaseMembers(freed);
     case JsonType::Array:
-      return static_cast<JsonArray*>(value)->ReleaseElements(returns);
+      return static_cast<JsonArray*>(value)->ReleaseElements(freed);
     default:
       return nullptr;
   }
 }
 
 void Json::operator delete(Json* value, std::destroying_delete_t) noexcept {
-  ValueMemory::Returns returns;
+  Freed freed;
   value->m_around = nullptr;
   while (value != nullptr) {
-    if (Json* child = ReleaseChildren(value, returns)) {
+    if (Json* child = ReleaseChildren(value, freed)) {
       child->m_around = value;
       value = child;
       continue;
     }
     Json* around = value->m_around;
     value->~Json();
-    returns.Add(value);
+    freed.memory.Add(value);
     value = around;
   }
+  Count(s_destroyed, freed.scalars);
 }
 
 }  // namespace Vask

@@ -72,12 +72,12 @@ class JsonArray final : public Json {
 
  private:
   friend class Json;
-  Json* ReleaseElements(ValueMemory::Returns& returns) noexcept {
+  Json* ReleaseElements(Freed& freed) noexcept {
     while (Cell* cell = m_head) {
       Json* element = cell->value;
       m_head = cell->next;
-      returns.Add(cell);
-      if (ReleaseChild(element, returns)) return element;
+      freed.memory.Add(cell);
+      if (ReleaseChild(element, freed)) return element;
     }
     return nullptr;
   }

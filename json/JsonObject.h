@@ -105,13 +105,15 @@ class JsonObject final : public Json {
         m_members(&m_nodes) {}
 
   friend class Json;
-  Json* ReleaseMembers(ValueMemory::Returns& returns) noexcept {
+  Json* ReleaseMembers(Freed& freed) noexcept {
     Json* container = nullptr;
     const auto release = [&](Json* member) noexcept {
-      if (ReleaseChild(member, returns)) container = member;
+      if (ReleaseChild(member, freed)) container = member;
       return container == nullptr;
     };
-    const auto free = [&](Dictionary::Node* node) noexcept { m_nodes.FreeNode(node, returns); };
+    const auto free = [&](Dictionary::Node* node) noexcept {
+      m_nodes.FreeNode(node, freed.memory);
+    };
     static_cast<void>(m_members.TakeEach(release, free));
     return container;
   }
