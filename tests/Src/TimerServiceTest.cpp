@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <future>
@@ -375,6 +376,22 @@ TEST(TimerServiceThreadTest, StartsOnceAndStartsAgainAfterStopping) {
   EXPECT_FALSE(service.StartService());
   service.StopService();
   EXPECT_TRUE(service.StartService());
+  service.StopService();
+}
+
+TEST(TimerServiceThreadTest, ARefusedStartLeavesTheServiceRunning) {
+  TimerService service;
+  std::vector<std::string> calls;
+  Client client("client", calls);
+  std::promise<void> called;
+  client.onTimer = [&] {
+    service.KillTimer(&client);
+    called.set_value();
+  };
+  ASSERT_TRUE(service.StartService());
+  EXPECT_FALSE(service.StartService());
+  service.SetTimer(1, &client);
+  EXPECT_EQ(called.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
   service.StopService();
 }
 

@@ -49,6 +49,7 @@ TEST_F(ValueMemoryTest, ManyPiecesTakeOneAllocation) {
   EXPECT_EQ(PiecesPerSlab(64), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(57), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(65), (4096 - 8) / (72 + 8));
+  EXPECT_EQ(PiecesPerSlab(48), 73) << "these fill the slab to its last byte";
 }
 
 TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabHasItsOwnAllocation) {
