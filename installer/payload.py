@@ -29,6 +29,10 @@ class PayloadFile(NamedTuple):
     source: pathlib.Path
     place: str
 
+    def is_page(self):
+        """True if the file in the package is made from Markdown."""
+        return self.source.suffix == ".md" and self.place.endswith(".html")
+
 
 def code(text):
     """Returns a code that depends only on the text."""
