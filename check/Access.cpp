@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "check/VerdictParts.h"
+#include "json/Ascii.h"
 
 namespace Check {
 
@@ -28,11 +29,13 @@ std::vector<std::string> SidsOf(const std::string& account) {
     return sids;
   };
   // Administrators; services and users.
-  if (SameText(name, "LocalSystem") || SameText(name, "SYSTEM")) {
+  if (Vask::EqualsIgnoringCase(name, "LocalSystem") || Vask::EqualsIgnoringCase(name, "SYSTEM")) {
     return add({"S-1-5-18", "S-1-5-32-544"});
   }
-  if (SameText(name, "LocalService")) return add({"S-1-5-19", "S-1-5-6", "S-1-5-32-545"});
-  if (SameText(name, "NetworkService")) return add({"S-1-5-20", "S-1-5-6", "S-1-5-32-545"});
+  if (Vask::EqualsIgnoringCase(name, "LocalService"))
+    return add({"S-1-5-19", "S-1-5-6", "S-1-5-32-545"});
+  if (Vask::EqualsIgnoringCase(name, "NetworkService"))
+    return add({"S-1-5-20", "S-1-5-6", "S-1-5-32-545"});
   return {};
 }
 

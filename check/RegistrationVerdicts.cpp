@@ -95,12 +95,12 @@ std::string MachineWord(std::uint16_t machine) {
 std::vector<const AgentEntry*> OwnEntries(const RegistrationFacts& registration) {
   std::vector<const AgentEntry*> own;
   for (const AgentEntry& entry : registration.agents) {
-    if (SameText(Trimmed(entry.key), kAgentKey)) own.push_back(&entry);
+    if (Vask::EqualsIgnoringCase(Trimmed(entry.key), kAgentKey)) own.push_back(&entry);
   }
   if (!own.empty()) return own;
   // Another maker's agent may have a file of the same name.
   for (const AgentEntry& entry : registration.agents) {
-    if (SameText(FileNameOf(entry.path), kModule)) own.push_back(&entry);
+    if (Vask::EqualsIgnoringCase(FileNameOf(entry.path), kModule)) own.push_back(&entry);
   }
   return own;
 }
@@ -259,10 +259,10 @@ Verdict JudgeLoaded(const Facts& facts) {
                               facts.service.whyNoModules + '.');
   }
   for (const std::string& module : facts.service.modules) {
-    if (SameText(module, path)) return Ok(kStep, "The service has loaded the DLL.");
+    if (Vask::EqualsIgnoringCase(module, path)) return Ok(kStep, "The service has loaded the DLL.");
   }
   for (const std::string& module : facts.service.modules) {
-    if (!SameText(FileNameOf(module), kModule)) continue;
+    if (!Vask::EqualsIgnoringCase(FileNameOf(module), kModule)) continue;
     return Failed(kStep, "The service has loaded " + module + ", which is not the registered file.",
                   "restart the service.");
   }

@@ -2,6 +2,7 @@
 
 #include "check/FirewallRules.h"
 #include "check/VerdictParts.h"
+#include "json/Ascii.h"
 
 namespace Check {
 namespace {
@@ -99,7 +100,7 @@ Verdict JudgeCommunities(const Facts& facts) {
   std::string text = std::to_string(readable.size()) + " of " + std::to_string(key.values.size()) +
                      " communities may read" + PolicyNote(setting) + '.';
   for (const std::string& community : readable) {
-    if (SameText(community, "public")) {
+    if (Vask::EqualsIgnoringCase(community, "public")) {
       text += " One of them is \"public\", which everybody knows.";
     }
   }
@@ -122,7 +123,7 @@ Verdict JudgeManagers(const Facts& facts, const Options& options) {
   bool found = false;
   for (const std::string& manager : managers) {
     found = found || (options.manager.empty() ? !IsThisMachine(manager)
-                                              : SameText(manager, options.manager));
+                                              : Vask::EqualsIgnoringCase(manager, options.manager));
   }
   const std::string list = "The service accepts requests from " + Joined(managers) + note;
   if (found) return Ok(kStep, list + '.');

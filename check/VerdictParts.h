@@ -37,8 +37,6 @@ inline Verdict Skipped(StepId step, std::string text, std::vector<std::string> d
 [[nodiscard]] Verdict Failed(StepId step, std::string text, const std::string& action = {},
                              std::vector<std::string> details = {});
 
-[[nodiscard]] bool SameText(std::string_view one, std::string_view other);  // ASCII case is ignored
-
 // True if a permitted manager is this machine itself.
 [[nodiscard]] bool IsThisMachine(const std::string& manager);
 

@@ -1,11 +1,11 @@
 #include "check/Verdicts.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "agent/ObjectIdentifier.h"
 #include "agent/Variables.h"
 #include "check/VerdictParts.h"
+#include "json/Ascii.h"
 
 namespace Check {
 namespace {
@@ -64,15 +64,9 @@ Verdict Failed(StepId step, std::string text, const std::string& action,
   return {step, Status::kFailed, std::move(text), std::move(advice), std::move(details)};
 }
 
-bool SameText(std::string_view one, std::string_view other) {
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(), [](char a, char b) {
-    return std::tolower(static_cast<unsigned char>(a)) ==
-           std::tolower(static_cast<unsigned char>(b));
-  });
-}
-
 bool IsThisMachine(const std::string& manager) {
-  return SameText(manager, "localhost") || manager == "127.0.0.1" || manager == "::1";
+  return Vask::EqualsIgnoringCase(manager, "localhost") || manager == "127.0.0.1" ||
+         manager == "::1";
 }
 
 std::vector<std::string> TextsOf(const KeyFacts& key) {

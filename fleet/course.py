@@ -1,25 +1,24 @@
 """Runs the faults of one server one after the other, and mends them in reverse order."""
 
-from faults import faults_of
 from report import Row
 
 
 class Course:
-    """The faults of one server.
+    """The faults of one server, or of a part of the monitoring.
 
-    A fault begins when the alert of the previous fault has fired. The last fault is mended first.
-    An earlier fault is mended when the alert of the later one is gone.
+    A fault begins when the alert of the previous fault has fired and was reported. The last fault is
+    mended first. An earlier fault is mended when the alert of the later one is gone.
     """
 
-    def __init__(self, server, number):
+    def __init__(self, server, faults):
         self.server = server
-        self.rows = [Row(server, fault) for fault in faults_of(number)]
+        self.rows = [Row(server, fault) for fault in faults]
         self._at = 0
         self._is_mending = False
 
     @property
-    def has_fired(self):
-        return all(row.has_fired for row in self.rows)
+    def is_reported(self):
+        return all(row.is_reported for row in self.rows)
 
     @property
     def is_over(self):
@@ -33,8 +32,13 @@ class Course:
         self._is_mending = True
         self.rows[self._at].mend_it(now)
 
-    def see(self, firing, now):
-        """Looks at the alerts of the server that fire now, and starts the next step if it is due."""
+    def see(self, firing, mails, now):
+        """Looks at the alerts of the server that fire now, and starts the next step if it is due.
+
+        `mails` are the alerts in all e-mails about the server until now.
+        """
+        for each in self.rows:
+            each.count(firing, mails)
         row = self.rows[self._at]
         # The alerts of earlier faults need a moment to end. They may fire again while the last
         # fault is mended.
@@ -43,6 +47,6 @@ class Course:
         if self._is_mending and row.is_over and self._at > 0:
             self._at -= 1
             self.rows[self._at].mend_it(now)
-        elif not self._is_mending and row.has_fired and self._at + 1 < len(self.rows):
+        elif not self._is_mending and row.is_reported and self._at + 1 < len(self.rows):
             self._at += 1
             self.rows[self._at].break_it(now)

@@ -28,6 +28,16 @@ def write_hosts(file, servers):
     run("mount", "--bind", file, "/etc/hosts")
 
 
+def connect(namespaces):
+    """Gives each namespace its virtual card. All of them have been made before."""
+    own = os.readlink("/proc/self/ns/net")
+    for namespace in namespaces:
+        wait_until(lambda it=namespace: it.identity() not in ("", own), 60, "no network namespace")
+    run("ip", "-batch", "-", lines=[line for namespace in namespaces for line in namespace.outer_commands()])
+    for namespace in namespaces:
+        run(*namespace.inside("ip", "-batch", "-"), lines=namespace.inner_commands())
+
+
 class Namespace:
     """The network of one server. It exists until the sleeping program that holds it ends."""
 
@@ -35,16 +45,20 @@ class Namespace:
         self.address = str(SUBNET[FIRST_SERVER + number])
         self._card = f"server{number}"
         self._holder = Program(["unshare", "--net", "sleep", "infinity"], None, cwd=folder)
-        own = os.readlink("/proc/self/ns/net")
-        wait_until(lambda: self._name_of_holder() not in ("", own), 10, "no network namespace")
-        pid = self._holder.pid
-        run("ip", "link", "add", self._card, "type", "veth", "peer", "name", "eth0", "netns", pid)
-        run("ip", "link", "set", self._card, "master", BRIDGE, "up")
-        for command in (f"address add {self.address}/{SUBNET.prefixlen} dev eth0",
-                        "link set eth0 up", "link set lo up"):
-            run(*self.inside("ip", *command.split()))
 
-    def _name_of_holder(self):
+    # No card has an address of IPv6: each would send packets of its own to all servers.
+
+    def outer_commands(self):
+        return [f"link add {self._card} type veth peer name eth0 netns {self._holder.pid}",
+                f"link set {self._card} addrgenmode none",
+                f"link set {self._card} master {BRIDGE} up"]
+
+    def inner_commands(self):
+        return ["link set eth0 addrgenmode none", f"address add {self.address}/{SUBNET.prefixlen} dev eth0",
+                "link set eth0 up", "link set lo up"]
+
+    def identity(self):
+        """The kernel's name of the holder's network. It changes when the holder has made its own."""
         try:
             return os.readlink(f"/proc/{self._holder.pid}/ns/net")
         except FileNotFoundError:

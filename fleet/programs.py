@@ -1,6 +1,7 @@
 """The programs that the fleet starts. It ends each of them by its process id."""
 
 import contextlib
+import signal
 import subprocess
 import time
 
@@ -38,10 +39,10 @@ class Program:
     def said(self):
         return self._log.read_text(encoding="utf-8", errors="replace")
 
-    def await_text(self, text, seconds=20):
+    def await_text(self, text, seconds=60, times=1):
         """Returns when the output contains `text`. Raises ProgramFault if the program ends first."""
-        wait_until(lambda: text in self.said() or not self.is_running(), seconds,
-                   f"{self.name} did not print '{text}'")
+        wait_until(lambda: self.said().count(text) >= times or not self.is_running(), seconds,
+                   f"{self.name} did not print '{text.strip()}'")
         if not self.is_running():
             raise ProgramFault(f"{self.name} ended: {self.said()[-500:].strip()}")
 
@@ -55,10 +56,21 @@ class Program:
         except subprocess.TimeoutExpired:
             raise ProgramFault(f"{self.name} did not end in {seconds} s") from None
 
+    def freeze(self):
+        self._process.send_signal(signal.SIGSTOP)
+
+    def thaw(self):
+        self._process.send_signal(signal.SIGCONT)
+
+    def end(self):
+        """Asks the program to end, and does not wait."""
+        self._process.terminate()
+
     def stop(self):
         """Asks the program to end, and kills it after ten seconds."""
         if self.is_running():
             self._process.terminate()
+            self.thaw()
         try:
             self._process.wait(10)
         except subprocess.TimeoutExpired:
@@ -68,9 +80,10 @@ class Program:
             self._process.stdin.close()
 
 
-def run(*command):
-    """Runs a short command and waits for its end."""
-    done = subprocess.run([str(word) for word in command], check=False, capture_output=True, text=True)
+def run(*command, lines=None):
+    """Runs a short command and waits for its end. `lines` are its standard input."""
+    done = subprocess.run([str(word) for word in command], check=False, capture_output=True, text=True,
+                          input=lines and "".join(line + "\n" for line in lines))
     if done.returncode != 0:
         raise ProgramFault(f"{' '.join(str(word) for word in command)}: {done.stderr.strip()}")
 

@@ -21,7 +21,7 @@ using namespace Host;
 constexpr int kCannotServe = 1;
 constexpr int kBadCommandLine = 2;
 
-// Signalled once, by the first SIGINT or SIGTERM.
+// Signalled once, by the first signal that ends the host.
 Vask::Platform::NativeHandle stopEvent = nullptr;
 
 extern "C" void Stop(int) {
@@ -41,18 +41,38 @@ void Say(const std::string& line) {
   static_cast<void>(std::fflush(stdout));
 }
 
+// Returns whether the host can be stopped from now on.
+bool CatchSignals() {
+  stopEvent = Vask::Platform::SystemThreading().CreateEvent(Vask::Platform::EventReset::Manual);
+  if (stopEvent == nullptr) return false;
+  static_cast<void>(std::signal(SIGINT, Stop));
+  static_cast<void>(std::signal(SIGTERM, Stop));
+  // nohup ignores this signal, and that must stay.
+  if (std::signal(SIGHUP, Stop) == SIG_IGN) static_cast<void>(std::signal(SIGHUP, SIG_IGN));
+  // A manager may close its connection before the response.
+  static_cast<void>(std::signal(SIGPIPE, SIG_IGN));
+  return true;
+}
+
+std::string Joined(const std::vector<std::string>& texts) {
+  std::string joined;
+  for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+  return joined;
+}
+
 // Starts the module and prints what is served and where.
 void StartModule(ExtensionModule& module, const Options& options, SnmpFront& front) {
   Oid view;
   if (!module.Start(view)) {
     Complain(0, options.module, ": its start failed; the host serves it nevertheless");
   }
-  if (view.empty() || !front.Serve(view)) {
+  if (view.empty() || !front.Serve(module, view)) {
     Complain(0, options.module, ": cannot serve its view [", ToText(view), "]");
     return;
   }
-  const std::string& where = options.agentxSocket.empty() ? options.listen : options.agentxSocket;
-  Say("Serving " + ToText(view) + " at " + where);
+  const bool isSubagent = !options.agentxSocket.empty();
+  Say("Serving " + ToText(view) + " at " +
+      (isSubagent ? options.agentxSocket : Joined(options.listen)));
 }
 
 // Stores the registered agent's path in the options. False if there is none.
@@ -73,20 +93,17 @@ bool FindModule(Options& options) {
 }
 
 int Serve(Options& options) {
-  std::string error;
+  if (!CatchSignals()) return Complain(kCannotServe, "cannot create the event that stops the host");
   if (options.registered && !FindModule(options)) return kCannotServe;
-  const std::unique_ptr<ExtensionModule> module = ExtensionModule::Load(options.module, error);
-  if (module == nullptr) return Complain(kCannotServe, options.module, ": ", error);
-  SnmpFront front(options, *module);
+  std::unique_ptr<ExtensionModule> module;  // outlives the front, which calls it
+  SnmpFront front(options);
+  std::string error;
+  // A module that is loaded and never started may log its end, which only confuses.
   if (!front.Open(error)) return Complain(kCannotServe, error);
-
-  stopEvent = Vask::Platform::SystemThreading().CreateEvent(Vask::Platform::EventReset::Manual);
-  if (stopEvent == nullptr)
-    return Complain(kCannotServe, "cannot create the event that stops the host");
-  static_cast<void>(std::signal(SIGINT, Stop));
-  static_cast<void>(std::signal(SIGTERM, Stop));
+  module = ExtensionModule::Load(options.module, error);
+  if (module == nullptr) return Complain(kCannotServe, options.module, ": ", error);
   StartModule(*module, options, front);
-  front.Run(Vask::Platform::EventDescriptor(stopEvent));
+  front.Run(*module, Vask::Platform::EventDescriptor(stopEvent));
   Say("Stopping");
   return 0;
 }

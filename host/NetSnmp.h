@@ -11,6 +11,8 @@
 
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
+#include <net-snmp/agent/agent_callbacks.h>
+
 #include <vector>
 
 #include "host/ExtensionModule.h"

@@ -8,9 +8,9 @@ namespace Host {
 // The options of the command line.
 struct Options {
   std::string module;
-  bool registered = false;  // true: find the module by its registration
-  std::string listen = "udp:127.0.0.1:1161";
-  std::string community = "public";
+  bool registered = false;               // true: find the module by its registration
+  std::vector<std::string> listen;       // empty only behind AgentX
+  std::vector<std::string> communities;  // empty only behind AgentX; traps carry the first one
   std::vector<std::string> trapSinks;
   std::string agentxSocket;  // empty: the host is an agent itself
   std::string user;          // empty: no SNMPv3 user

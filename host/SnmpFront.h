@@ -2,11 +2,13 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/ExtensionModule.h"
 #include "host/Options.h"
 #include "host/TrapSender.h"
 #include "host/ViewHandler.h"
+#include "host/WaitingTraps.h"
 
 namespace Host {
 
@@ -15,35 +17,36 @@ namespace Host {
 // system's configuration of net-snmp and leaves no files behind.
 class SnmpFront {
  public:
-  SnmpFront(const Options& options, ExtensionModule& module)
-      : m_options(options), m_module(module) {}
+  explicit SnmpFront(const Options& options) : m_options(options) {}
   ~SnmpFront();
   SnmpFront(const SnmpFront&) = delete;
   SnmpFront& operator=(const SnmpFront&) = delete;
 
-  // Opens the listening address and the trap sinks, or the connection to the
+  // Opens the listening addresses and the trap sinks, or the connection to the
   // AgentX master. False on failure; `error` is then the reason.
   [[nodiscard]] bool Open(std::string& error);
 
   // Serves the module's variables under this identifier. False if net-snmp refuses
-  // it.
-  [[nodiscard]] bool Serve(const Oid& view);
+  // it. The module must outlive this object.
+  [[nodiscard]] bool Serve(ExtensionModule& module, const Oid& view);
 
-  // Answers managers and sends traps until `stopDescriptor` is readable.
-  void Run(int stopDescriptor);
+  // Answers managers and sends the module's traps until `stopDescriptor` is readable.
+  void Run(ExtensionModule& module, int stopDescriptor);
 
  private:
-  [[nodiscard]] bool MakeStateFolder(std::string& error);
+  [[nodiscard]] bool Initialise(std::string& error);
+  [[nodiscard]] bool Listen(const std::string& address, std::string& error);
   [[nodiscard]] bool IsSubagent() const { return !m_options.agentxSocket.empty(); }
   void PrepareLibrary();
   void GrantAccess();
-  void SendTraps();
+  void TakeTraps(ExtensionModule& module);
+  void SendOneToMaster();
 
   const Options& m_options;
-  ExtensionModule& m_module;
   TrapSender m_traps;
+  WaitingTraps m_waiting;
+  std::vector<std::string> m_socketFiles;
   std::unique_ptr<ViewHandler> m_handler;
-  std::string m_stateFolder;
   bool m_initialised = false;
 };
 

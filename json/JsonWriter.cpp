@@ -65,7 +65,7 @@ std::size_t AppendSpecial(std::string& out, std::string_view text, char treatmen
       return 1;
     case kTwoBytes:
     case kThreeBytes: {
-      const auto length = static_cast<std::size_t>(treatment);
+      const std::size_t length = treatment == kTwoBytes ? 2 : 3;
       if (length > text.size()) return 1;
       AppendCodeUnit(out, DecodeSequence(text.data(), length));
       return length;

@@ -1,6 +1,9 @@
 #pragma once
 
-#if defined(__x86_64__)
+// CORVANE_PORTABLE_SCANNING selects the form for any processor, so that a test can build the
+// parser with it on x86-64.
+#if defined(__x86_64__) && !defined(CORVANE_PORTABLE_SCANNING)
+#define CORVANE_SSE2_SCANNING
 #include <emmintrin.h>
 #endif
 
@@ -48,7 +51,7 @@ class PortableSixteenCharacters {
   const char* m_text;
 };
 
-#if defined(__x86_64__)
+#if defined(CORVANE_SSE2_SCANNING)
 
 class Sse2SixteenCharacters {
  public:

@@ -129,7 +129,7 @@ class ValueMemory::Returns {
     return distance < kSlabBytes;
   }
   void Settle() noexcept {
-    if (m_pieces != 0) Retire(m_slab, m_pieces);
+    if (m_slab != nullptr) Retire(m_slab, m_pieces);
   }
 
   Slab* m_slab = nullptr;

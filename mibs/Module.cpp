@@ -19,27 +19,35 @@ constexpr char kV2Head[] = R"(VELTRIN-CORVANE-MIB DEFINITIONS ::= BEGIN
 IMPORTS
     MODULE-IDENTITY, OBJECT-TYPE, NOTIFICATION-TYPE, Integer32, enterprises
         FROM SNMPv2-SMI
-    DisplayString
-        FROM SNMPv2-TC
+    SnmpAdminString
+        FROM SNMP-FRAMEWORK-MIB
     MODULE-COMPLIANCE, OBJECT-GROUP, NOTIFICATION-GROUP
         FROM SNMPv2-CONF;
 
 corvane MODULE-IDENTITY
-    LAST-UPDATED "202611210000Z"
+    LAST-UPDATED "202611220000Z"
     ORGANIZATION "Veltrin Systems"
     CONTACT-INFO "Veltrin Systems, technical support"
     DESCRIPTION
         "The state of a Corvane streaming-audio server.  Its SNMP extension
         agent on Windows reports this state.
 
-        All objects are read-only.  A Get request may name an object with or
-        without .0 at the end.  GetNext and GetBulk return the name without .0.
+        All objects are read-only.  A Get request returns an object for its
+        identifier, and for its identifier with any numbers appended.  Managers
+        append .0.  GetNext and GetBulk return the identifier alone.
+
+        The agent reports what the server software has sent.  If that software
+        hangs, the link stays up and all objects keep their last values.
 
         Notifications are SNMPv1 enterprise-specific traps without variable
         bindings.  The enterprise is the identifier of this module.  The
         specific-trap number is the last number of the notification's
         identifier (RFC 3584, section 3.1).  The time stamp counts milliseconds
         since the start of the agent, not hundredths of a second."
+    REVISION "202611220000Z"
+    DESCRIPTION
+        "The texts are UTF-8, so their type is SnmpAdminString instead of
+        DisplayString.  A Get request may append any numbers."
     REVISION "202611210000Z"
     DESCRIPTION "First version."
     ::= { veltrin 333 }
@@ -71,8 +79,6 @@ constexpr char kV1Head[] = R"(VELTRIN-CORVANE-V1-MIB DEFINITIONS ::= BEGIN
 IMPORTS
     enterprises
         FROM RFC1155-SMI
-    DisplayString
-        FROM RFC1213-MIB
     OBJECT-TYPE
         FROM RFC-1212
     TRAP-TYPE
@@ -95,24 +101,36 @@ std::string BranchLines() {
   return lines + '\n';
 }
 
-// `integer` is the name of the integer type in this version of SMI.
-std::string Syntax(const Agent::VariableRow& variable, const char* integer) {
+// What the versions of SMI spell differently.
+struct Spelling {
+  const char* integer;
+  const char* text;
+  const char* clauses;
+};
+constexpr Spelling kV2Spelling = {"Integer32", "SnmpAdminString",
+                                  "    MAX-ACCESS  read-only\n    STATUS      current\n"};
+// SMIv1 has no type for texts in UTF-8.
+constexpr Spelling kV1Spelling = {"INTEGER", "OCTET STRING",
+                                  "    ACCESS      read-only\n    STATUS      mandatory\n"};
+
+std::string Syntax(const Agent::VariableRow& variable, const Spelling& spelling) {
   if (variable.type == Agent::kTypeString) {
     // A text may fill the whole capacity: the response has no terminating zero.
-    return "DisplayString (SIZE (0.." + std::to_string(variable.capacity) + "))";
+    return std::string(spelling.text) + " (SIZE (0.." + std::to_string(variable.capacity) + "))";
   }
   if (variable.name == std::string_view(Agent::VariableName("LinkStatus")))
     return "INTEGER { up(0), down(1) }";
-  return std::string(integer) + " (" + std::to_string(Messages::kSnmpCount.lower) + ".." +
+  return std::string(spelling.integer) + " (" + std::to_string(Messages::kSnmpCount.lower) + ".." +
          std::to_string(Messages::kSnmpCount.upper) + ")";
 }
 
-// `access` holds the two clauses that the versions of SMI spell differently.
-std::string Object(const Agent::VariableRow& variable, const char* integer, const char* access) {
+std::string Object(const Agent::VariableRow& variable, const Spelling& spelling) {
+  const char* const encoding =
+      variable.type == Agent::kTypeString ? "\n\n        The text is UTF-8." : "";
   return std::string("corvane") + variable.name + " OBJECT-TYPE\n    SYNTAX      " +
-         Syntax(variable, integer) + '\n' + access + "    DESCRIPTION\n        " +
-         Quoted(variable.meaning) + "\n    ::= { " + BranchOf(variable).name + ' ' +
-         std::to_string(variable.suffix[1]) + " }\n\n";
+         Syntax(variable, spelling) + '\n' + spelling.clauses + "    DESCRIPTION\n        " +
+         Quoted(std::string(variable.meaning) + encoding) + "\n    ::= { " +
+         BranchOf(variable).name + ' ' + std::to_string(variable.suffix[1]) + " }\n\n";
 }
 
 // The description, and the comments that trap translators such as
@@ -151,9 +169,8 @@ std::string Members(const Rows& rows) {
 
 std::string SmiV2Module() {
   std::string module = kV2Head + BranchLines();
-  for (const Agent::VariableRow& variable : Agent::kVariables) {
-    module += Object(variable, "Integer32", "    MAX-ACCESS  read-only\n    STATUS      current\n");
-  }
+  for (const Agent::VariableRow& variable : Agent::kVariables)
+    module += Object(variable, kV2Spelling);
   for (const Agent::TrapRow& trap : Agent::kTraps) module += NotificationType(trap);
   module += kV2Compliance;
   module += "corvaneObjectGroup OBJECT-GROUP\n    OBJECTS {" + Members(Agent::kVariables) +
@@ -169,7 +186,7 @@ std::string SmiV2Module() {
 std::string SmiV1Module() {
   std::string module = kV1Head + BranchLines();
   for (const Agent::VariableRow& variable : Agent::kVariables)
-    module += Object(variable, "INTEGER", "    ACCESS      read-only\n    STATUS      mandatory\n");
+    module += Object(variable, kV1Spelling);
   for (const Agent::TrapRow& trap : Agent::kTraps) module += TrapType(trap);
   return module + "END\n";
 }

@@ -21,11 +21,11 @@ constexpr ULONGLONG kWaitMs = 2000;
 std::map<DWORD, std::string> ProcessNames() {
   std::map<DWORD, std::string> names;
   const UniqueSystemHandle snapshot = Own(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-  if (!snapshot) return names;
+  if (!snapshot.Valid()) return names;
   PROCESSENTRY32W entry{};
   entry.dwSize = sizeof entry;
-  for (BOOL more = Process32FirstW(snapshot.get(), &entry); more;
-       more = Process32NextW(snapshot.get(), &entry)) {
+  for (BOOL more = Process32FirstW(snapshot.Get(), &entry); more;
+       more = Process32NextW(snapshot.Get(), &entry)) {
     names[entry.th32ProcessID] = Narrow(entry.szExeFile);
   }
   return names;

@@ -14,13 +14,17 @@ namespace {
 
 constexpr wchar_t kServiceName[] = L"SNMP";
 
-struct ServiceCloser {
-  void operator()(SC_HANDLE handle) const noexcept { CloseServiceHandle(handle); }
+struct ServiceHandle {
+  using Type = SC_HANDLE;
+  static constexpr Type None() noexcept { return nullptr; }
+  void Close(Type handle) const noexcept { CloseServiceHandle(handle); }
 };
-using UniqueService = std::unique_ptr<SC_HANDLE__, ServiceCloser>;
+using UniqueService = Vask::Platform::UniqueHandle<ServiceHandle>;
 
-struct EventLogCloser {
-  void operator()(void* handle) const noexcept { CloseEventLog(handle); }
+struct EventLogHandle {
+  using Type = HANDLE;
+  static constexpr Type None() noexcept { return nullptr; }
+  void Close(Type handle) const noexcept { CloseEventLog(handle); }
 };
 
 ServiceFacts::State StateOf(DWORD state) {
@@ -54,14 +58,14 @@ void ReadConfiguration(SC_HANDLE service, ServiceFacts& facts) {
 void ReadModules(ServiceFacts& facts) {
   const UniqueSystemHandle snapshot =
       Own(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, facts.processId));
-  if (!snapshot) {
+  if (!snapshot.Valid()) {
     facts.whyNoModules = ErrorText(GetLastError());
     return;
   }
   MODULEENTRY32W entry{};
   entry.dwSize = sizeof entry;
-  for (BOOL more = Module32FirstW(snapshot.get(), &entry); more;
-       more = Module32NextW(snapshot.get(), &entry)) {
+  for (BOOL more = Module32FirstW(snapshot.Get(), &entry); more;
+       more = Module32NextW(snapshot.Get(), &entry)) {
     facts.modules.push_back(Narrow(entry.szExePath));
   }
 }
@@ -71,7 +75,7 @@ ULONGLONG ReadStart(ServiceFacts& facts) {
   const UniqueSystemHandle process =
       Own(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, facts.processId));
   FILETIME start{}, end{}, kernel{}, user{};
-  if (!process || !GetProcessTimes(process.get(), &start, &end, &kernel, &user)) return 0;
+  if (!process.Valid() || !GetProcessTimes(process.Get(), &start, &end, &kernel, &user)) return 0;
   facts.startedAt = LocalText(start);
   return ULONGLONG{start.dwHighDateTime} << 32 | start.dwLowDateTime;
 }
@@ -105,8 +109,8 @@ bool TakeEvents(const char* bytes, DWORD size, DWORD since, std::vector<Event>& 
 }
 
 void ReadEvents(DWORD since, Facts& facts) {
-  const std::unique_ptr<void, EventLogCloser> log(OpenEventLogW(nullptr, L"System"));
-  if (!log) {
+  const Vask::Platform::UniqueHandle<EventLogHandle> log(OpenEventLogW(nullptr, L"System"));
+  if (!log.Valid()) {
     facts.eventsUnknown = ErrorText(GetLastError());
     return;
   }
@@ -116,7 +120,7 @@ void ReadEvents(DWORD since, Facts& facts) {
   const auto* const bytes = reinterpret_cast<const char*>(buffer.data());
   DWORD read = 0;
   DWORD needed = 0;
-  while (ReadEventLogW(log.get(), EVENTLOG_SEQUENTIAL_READ | EVENTLOG_BACKWARDS_READ, 0,
+  while (ReadEventLogW(log.Get(), EVENTLOG_SEQUENTIAL_READ | EVENTLOG_BACKWARDS_READ, 0,
                        buffer.data(), capacity, &read, &needed)) {
     if (!TakeEvents(bytes, read, since, facts.events)) return;
   }
@@ -142,10 +146,11 @@ void ReadProcess(Facts& facts) {
 void GatherService(Facts& facts) {
   ServiceFacts& service = facts.service;
   const UniqueService manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
-  const UniqueService handle(manager ? OpenServiceW(manager.get(), kServiceName,
-                                                    SERVICE_QUERY_STATUS | SERVICE_QUERY_CONFIG)
-                                     : nullptr);
-  if (!handle) {
+  const UniqueService handle(
+      manager.Valid()
+          ? OpenServiceW(manager.Get(), kServiceName, SERVICE_QUERY_STATUS | SERVICE_QUERY_CONFIG)
+          : nullptr);
+  if (!handle.Valid()) {
     const DWORD error = GetLastError();
     if (error == ERROR_SERVICE_DOES_NOT_EXIST) {
       service.state = ServiceFacts::State::kMissing;
@@ -154,11 +159,11 @@ void GatherService(Facts& facts) {
     }
     return;
   }
-  ReadConfiguration(handle.get(), service);
+  ReadConfiguration(handle.Get(), service);
   facts.accountSids = SidsOf(service.account);
   SERVICE_STATUS_PROCESS status{};
   DWORD size = 0;
-  if (!QueryServiceStatusEx(handle.get(), SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
+  if (!QueryServiceStatusEx(handle.Get(), SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status),
                             sizeof status, &size)) {
     service.whyUnknown = ErrorText(GetLastError());
     return;

@@ -191,7 +191,7 @@ FileContent ReadFileTail(const std::string& path, std::size_t limit) {
       Wide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   LARGE_INTEGER size{};
-  if (!file || !GetFileSizeEx(file.get(), &size)) {
+  if (!file.Valid() || !GetFileSizeEx(file.Get(), &size)) {
     content.error = GetLastError();
     return content;
   }
@@ -201,8 +201,8 @@ FileContent ReadFileTail(const std::string& path, std::size_t limit) {
   start.QuadPart = static_cast<LONGLONG>(whole - wanted);
   content.bytes.resize(wanted);
   DWORD read = 0;
-  if (!SetFilePointerEx(file.get(), start, nullptr, FILE_BEGIN) ||
-      !ReadFile(file.get(), content.bytes.data(), static_cast<DWORD>(wanted), &read, nullptr)) {
+  if (!SetFilePointerEx(file.Get(), start, nullptr, FILE_BEGIN) ||
+      !ReadFile(file.Get(), content.bytes.data(), static_cast<DWORD>(wanted), &read, nullptr)) {
     content.error = GetLastError();
   }
   content.bytes.resize(read);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "check/Facts.h"
+#include "platform/UniqueHandle.h"
 
 // Small helpers around Windows' calls. All of them only read.
 namespace Check {
@@ -27,10 +28,12 @@ namespace Check {
 // True if the error means that the object does not exist.
 [[nodiscard]] bool IsMissing(DWORD error);
 
-struct HandleCloser {
-  void operator()(void* handle) const noexcept { CloseHandle(handle); }
+struct SystemHandle {
+  using Type = HANDLE;
+  static constexpr Type None() noexcept { return nullptr; }
+  void Close(Type handle) const noexcept { CloseHandle(handle); }
 };
-using UniqueSystemHandle = std::unique_ptr<void, HandleCloser>;
+using UniqueSystemHandle = Vask::Platform::UniqueHandle<SystemHandle>;
 
 // Owns the handle, or nothing for the two values that mean "none".
 [[nodiscard]] UniqueSystemHandle Own(HANDLE handle);

@@ -16,9 +16,6 @@
 // After the host's own headers, because it defines many macros with common names.
 #include <windows.h>
 
-// Wine's own: returns the DOS path of a Unix path, from the process heap.
-extern "C" __attribute__((ms_abi)) WCHAR* wine_get_dos_file_name(const char* unixPath);
-
 namespace Host {
 namespace {
 
@@ -86,6 +83,7 @@ bool IsDosPath(const std::string& path) {
 }
 
 HMODULE LoadFromUnixPath(const std::string& path) {
+  // Wine's own function: the text comes from the process heap.
   Unique<HeapText> dosPath(wine_get_dos_file_name(path.c_str()));
   if (!dosPath.Valid()) return nullptr;
   const HMODULE module = LoadLibraryW(dosPath.Get());

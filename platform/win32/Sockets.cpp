@@ -25,7 +25,7 @@ static_assert(sizeof(SocketHandle) == sizeof(SOCKET));
 static_assert(sizeof(SocketAddress) == sizeof(sockaddr_in));
 
 // A peer that never stops sending must not keep an ending connection open.
-constexpr std::size_t kMostDrainedBytes = 1024 * 1024;
+constexpr std::size_t kMostDrainedBytes = std::size_t{1024} * 1024;
 
 constexpr WORD kWinsockVersion = MAKEWORD(2, 2);
 

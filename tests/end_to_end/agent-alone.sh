@@ -1,7 +1,15 @@
 # The agent starts without a Corvane server.
 
 start_trap_receiver_here
-start_host
+host_options=(--user fred:secretsecret)
+address6=
+if grep -q ' lo$' /proc/net/if_inet6; then
+  address6="udp6:[::1]:$snmp_port"
+  host_options+=(--listen "$address6")
+else
+  say 'this machine has no IPv6: it is not tested'
+fi
+start_host "${host_options[@]}"
 expect_eventually 'the first failed attempt raises TrapSoftwareLinkDown' TrapSoftwareLinkDown trap_names
 expect 'without a server the variables have their initial values' "$(variable_values)" \
   '1|"Corvane"|"1.x.x"|0|0|0|0|0'

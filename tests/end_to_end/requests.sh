@@ -43,6 +43,15 @@ expect 'v2c: GetBulk' "$(ask snmpbulkget 2c -Cn0 -Cr3 "$prefix")" "$link|$name|$
 expect 'v2c: a bulk walk' "$(ask snmpbulkwalk 2c "$prefix")" \
   "$link|$name|$version|$rest|.$prefix.2.4 $past_the_end"
 
+v3=(-v3 -u fred -a SHA -A secretsecret -x AES -X secretsecret -l authPriv -t 5 -r 1 -Oqn)
+expect 'v3: a walk' "$(snmpwalk "${v3[@]}" "$address" "$prefix" | paste -sd'|')" \
+  "$link|$name|$version|$rest|.$prefix.2.4 $past_the_end"
+if [[ -n "$address6" ]]; then
+  expect 'IPv6: a walk' "$(address=$address6 ask snmpwalk 2c "$prefix")" \
+    "$link|$name|$version|$rest|.$prefix.2.4 $past_the_end"
+  expect 'IPv6: v3: a Get' "$(snmpget "${v3[@]}" "$address6" "$prefix.1.1.0")" ".$prefix.1.1.0 \"1.x.x\""
+fi
+
 for variable in "${variables[@]}"; do
   type=i value=5
   [[ "$variable" != Product* ]] || type=s value=five

@@ -14,9 +14,12 @@
 //
 // The module refuses every other Set: with wrongValue if it sets view.2 to the text
 // "two" or view.5 to the OBJECT IDENTIFIER 1.3.6.2, else with notWritable.
+//
+// The start queues as many traps as the environment variable FAKE_TRAPS_AT_START says.
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -156,13 +159,17 @@ bool IsName(const AsnAny& value, const Ids& name) {
          Ids(object.ids, object.ids + object.idLength) == name;
 }
 
+void QueueTraps(Number count) {
+  trapsLeft = count;
+  trapsSent = 0;
+  SignalTrapEvent();
+}
+
 int Set(const SnmpVarBind& binding, const Ids& asked) {
   if (asked.back() == 2 && IsText(binding.value, "two")) return 10;
   if (asked.back() == 5 && IsName(binding.value, {1, 3, 6, 2})) return 10;
   if (asked.back() != 9 || binding.value.asnType != ASN_INTEGER) return 17;
-  trapsLeft = binding.value.asnValue.number;
-  trapsSent = 0;
-  SignalTrapEvent();
+  QueueTraps(binding.value.asnValue.number);
   return 0;
 }
 
@@ -185,6 +192,7 @@ FAKE_EXPORT BOOL WINAPI SnmpExtensionInit(DWORD, HANDLE* event, AsnObjectIdentif
   *event = trapEvent;
   supported->ids = viewIds;
   supported->idLength = static_cast<UINT>(view.size());
+  if (const char* const count = std::getenv("FAKE_TRAPS_AT_START")) QueueTraps(std::atoi(count));
 #if defined(FAKE_START_FAILS)
   return FALSE;
 #else

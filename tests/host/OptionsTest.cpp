@@ -15,8 +15,8 @@ TEST(HostOptions, ModuleAloneTakesTheDefaults) {
   const ParsedOptions parsed = ParseOptions({"SNMPd.so"});
   EXPECT_EQ(parsed.error, "");
   EXPECT_EQ(parsed.options.module, "SNMPd.so");
-  EXPECT_EQ(parsed.options.listen, "udp:127.0.0.1:1161");
-  EXPECT_EQ(parsed.options.community, "public");
+  EXPECT_EQ(parsed.options.listen, std::vector<std::string>{"udp:127.0.0.1:1161"});
+  EXPECT_EQ(parsed.options.communities, std::vector<std::string>{"public"});
   EXPECT_TRUE(parsed.options.trapSinks.empty());
   EXPECT_EQ(parsed.options.agentxSocket, "");
   EXPECT_EQ(parsed.options.user, "");
@@ -24,16 +24,25 @@ TEST(HostOptions, ModuleAloneTakesTheDefaults) {
 
 TEST(HostOptions, EveryOptionIsTaken) {
   const Options options =
-      ParseOptions({"--listen", "udp:1.2.3.4:5", "--community", "c", "--trap-sink", "a:1",
-                    "--trap-sink", "b:2", "--agentx", "/s", "--user", "fred:secret:secret", "m"})
+      ParseOptions({"--listen", "udp:1.2.3.4:5", "--listen", "unix:/s", "--community", "c",
+                    "--community", "d", "--trap-sink", "a:1", "--trap-sink", "b:2", "--user",
+                    "fred:secret:secret", "m"})
           .options;
-  EXPECT_EQ(options.listen, "udp:1.2.3.4:5");
-  EXPECT_EQ(options.community, "c");
+  EXPECT_EQ(options.listen, (std::vector<std::string>{"udp:1.2.3.4:5", "unix:/s"}));
+  EXPECT_EQ(options.communities, (std::vector<std::string>{"c", "d"}));
   EXPECT_EQ(options.trapSinks, (std::vector<std::string>{"a:1", "b:2"}));
-  EXPECT_EQ(options.agentxSocket, "/s");
+  EXPECT_EQ(options.agentxSocket, "");
   EXPECT_EQ(options.user, "fred");
   EXPECT_EQ(options.passPhrase, "secret:secret");
   EXPECT_EQ(options.module, "m");
+}
+
+TEST(HostOptions, SubagentHasNoAddressAndNoCommunity) {
+  const ParsedOptions parsed = ParseOptions({"--agentx", "/s", "m"});
+  EXPECT_EQ(parsed.error, "");
+  EXPECT_EQ(parsed.options.agentxSocket, "/s");
+  EXPECT_TRUE(parsed.options.listen.empty());
+  EXPECT_TRUE(parsed.options.communities.empty());
 }
 
 TEST(HostOptions, RegisteredReplacesTheModule) {
@@ -87,7 +96,25 @@ INSTANTIATE_TEST_SUITE_P(
                        "--user takes no blanks, quotes, '#' or '\\'"},
         BadCommandLine{"SevenCharactersOfPassPhrase",
                        {"m", "--user", "fred:1234567"},
-                       "--user takes a pass phrase of at least 8 characters"}),
+                       "--user takes a pass phrase of at least 8 characters"},
+        BadCommandLine{"TwoUsers",
+                       {"m", "--user", "fred:12345678", "--user", "anna:12345678"},
+                       "--user may be given only once"},
+        BadCommandLine{"TwoMasters",
+                       {"m", "--agentx", "/a", "--agentx", "/b"},
+                       "--agentx may be given only once"},
+        BadCommandLine{"SubagentThatListens",
+                       {"m", "--agentx", "/s", "--listen", "udp:1.2.3.4:5"},
+                       "with --agentx, the settings of snmpd hold: leave out --listen"},
+        BadCommandLine{"SubagentWithACommunity",
+                       {"m", "--agentx", "/s", "--community", "c"},
+                       "with --agentx, the settings of snmpd hold: leave out --community"},
+        BadCommandLine{"SubagentWithAUser",
+                       {"m", "--agentx", "/s", "--user", "fred:12345678"},
+                       "with --agentx, the settings of snmpd hold: leave out --user"},
+        BadCommandLine{"SubagentWithATrapSink",
+                       {"m", "--trap-sink", "a:1", "--agentx", "/s"},
+                       "with --agentx, the settings of snmpd hold: leave out --trap-sink"}),
     [](const auto& row) { return row.param.name; });
 
 TEST(HostOptions, EightCharactersOfPassPhraseAreEnough) {

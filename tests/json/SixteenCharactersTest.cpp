@@ -15,7 +15,7 @@ bool IsPlain(unsigned char c) {
 // Every test runs on each form that this processor has.
 template <class Form>
 class SixteenCharactersTest : public ::testing::Test {};
-#if defined(__x86_64__)
+#if defined(CORVANE_SSE2_SCANNING)
 using Forms = ::testing::Types<PortableSixteenCharacters, Sse2SixteenCharacters>;
 #else
 using Forms = ::testing::Types<PortableSixteenCharacters>;

@@ -5,7 +5,8 @@
     guide.py error-lines PROJECT     error lines of the agent that corvane-check does not explain
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
-    guide.py alerts GUIDE            alert and waiting time of its table
+    guide.py alerts GUIDE            alert, severity and waiting time of its table
+    guide.py runbooks RULES GUIDE    alerts of the rules whose runbook_url leads to no chapter of the guide
     guide.py files PROJECT           files that the guides name but that do not exist
 """
 
@@ -13,8 +14,11 @@ import pathlib
 import re
 import sys
 
+import yaml
+
 LEVELS = "(Info|Warning|Error)"
 SOURCES = ("agent", "messages", "net", "Src")
+RUNBOOK_PAGE = "https://www.example.org/corvane/operating.html"
 # Only a fault of the agent itself leads to these lines, so that the maker must see them. That is what
 # corvane-check says of a line that it does not know.
 NOT_EXPLAINED = ("+++ ASSERT(%s) failed at %s(%d)", "Vask::JsonSocket::OnJsonMessageNull message")
@@ -106,7 +110,23 @@ def traps(guide):
 
 
 def alerts(guide):
-    return sorted(f"{name} {wait}" for name, wait, *_ in rows(guide, "alert"))
+    return sorted(f"{re.sub(r'[][]|[(].*', '', name)} {severity} {wait}"
+                  for name, severity, wait, *_ in rows(guide, "alert"))
+
+
+def anchors(guide):
+    """Returns the anchor of each heading, in the form that Markdown converters give it."""
+    return {re.sub(r"[^a-z0-9 -]", "", heading.lower()).replace(" ", "-")
+            for heading in re.findall(r"^#+ (.*)", read(guide), re.MULTILINE)}
+
+
+def runbooks(rules, guide):
+    known = anchors(guide)
+    for group in yaml.safe_load(read(rules))["groups"]:
+        for rule in group["rules"]:
+            page, _, anchor = rule["annotations"].get("runbook_url", "").partition("#")
+            if page != RUNBOOK_PAGE or anchor not in known:
+                yield f"{rule['alert']}: {page}#{anchor}"
 
 
 def files(project):
@@ -124,5 +144,5 @@ if __name__ == "__main__":
     print("\n".join({
         "log-lines": log_lines, "check-lines": check_lines, "error-lines": error_lines,
         "variables": variables, "traps": traps, "alerts": alerts,
-        "files": files,
-    }[sys.argv[1]](sys.argv[2])))
+        "files": files, "runbooks": runbooks,
+    }[sys.argv[1]](*sys.argv[2:])))
