@@ -89,7 +89,7 @@ bool SnmpFront::Open(std::string& error) {
   }
   for (const std::string& sink : m_options.trapSinks) {
     if (!m_traps.AddSink(sink, m_options.communities.front(), error)) {
-      error = "cannot send traps to " + sink + ": " + error;
+      error.insert(0, "cannot send traps to " + sink + ": ");
       return false;
     }
   }

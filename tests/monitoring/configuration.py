@@ -1,11 +1,13 @@
 """Reads the monitoring files in the same way as the programs that use them.
 
-    configuration.py nagios FILE ADDRESS PORT         the commands of its services
+    configuration.py nagios FILE ADDRESS PORT         the commands of its host and services
     configuration.py icinga DEBUG-FILE ADDRESS PORT   the same, from the objects that icinga2 wrote
+    configuration.py notified DEBUG-FILE HOST         the services of this host that Icinga notifies, and "host"
     configuration.py modules OLD NEW                  "same", or how the two formats differ
     configuration.py relabelled GENERATED PROMETHEUS  the series of the generated module after renaming
     configuration.py series MODULE                    the series of the delivered module
     configuration.py queries DASHBOARD                the queries of the dashboard as a file of rules
+    configuration.py queried DASHBOARD                the names of the series that it queries
     configuration.py zabbix TEMPLATE                  its errors, one on each line
     configuration.py zabbix-traps TEMPLATE FILE       for each trap in FILE: item, "problem" or "recovery"
 """
@@ -44,9 +46,9 @@ def nagios(path, address, port):
     macros = {"$USER1$": PLUGINS, "$HOSTADDRESS$": address, "$_HOSTSNMP_PORT$": port}
     host = next(o for kind, o in objects if kind == "host" and o.get("name") == "corvane-server")
     macros["$_HOSTSNMP_COMMUNITY$"] = host["_SNMP_COMMUNITY"]
-    for kind, service in objects:
-        if kind == "service" and "check_command" in service:
-            name, *arguments = service["check_command"].split("!")
+    for kind, checked in objects:
+        if kind in ("host", "service") and "check_command" in checked:
+            name, *arguments = checked["check_command"].split("!")
             line = commands[name]
             for number, argument in enumerate(arguments, 1):
                 line = line.replace(f"$ARG{number}$", argument)
@@ -69,12 +71,18 @@ def icinga(path, address, port):
     objects = list(icinga_objects(path))
     commands = {o["name"]: o["properties"] for o in objects if o["type"] == "CheckCommand"}
     host = next(o["properties"] for o in objects if o["type"] == "Host")
-    for service in (o["properties"] for o in objects if o["type"] == "Service"):
-        command = commands[service["check_command"]]
+    for checked in (o["properties"] for o in objects if o["type"] in ("Host", "Service")):
+        command = commands[checked["check_command"]]
         macros = dict(command["vars"], **host["vars"])
         macros.update(address=address, corvane_address=address, corvane_port=port)
         line = [re.sub(r"\$(\w+)\$", lambda m: str(macros[m[1]]), word) for word in command["command"]]
-        yield service["check_command"].replace("corvane-", "", 1), line
+        yield checked["check_command"].replace("corvane-", "", 1), line
+
+
+def notified(path, host):
+    notifications = (o["properties"] for o in icinga_objects(path) if o["type"] == "Notification")
+    return sorted(n["service_name"] or "host" for n in notifications
+                  if n["host_name"] == host and (n["users"] or n["user_groups"]))
 
 
 def print_commands(commands):
@@ -99,7 +107,8 @@ def modules(old, new):
 def relabelled(generated, prometheus):
     """Applies the renaming rules of prometheus.yml. A rule must match the whole name."""
     rules = read_yaml(prometheus)["scrape_configs"][0]["metric_relabel_configs"]
-    for metric in read_yaml(generated)["corvane"]["metrics"]:
+    module = read_yaml(generated)
+    for metric in module.get("modules", module)["corvane"]["metrics"]:  # the newer format has a level more
         name, oid = metric["name"], metric["oid"]
         labels = {"__name__": name}
         if metric["type"] == "DisplayString":
@@ -129,6 +138,14 @@ def queries(path):
               "expr": target["expr"].replace("$instance", ".*")}
              for panel in dashboard["panels"] for target in panel["targets"]]
     return yaml.safe_dump({"groups": [{"name": "dashboard", "rules": rules}]})
+
+
+def queried(path):
+    with open(path, encoding="utf-8") as file:
+        text = " ".join(target["expr"] for panel in json.load(file)["panels"] for target in panel["targets"])
+    # Without selectors, lists of labels, functions and operators, only the names are left.
+    text = re.sub(r"\{[^}]*\}|\b(on|by|ignoring|without|group_left|group_right)\s*\([^)]*\)", " ", text)
+    return sorted(set(re.findall(r"\b[a-z_]\w*\b(?!\s*\()", text)) - {"and", "or", "unless", "bool"})
 
 
 # --- Zabbix ------------------------------------------------------------------
@@ -219,7 +236,8 @@ def main(what, *arguments):
         return
     answer = {
         "modules": modules, "relabelled": relabelled, "queries": queries,
-        "series": module_series, "zabbix-traps": zabbix_traps,
+        "series": module_series, "notified": notified, "queried": queried,
+        "zabbix-traps": zabbix_traps,
         "zabbix": lambda path: ZabbixTemplate(path).complaints(),
     }[what](*arguments)
     print(answer if isinstance(answer, str) else "\n".join(answer))

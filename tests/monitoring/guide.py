@@ -5,6 +5,8 @@
     guide.py error-lines PROJECT     error lines of the agent that corvane-check does not explain
     guide.py variables GUIDE         name and suffix of the guide's table
     guide.py traps GUIDE             number, name, severity and clearing trap of its table
+    guide.py requests GUIDE          name, identifier and type of its table for other systems
+    guide.py problems GUIDE          the problems of Zabbix in its table of faults
     guide.py alerts GUIDE            alert, severity and waiting time of its table
     guide.py runbooks RULES GUIDE    alerts of the rules whose runbook_url leads to no chapter of the guide
     guide.py files PROJECT           files that the guides name but that do not exist
@@ -109,6 +111,14 @@ def traps(guide):
             for number, name, severity, _, cleared in rows(guide, "number"))
 
 
+def requests(guide):
+    return (f"{name.removeprefix('corvane')} {oid} {kind}" for name, oid, kind, *_ in rows(guide, "name"))
+
+
+def problems(guide):
+    return (problem for _, problem, _ in rows(guide, "fault"))
+
+
 def alerts(guide):
     return sorted(f"{re.sub(r'[][]|[(].*', '', name)} {severity} {wait}"
                   for name, severity, wait, *_ in rows(guide, "alert"))
@@ -131,7 +141,7 @@ def runbooks(rules, guide):
 
 def files(project):
     for guide in ("docs/operating.md", "monitoring/README.md"):
-        named = re.findall(r"`((?:monitoring/|\.\./|zabbix/|prometheus/|grafana/|icinga2/|nagios/|snmptt/|snmptrapd/)"
+        named = re.findall(r"`((?:monitoring/|\.\./|zabbix/|prometheus/|grafana/|icinga2/|nagios/|collectd/|snmptt/|snmptrapd/)"
                            r"[\w./*-]+)`|\]\(([\w./-]+)\)", read(project, guide))
         for first, second in named:
             place = first or second
@@ -143,6 +153,7 @@ def files(project):
 if __name__ == "__main__":
     print("\n".join({
         "log-lines": log_lines, "check-lines": check_lines, "error-lines": error_lines,
+        "requests": requests, "problems": problems,
         "variables": variables, "traps": traps, "alerts": alerts,
         "files": files, "runbooks": runbooks,
     }[sys.argv[1]](*sys.argv[2:])))

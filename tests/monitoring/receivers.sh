@@ -7,14 +7,18 @@ zabbix_port=$((snmp_port + 3))
 snmptt_port=$((snmp_port + 4))
 receivers=()
 
-# write_receiver NAME HANDLER: writes the committed file with this handler only. The
-# paths of an installation are replaced by paths of the test.
+# write_receiver NAME HANDLER: writes the committed file with the handler whose line
+# matches. The paths of an installation are replaced by paths of the test, and syslog by
+# a file. The test trap-service uses the delivered paths.
 write_receiver() {
-  sed -E -e 's/^#?(traphandle .*)/\1/' \
-    -e "s|/usr/local/bin/|$top/monitoring/snmptrapd/|; s|/var/log/.*|$work/$1.log|" \
-    -e "s|(default /usr/sbin/snmptt)|\1 --ini=$work/snmptt.ini|" \
+  awk -v wanted="$2" '
+    /^#?traphandle/ && $0 !~ wanted {next}
+    /^#\[snmp\]/ && wanted !~ /snmptt/ {next}
+    {sub(/^#(traphandle|\[snmp\])/, substr($1, 2)); print}' \
     "$top/monitoring/snmptrapd/snmptrapd.conf" |
-    awk -v wanted="$2" '!/^traphandle/ || index($0, wanted)' >"$work/$1.conf"
+    sed -E -e "s|(corvane-trap)$|\1 $work/$1.log|; s|/var/log/snmptrap/.*|$work/$1.log|" \
+      -e "s|/usr/local/bin/|$top/monitoring/snmptrapd/|" \
+      -e "s|(default /usr/sbin/snmptt)|\1 --ini=$work/snmptt.ini|" >"$work/$1.conf"
 }
 
 # start_receiver NAME PORT OPTION...
@@ -29,12 +33,12 @@ start_receivers() {
   sed -E -e "s|^log_file = .*|log_file = $work/snmptt.log|; s|^(syslog_enable\|syslog_system_enable) = .*|\1 = 0|" \
     -e "/^\[TrapFiles\]/,\$d" /etc/snmp/snmptt.ini >"$work/snmptt.ini"
   printf '[TrapFiles]\nsnmptt_conf_files = <<END\n%s\nEND\n' "$top/monitoring/snmptt/corvane.snmptt.conf" >>"$work/snmptt.ini"
-  write_receiver log '/corvane-trap /'
+  write_receiver log '/corvane-trap$'
   write_receiver zabbix '/corvane-trap --zabbix'
-  write_receiver snmptt '/snmptt '
+  write_receiver snmptt '/snmptt$'
   start_receiver log "$log_port" "${through_mib[@]}"
   start_receiver zabbix "$zabbix_port"
-  start_receiver snmptt "$snmptt_port" -On
+  start_receiver snmptt "$snmptt_port"
   for port in "$log_port" "$zabbix_port" "$snmptt_port"; do
     await listens_on_udp "$port" || fail "snmptrapd does not listen on port $port"
   done
