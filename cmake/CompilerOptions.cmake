@@ -41,10 +41,23 @@ if(WIN32)
   target_link_options(corvane_options INTERFACE
       -static -fstack-protector-strong -Wl,--no-insert-timestamp
       -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
+  # The agent's objects hold both machine code and code for the link-time optimisation. Only
+  # the DLL uses the latter: for each test program it would take seconds.
+  target_link_options(corvane_options INTERFACE
+      $<$<NOT:$<BOOL:$<TARGET_PROPERTY:CORVANE_LINK_TIME_OPTIMISATION>>>:-fno-lto>)
 else()
   find_package(Threads REQUIRED)
   target_link_libraries(corvane_options INTERFACE Threads::Threads ${CMAKE_DL_LIBS})
 endif()
+
+# Moves the symbols of a Windows image to the file <image>.debug, to which the image links.
+function(corvane_split_debug_file target)
+  add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND ${CMAKE_OBJCOPY} --preserve-dates --only-keep-debug $<TARGET_FILE:${target}> $<TARGET_FILE_NAME:${target}>.debug
+      COMMAND ${CMAKE_STRIP} --preserve-dates --strip-all $<TARGET_FILE:${target}>
+      COMMAND ${CMAKE_OBJCOPY} --preserve-dates --add-gnu-debuglink=$<TARGET_FILE_NAME:${target}>.debug $<TARGET_FILE:${target}>
+      WORKING_DIRECTORY $<TARGET_FILE_DIR:${target}> VERBATIM)
+endfunction()
 
 set(CORVANE_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 if(CORVANE_SANITIZE)

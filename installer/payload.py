@@ -8,7 +8,10 @@ because Windows Installer requires the same code in all versions.
 """
 
 import hashlib
+import os
 import pathlib
+import re
+import subprocess
 import sys
 import uuid
 from typing import NamedTuple
@@ -22,12 +25,33 @@ PROGRAM = "corvane-check.exe"
 # find and replace an older version.
 UPGRADE_CODE = uuid.UUID("7849529d-1e98-41dd-a754-ae88e43e02f6")
 
+EARLIEST_TIME = 315532800  # 1980-01-01, the earliest time in a cabinet file
+
 
 class PayloadFile(NamedTuple):
     """One file of the package; `place` is relative, with forward slashes."""
 
     source: pathlib.Path
     place: str
+
+    def is_page(self):
+        """True if the file in the package is made from Markdown."""
+        return self.source.suffix == ".md" and self.place.endswith(".html")
+
+
+def project_version():
+    """Returns the project's version: that of the newest entry in the change log."""
+    text = (PROJECT / "CHANGELOG.md").read_text(encoding="utf-8")
+    return re.search(r"^## (\d+\.\d+\.\d+)", text, re.MULTILINE).group(1)
+
+
+def build_time():
+    """Returns the time of all files in the package, in seconds since 1970."""
+    if "SOURCE_DATE_EPOCH" in os.environ:
+        return max(int(os.environ["SOURCE_DATE_EPOCH"]), EARLIEST_TIME)
+    answer = subprocess.run(["git", "-C", str(PROJECT), "log", "-1", "--format=%ct"],
+                            check=False, capture_output=True, text=True)
+    return int(answer.stdout) if answer.returncode == 0 else EARLIEST_TIME
 
 
 def code(text):

@@ -72,12 +72,12 @@ class JsonArray final : public Json {
 
  private:
   friend class Json;
-  Json* ReleaseElements(Freed& freed) noexcept {
+  Json* ReleaseElements(ValueMemory::Returns& returns) noexcept {
     while (Cell* cell = m_head) {
       Json* element = cell->value;
       m_head = cell->next;
-      freed.memory.Add(cell);
-      if (ReleaseChild(element, freed)) return element;
+      returns.Add(cell);
+      if (ReleaseChild(element, returns)) return element;
     }
     return nullptr;
   }

@@ -105,15 +105,13 @@ class JsonObject final : public Json {
         m_members(&m_nodes) {}
 
   friend class Json;
-  Json* ReleaseMembers(Freed& freed) noexcept {
+  Json* ReleaseMembers(ValueMemory::Returns& returns) noexcept {
     Json* container = nullptr;
     const auto release = [&](Json* member) noexcept {
-      if (ReleaseChild(member, freed)) container = member;
+      if (ReleaseChild(member, returns)) container = member;
       return container == nullptr;
     };
-    const auto free = [&](Dictionary::Node* node) noexcept {
-      m_nodes.FreeNode(node, freed.memory);
-    };
+    const auto free = [&](Dictionary::Node* node) noexcept { m_nodes.FreeNode(node, returns); };
     static_cast<void>(m_members.TakeEach(release, free));
     return container;
   }

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # module_image.sh MODULE VERSION: checks the file of the module. SNMPd.dll and SNMPd.so
 # export the three entry points and nothing else. The DLL imports only Windows' own
-# libraries, is hardened, and contains its version.
+# libraries, is hardened and small, and contains its version.
 set -euo pipefail
 module=$1
 version=$2
@@ -39,6 +39,9 @@ version_texts() {
   strings -el "$module" | grep -A1 -xE 'FileVersion|ProductVersion' | grep -v -- '^--$'
 }
 
+# The machine code of the C++ library is most of what is not ours, and grows easily.
+kMostBytes=300000
+
 so_exports() {
   nm --dynamic --defined-only "$module" | awk '{ print $NF }' | sort
 }
@@ -50,6 +53,7 @@ if [[ "$module" == *.dll ]]; then
   expect "address space layout and data execution protected" "$(characteristics)" \
     "DYNAMIC_BASE HIGH_ENTROPY_VA NX_COMPAT "
   expect "no time stamp" "$(time_stamp)" "Thu Jan 1 00:00:00 1970"
+  expect "at most $kMostBytes bytes" "$(stat -c '%s' "$module" | awk -v most=$kMostBytes '$1 > most')" ""
   expect "version resource" "$(version_texts)" \
     $'FileVersion\n'"$version"$'\nProductVersion\n'"$version"
 else

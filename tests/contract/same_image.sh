@@ -19,4 +19,5 @@ cmake --preset windows -DCORVANE_TESTS=OFF -DCORVANE_ENTERPRISE="$(setting CORVA
   > configure.log
 cmake --build --preset windows --target SNMPd > build.log || { tail -n 30 build.log; exit 1; }
 expect "same bytes from another folder" "$(cmp "$dll" build/windows/SNMPd.dll && echo same)" "same"
+expect "same symbols from another folder" "$(cmp "$dll.debug" build/windows/SNMPd.dll.debug && echo same)" "same"
 close_cases
