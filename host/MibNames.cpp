@@ -14,7 +14,7 @@
 namespace {
 
 constexpr char kUsage[] =
-    "usage: mib-names [--help | --version]\n"
+    "Usage: mib-names [--help | --version]\n"
     "\n"
     "Prints a line for each variable and each trap of the agent:\n"
     "\n"

@@ -118,7 +118,7 @@ ParsedOptions ParseOptions(const std::vector<std::string>& arguments) {
 }
 
 const char* HelpText() {
-  return "usage: snmphost [OPTION]... MODULE\n"
+  return "Usage: snmphost [OPTION]... MODULE\n"
          "   or: snmphost [OPTION]... --registered\n"
          "\n"
          "Loads an SNMP extension agent as the Windows SNMP service does, and answers\n"

@@ -154,7 +154,7 @@ bool ParseOptions(const std::vector<std::string>& arguments, ProgramOptions& opt
 }
 
 std::string HelpText() {
-  return "usage: corvane-sim [--port PORT] [--script FILE] [--help] [--version]\n"
+  return "Usage: corvane-sim [--port PORT] [--script FILE] [--help] [--version]\n"
          "\n"
          "Simulates the Corvane process's side of the SNMP agent's link: listens on\n"
          "127.0.0.1, answers the agent's update requests, and prints what it receives.\n"
