@@ -30,7 +30,7 @@ run_ctest() {
   shift 2
   mkdir -p "$top/build/logs"
   say "$step ..."
-  ctest --test-dir "$folder" --verbose -j2 "$@" </dev/null 2>&1 | tee "$log" |
+  ctest --test-dir "$folder" --verbose -j4 "$@" </dev/null 2>&1 | tee "$log" |
     grep --line-buffered -aE '^ *[0-9]+/[0-9]+ Test' || true
   grep -qaE '^ *[0-9]+/[0-9]+ Test' "$log" || fail_step "$step" "no test ran; see $log"
   add_tally "$step" < <(awk -f "$top/scripts/tally.awk" "$log")
@@ -50,6 +50,28 @@ run_program() {
   say "$step ..."
   "$@" </dev/null 2>&1 | tee "$log" || status=${PIPESTATUS[0]}
   add_tally "$step" < <(awk -v single="$step" -v status="$status" -f "$top/scripts/tally.awk" "$log")
+}
+
+# keep_tally FILE: writes the count of a part that runs in a process of its own.
+keep_tally() {
+  {
+    echo "$total_passed $total_failed"
+    ((${#complaints[@]} == 0)) || printf '%s\n' "${complaints[@]}"
+  } >"$1"
+}
+
+# add_kept_tally FILE: adds the count of such a part, and removes the file. Without the
+# file the part did not reach its end.
+add_kept_tally() {
+  local passed failed line
+  [[ -e "$1" ]] || { fail_step "$(basename "$1" .tally)" "did not end in order"; return; }
+  {
+    read -r passed failed
+    while read -r line; do complaints+=("$line"); done
+  } <"$1"
+  total_passed=$((total_passed + passed))
+  total_failed=$((total_failed + failed))
+  rm "$1"
 }
 
 # close_tally: prints the last line; status 1 if anything failed.

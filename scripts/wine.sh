@@ -26,6 +26,18 @@ prepare_wine_prefix() {
   ) 9>"$WINEPREFIX.lock"
 }
 
+# copy_wine_prefix FOLDER: makes a second prefix there. Both use the same folder of
+# Windows' own files, which is large and does not change.
+copy_wine_prefix() {
+  mkdir -p "$1/drive_c"
+  cp -a "$WINEPREFIX"/*.reg "$WINEPREFIX"/dosdevices "$WINEPREFIX"/.update-timestamp "$WINEPREFIX"/.prepared "$1"
+  local folder
+  for folder in "$WINEPREFIX"/drive_c/*; do
+    [[ "$folder" == */windows ]] || cp -a "$folder" "$1/drive_c"
+  done
+  ln -s "$(realpath "$WINEPREFIX")/drive_c/windows" "$1/drive_c/windows"
+}
+
 # Starts the process that stop_wine_holder ends. Wine's services run when this returns.
 # They must not inherit an output of the caller: they run on, and a reader of that output
 # would wait for its end.

@@ -4,8 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
+#include <latch>
+#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
@@ -101,13 +106,33 @@ TEST_F(SingletonRefTest, DestroyingNothingDoesNothing) {
   EXPECT_TRUE(Deeds().empty());
 }
 
+// Its constructor takes so long that a second thread has time to start another one.
+struct Slow : SingletonRef<Slow> {
+  Slow() {
+    ++constructed;
+    std::unique_lock lock(mutex);
+    changed.wait_for(lock, std::chrono::milliseconds(200), [] { return constructed > 1; });
+    changed.notify_all();
+  }
+
+  static inline std::atomic<int> constructed{0};
+  static inline std::mutex mutex;
+  static inline std::condition_variable changed;
+};
+
 TEST_F(SingletonRefTest, ThreadsThatAskAtTheSameTimeGetOneInstance) {
-  std::array<A*, 4> seen{};
+  std::array<Slow*, 4> seen{};
+  std::latch start(seen.size());
   std::vector<std::thread> threads;
-  for (A*& instance : seen) threads.emplace_back([&instance] { instance = &A::Instance(); });
+  for (Slow*& instance : seen) {
+    threads.emplace_back([&instance, &start] {
+      start.arrive_and_wait();
+      instance = &Slow::Instance();
+    });
+  }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_THAT(seen, testing::Each(&A::Instance()));
-  EXPECT_EQ(Deeds(), std::vector<std::string>{"+A"});
+  EXPECT_THAT(seen, testing::Each(&Slow::Instance()));
+  EXPECT_EQ(Slow::constructed, 1);
 }
 
 struct Loud : SingletonRef<Loud> {

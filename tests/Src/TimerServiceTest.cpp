@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <future>
@@ -15,6 +16,7 @@
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/ForwardingThreading.h"
+#include "tests/support/RecordingLog.h"
 #include "tests/support/ScriptedThreading.h"
 
 namespace Vask::Tests {
@@ -377,6 +379,22 @@ TEST(TimerServiceThreadTest, StartsOnceAndStartsAgainAfterStopping) {
   service.StopService();
 }
 
+TEST(TimerServiceThreadTest, ARefusedStartLeavesTheServiceRunning) {
+  TimerService service;
+  std::vector<std::string> calls;
+  Client client("client", calls);
+  std::promise<void> called;
+  client.onTimer = [&] {
+    service.KillTimer(&client);
+    called.set_value();
+  };
+  ASSERT_TRUE(service.StartService());
+  EXPECT_FALSE(service.StartService());
+  service.SetTimer(1, &client);
+  EXPECT_EQ(called.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+  service.StopService();
+}
+
 TEST(TimerServiceThreadTest, AServiceWhoseThreadCannotStartReportsItAndCanBeDestroyed) {
   FakeClock clock;
   ScriptedThreading threading;
@@ -409,8 +427,24 @@ TEST(TimerServiceThreadTest, StoppingWaitsForACallThatHasBegun) {
   releasing.join();
 }
 
+class JoinCounter final : public ForwardingThreading {
+ public:
+  int joined = 0;
+
+  void JoinThread(Platform::NativeHandle thread,
+                  Platform::NativeHandle finished) noexcept override {
+    ForwardingThreading::JoinThread(thread, finished);
+    ++joined;
+  }
+};
+
 TEST(TimerServiceThreadTest, TheDestructorStopsARunningService) {
-  ASSERT_TRUE(TimerService().StartService());
+  FakeClock clock;
+  JoinCounter threading;
+  RecordingLog log;
+  ASSERT_TRUE(TimerService(clock, threading).StartService());
+  EXPECT_EQ(threading.joined, 1);
+  EXPECT_EQ(log.Lines(), Calls()) << "the thread class reports a thread that was not stopped";
 }
 
 }  // namespace

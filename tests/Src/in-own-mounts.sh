@@ -11,6 +11,10 @@ if [[ -z "${CORVANE_MOUNTS-}" ]]; then
   trap 'rmdir "$CORVANE_MOUNTS"' EXIT
   as_root=()
   ((EUID == 0)) || as_root=(--map-root-user)
+  if ! why=$(unshare --mount "${as_root[@]}" true 2>&1); then
+    echo "mount namespaces are not permitted here ($why): run it as root, and a container with the capability SYS_ADMIN" >&2
+    exit 1
+  fi
   unshare --mount "${as_root[@]}" "$0" "$@"
   exit
 fi

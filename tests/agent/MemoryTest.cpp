@@ -9,6 +9,7 @@
 #include "tests/agent/TrapFloodFixture.h"
 #include "tests/agent/UpdatesFixture.h"
 #include "tests/support/AllocationFault.h"
+#include "tests/support/RecordingLog.h"
 
 namespace Agent::Tests {
 
@@ -94,19 +95,31 @@ TEST_F(TrapFloodTest, MemoryIsFreedAfterAFloodIsDelivered) {
   EXPECT_EQ(HeldBlocks(), before);
 }
 
+// Takes lines without an allocation.
+class ReservedLog final : public Vask::Tests::LinesOnlyLog {
+ public:
+  ReservedLog() { lines.reserve(256); }
+
+  void Info(const char* text) override { lines += text; }
+  void Warning(const char* text) override { lines += text; }
+  void Error(const char* text) override { lines += text; }
+  void Trace(const char* text) override { lines += text; }
+
+  std::string lines;
+};
+
 // A connection without its timer would never request an update. So it does not
 // count, and the next one is the first again.
 TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
   const auto connectWithoutMemory = [this] {
-    // RecordingLog allocates: no line may reach it.
-    Vask::LogPrinter::Instance().SetTarget(nullptr);
-    Vask::LogPrinter::Instance().SetConsole(false);
+    ReservedLog reserved;
+    Vask::LogPrinter::Instance().SetTarget(&reserved);
     {
       const FailingAllocations failing;
       EXPECT_THROW(connectNotify.OnConnected(), std::bad_alloc);
     }
-    Vask::LogPrinter::Instance().SetConsole(true);
     Vask::LogPrinter::Instance().SetTarget(&log);
+    EXPECT_EQ(reserved.lines, "Connection to Corvane process established..\n");
   };
   connectWithoutMemory();
   EXPECT_EQ(Get("P.0.0"), "0 P.0.0 = INT 1");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 #include "tests/support/Binding.h"
@@ -36,6 +37,13 @@ TEST(ObjectIdentifierTest, DottedTextHasPointsBetweenNumbersOnly) {
                   Row{"largest", {4294967295u, 0}, "4294967295.0"}}) {
     EXPECT_EQ(DottedText(Name(row.ids)), row.text) << row.what;
   }
+}
+
+TEST(ObjectIdentifierTest, DottedTextOfTheLongestNameIsWhole) {
+  std::vector<UINT> ids(128, 4294967295u);
+  std::string text = "4294967295";
+  for (int i = 1; i < 128; ++i) text += ".4294967295";
+  EXPECT_EQ(DottedText(Name(ids)), text);
 }
 
 TEST(ObjectIdentifierTest, DottedTextWithPrefixKeepsThePointBeforeAnEmptySuffix) {

@@ -94,6 +94,15 @@ TEST(SharedTextTest, TextIsMeasuredWithinItsCapacity) {
   EXPECT_EQ(MeasureShared(cell, 0), 0u);
 }
 
+TEST(SharedTextTest, NoByteBehindTheLengthIsCopied) {
+  char cell[] = "....";
+  WriteShared(cell, "abcd", 2);
+  EXPECT_STREQ(cell, "ab..");
+  char text[] = "----";
+  ReadShared(cell, text, 3);
+  EXPECT_STREQ(text, "ab.-");
+}
+
 }  // namespace
 
 }  // namespace Agent::Tests

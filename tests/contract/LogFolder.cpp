@@ -1,11 +1,11 @@
 #include "tests/contract/LogFolder.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 
 #include "platform/Files.h"
+#include "tests/support/TempFolder.h"
 
 namespace Contract {
 
@@ -16,14 +16,12 @@ namespace {
 #if !defined(_WIN32)
 constexpr char kDataVariable[] = "CORVANE_DATA";
 
-// Tests must not write into the machine's own folders.
+// Tests must not write into the machine's own folders, and programs that run side by side
+// must not share one. A program that this one starts inherits the folder.
 void UseTemporaryFolder() {
-  static char setting[512];
   if (std::getenv(kDataVariable) != nullptr) return;
-  const fs::path folder = fs::temp_directory_path() / "corvane-contract-tests";
-  fs::create_directories(folder);
-  std::snprintf(setting, sizeof setting, "%s=%s", kDataVariable, folder.c_str());
-  putenv(setting);
+  static const Vask::Tests::TempFolder folder;
+  setenv(kDataVariable, folder.NativePath().c_str(), 1);
 }
 #endif
 

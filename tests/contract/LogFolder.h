@@ -7,8 +7,9 @@
 namespace Contract {
 
 // The log folder of the module under test: natively in a temporary folder of this
-// program, on Windows in the machine's common application data (that of the Wine
-// prefix). Create one before you load the module. The constructor removes old log
+// program, which is removed when the program ends; on Windows in the machine's common
+// application data (that of the Wine prefix, which under ctest is the program's own).
+// Create one before you load the module. The constructor removes old log
 // files.
 class LogFolder {
  public:

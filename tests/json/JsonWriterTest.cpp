@@ -45,6 +45,8 @@ TEST(JsonEscaping, WritesEachKindOfByteByItsRule) {
            Row{"TwoBytesLast", "\xDF\xBF", "\\u07ff"},
            Row{"ThreeBytes", "\xE2\x82\xAC", "\\u20ac"},
            Row{"ThreeBytesLast", "\xEF\xBF\xBF", "\\uffff"},
+           Row{"EveryDigit", "\xC4\xA3\xE4\x95\xA7\xE8\xA6\xAB\xEC\xB7\xAF",
+               "\\u0123\\u4567\\u89ab\\ucdef"},
            Row{"SequenceOfZero", "\xC0\x80", "\\u0000"},
            Row{"FourBytesAreDropped", "a\xF0\x9F\x98\x80z", "az"},
            Row{"StrayContinuationIsDropped", "a\x80\xBFz", "az"},

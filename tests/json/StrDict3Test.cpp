@@ -140,15 +140,17 @@ TEST(StrDict3, KeysMayBranchOffAnywhereInALongerOne) {
   }
 }
 
+constexpr std::size_t kLongestKey = 65535;
+
 TEST(StrDict3, KeysAreCutAtTheirLimit) {
-  const std::string most(Dictionary::kMaxKeyLength, 'k');
+  const std::string most(kLongestKey, 'k');
   Dictionary dictionary;
   dictionary.Insert((most + "x").c_str(), 1);
   EXPECT_EQ(Value(dictionary, most.c_str()), 1);
   EXPECT_EQ(Value(dictionary, (most + "anything").c_str()), 1);
   dictionary.Insert((most + "y").c_str(), 2);  // along the same path
   EXPECT_EQ(Value(dictionary, most.c_str()), 2);
-  const std::string less(Dictionary::kMaxKeyLength - 1, 'k');
+  const std::string less(kLongestKey - 1, 'k');
   EXPECT_EQ(Value(dictionary, less.c_str()), -1);
   dictionary.Insert((less + "z").c_str(), 3);
   EXPECT_EQ(Value(dictionary, most.c_str()), 2);
@@ -175,7 +177,7 @@ TEST(StrDict3, PathStopsAtTheEndsOfItsFolding) {
   EXPECT_EQ(path.Append(text, untilQuote), text + 2);
   EXPECT_EQ(path.Append(text + 2, untilQuote), text + 2);
   EXPECT_EQ(path.End(), Found(dictionary, "ab"));
-  const std::string tooLong = std::string(Dictionary::kMaxKeyLength, 'x') + "\"";
+  const std::string tooLong = std::string(kLongestKey, 'x') + "\"";
   EXPECT_EQ(*path.Append(tooLong.c_str(), untilQuote), '"');
   EXPECT_EQ(*path.Append(tooLong.c_str(), untilQuote), '"');
 }
@@ -184,8 +186,8 @@ TEST(StrDict3, LongPathsAreDestroyedWithoutRecursion) {
   StrDict3<int>::StandardAllocator nodes;
   {
     Dictionary dictionary(&nodes);
-    dictionary.Insert(std::string(Dictionary::kMaxKeyLength, 'k').c_str(), 1);
-    EXPECT_EQ(nodes.NodesInUse(), (Dictionary::kMaxKeyLength + 15) / 16);
+    dictionary.Insert(std::string(kLongestKey, 'k').c_str(), 1);
+    EXPECT_EQ(nodes.NodesInUse(), (kLongestKey + 15) / 16);
   }
   EXPECT_EQ(nodes.NodesInUse(), 0u);
 }

@@ -1,6 +1,7 @@
 #include "json/ValueMemory.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -17,7 +18,21 @@
 namespace Vask {
 namespace {
 
-using ValueMemoryTest = Tests::BalancedTest;
+// Every slab must be freed as well.
+class ValueMemoryTest : public Tests::BalancedTest {
+ protected:
+  void SetUp() override {
+    BalancedTest::SetUp();
+    m_blocksBefore = Tests::HeldBlocks();
+  }
+  void TearDown() override {
+    EXPECT_EQ(Tests::HeldBlocks(), m_blocksBefore);
+    BalancedTest::TearDown();
+  }
+
+ private:
+  std::ptrdiff_t m_blocksBefore = 0;
+};
 
 // Takes pieces of `bytes` until one needs another allocation.
 int PiecesPerSlab(std::size_t bytes) {
@@ -34,6 +49,7 @@ TEST_F(ValueMemoryTest, ManyPiecesTakeOneAllocation) {
   EXPECT_EQ(PiecesPerSlab(64), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(57), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(65), (4096 - 8) / (72 + 8));
+  EXPECT_EQ(PiecesPerSlab(48), 73) << "these fill the slab to its last byte";
 }
 
 TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabHasItsOwnAllocation) {

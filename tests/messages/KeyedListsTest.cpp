@@ -42,6 +42,13 @@ TEST_F(KeyedListsTest, SequenceStartsEmpty) {
   EXPECT_TRUE(sequence.m_entries.Empty());
 }
 
+TEST_F(KeyedListsTest, ProcessesStartWithoutPortsAndSwitches) {
+  const ProcessList2::processes process;
+  EXPECT_EQ(process.m_ProcessInfo.m_streamServerPort, 0);
+  EXPECT_EQ(process.m_ProcessInfo.m_kelvo9, 0);
+  EXPECT_EQ(process.m_ProcessInfo.m_kantar, 0);
+}
+
 TEST_F(KeyedListsTest, SequenceHoldsItsEntriesByKey) {
   EXPECT_EQ("true streams s1=Main|No input s2=Backup|",
             Sequence(R"({"sequenceType": "streams", "entries": {

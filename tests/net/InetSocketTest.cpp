@@ -3,10 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/support/FaultySockets.h"
+#include "tests/support/ForwardingSockets.h"
 #include "tests/support/RecordingLog.h"
 
 namespace Vask::Tests {
@@ -142,6 +146,43 @@ TEST_F(InetSocketTest, ShutdownKeepsTheHandle) {
 TEST_F(InetSocketTest, ShutdownOfAClosedSocketDoesNothing) {
   socket.Shutdown();
   EXPECT_THAT(sockets.calls, IsEmpty());
+}
+
+// Closes the connection from another thread while a shutdown has looked at the handle and
+// is about to use it.
+class SocketsThatCloseMeanwhile final : public ForwardingSockets {
+ public:
+  using ForwardingSockets::ForwardingSockets;
+
+  InetSocket* socket = nullptr;
+  std::thread closing;
+  bool isTakenMeanwhile = false;
+
+  void Shutdown(Platform::SocketHandle) noexcept override {
+    if (closing.joinable()) return;
+    closing = std::thread([this] { socket->Close(); });
+    isTakenMeanwhile =
+        m_taken.get_future().wait_for(std::chrono::milliseconds(200)) == std::future_status::ready;
+  }
+  Platform::Disconnection Disconnect(Platform::SocketHandle handle) noexcept override {
+    m_taken.set_value();
+    return ForwardingSockets::Disconnect(handle);
+  }
+
+ private:
+  std::promise<void> m_taken;
+};
+
+TEST(InetSocketThreadTest, CloseWaitsForAShutdownThatUsesTheHandle) {
+  FaultySockets noNetwork;
+  SocketsThatCloseMeanwhile sockets(noNetwork);
+  InetSocketConnector socket(sockets);
+  sockets.socket = &socket;
+  ASSERT_TRUE(socket.Connect(kPeer, 600));
+  socket.Shutdown();
+  sockets.closing.join();
+  EXPECT_FALSE(sockets.isTakenMeanwhile);
+  EXPECT_EQ(socket.Handle(), Platform::kInvalidSocket);
 }
 
 class InetSocketConnectorTest : public testing::Test {

@@ -1,6 +1,8 @@
 #include "tests/support/AllocationCounter.h"
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -14,6 +16,7 @@
 namespace {
 
 constinit std::atomic<std::uint64_t> g_allocations{0};
+constinit std::atomic<std::ptrdiff_t> g_heldBlocks{0};
 
 }  // namespace
 
@@ -21,6 +24,10 @@ namespace Vask::Tests {
 
 std::uint64_t Allocations() noexcept {
   return g_allocations.load(std::memory_order_relaxed);
+}
+
+std::ptrdiff_t HeldBlocks() {
+  return g_heldBlocks.load(std::memory_order_relaxed);
 }
 
 }  // namespace Vask::Tests
@@ -47,7 +54,13 @@ void* Allocate(std::size_t size) {
   g_allocations.fetch_add(1, std::memory_order_relaxed);
   void* memory = std::malloc(size != 0 ? size : 1);
   if (memory == nullptr) throw std::bad_alloc();
+  g_heldBlocks.fetch_add(1, std::memory_order_relaxed);
   return memory;
+}
+
+void Free(void* memory) noexcept {
+  if (memory != nullptr) g_heldBlocks.fetch_sub(1, std::memory_order_relaxed);
+  std::free(memory);
 }
 
 }  // namespace
@@ -59,16 +72,16 @@ void* operator new[](std::size_t size) {
   return Allocate(size);
 }
 void operator delete(void* memory) noexcept {
-  std::free(memory);
+  Free(memory);
 }
 void operator delete[](void* memory) noexcept {
-  std::free(memory);
+  Free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
+  Free(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
-  std::free(memory);
+  Free(memory);
 }
 
 #endif

@@ -66,5 +66,13 @@ TEST_F(CommonDataTest, DriveOfAPathIsIgnored) {
   EXPECT_TRUE(std::filesystem::is_directory(temp.NativePath() / "folder"));
 }
 
+TEST_F(CommonDataTest, DriveIsALetterOfEitherCase) {
+  for (const char drive : {'A', 'Z', 'a', 'z', '@', '[', '`', '{'}) {
+    const bool isLetter = drive == 'A' || drive == 'Z' || drive == 'a' || drive == 'z';
+    EXPECT_EQ(Platform::SystemFiles().IsFolder((drive + (":" + temp.Path())).c_str()), isLetter)
+        << drive;
+  }
+}
+
 }  // namespace
 }  // namespace Vask::Tests

@@ -92,6 +92,18 @@ TEST_P(Zones, TheEpochAndEarlierMomentsAreAsTheSystemBreaksThemDown) {
   }
 }
 
+// The answer shows that the zone is read once: the process has another one by now.
+TEST_P(Zones, LocalTimeOfAWholeQuarterIsKept) {
+  if (BreakDown(kSummerOf2018).second != 0) return;  // nothing is kept in this zone
+  const LocalTime first = quarter.ToLocal(kSummerOf2018);
+  const TimeZone other("XXX7:11");
+  LocalTime last = first;
+  last.minute += 14;
+  last.second = 59;
+  EXPECT_EQ(Fields(quarter.ToLocal(kSummerOf2018 + 899)), Fields(last));
+  ExpectTheSameAt(kSummerOf2018 + 900);
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Rows, Zones,
     testing::Values(ZoneRow{"Utc", "UTC0"},
