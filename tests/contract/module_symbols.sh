@@ -42,7 +42,6 @@ crash_line() {
   local offset place
   offset=$("${emulator[@]}" "$crash" "$module" </dev/null | tr -d '\r' || true)
   place=$($tool-addr2line -e "$module.debug" "$(printf '0x%x' $((0x$(image_base) + 0x$offset)))")
-  place=${place##*../}  # a compiler cache may add "../../"
   sed -n "${place##*:}{s/^ *//;p}" "$(dirname "$0")/../../${place%:*}"
 }
 
