@@ -1,8 +1,13 @@
 # Counts the test cases of all programs and steps. To be sourced after console.sh.
 
-total_passed=0
-total_failed=0
-complaints=()
+# begin_tally: from zero. A process that counts for itself calls it, because it inherits
+# the counts of the process that started it.
+begin_tally() {
+  total_passed=0
+  total_failed=0
+  complaints=()
+}
+begin_tally
 
 # add_tally STEP: reads the lines of tally.awk from standard input.
 add_tally() {

@@ -25,14 +25,23 @@ class NoDescriptors {
   rlimit m_before{};
 };
 
-TEST(DescriptorLimitTest, NothingOpensWithoutADescriptor) {
+void ExpectThatAllOpen(bool expected) {
   ListeningSocket listener;
+  EXPECT_EQ(listener.Open(0), expected);
+  EXPECT_EQ(listener.IsOpen(), expected);
+  EXPECT_EQ(SystemSocket(SystemSockets().OpenTcp()).Valid(), expected);
+  EXPECT_EQ(SystemSocket(SystemSockets().OpenUdp()).Valid(), expected);
+  const NativeHandle event = SystemThreading().CreateEvent(EventReset::Manual);
+  EXPECT_EQ(event != nullptr, expected);
+  if (event != nullptr) SystemThreading().CloseEvent(event);
+}
+
+// First with descriptors: the undefined-behaviour sanitizer itself needs one for its first
+// look at an object.
+TEST(DescriptorLimitTest, NothingOpensWithoutADescriptor) {
+  ExpectThatAllOpen(true);
   const NoDescriptors limit;
-  EXPECT_FALSE(listener.Open(0));
-  EXPECT_FALSE(listener.IsOpen());
-  EXPECT_EQ(SystemSockets().OpenTcp(), kInvalidSocket);
-  EXPECT_EQ(SystemSockets().OpenUdp(), kInvalidSocket);
-  EXPECT_EQ(SystemThreading().CreateEvent(EventReset::Manual), nullptr);
+  ExpectThatAllOpen(false);
 }
 
 }  // namespace
