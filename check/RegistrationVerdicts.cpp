@@ -26,10 +26,9 @@ constexpr std::uint32_t kAutomatic = 2;
 constexpr std::uint32_t kManual = 3;
 constexpr std::uint32_t kDisabled = 4;
 
+// For every type but the automatic one.
 std::string StartWord(std::uint32_t type) {
   switch (type) {
-    case kAutomatic:
-      return "automatic";
     case kManual:
       return "manual";
     case kDisabled:

@@ -88,10 +88,10 @@ class JsonObject final : public Json {
     }
 
    private:
+    // No other node begins at the end of the room, because each piece of memory has a head.
     bool IsInRoom(const Dictionary::Node* node) const noexcept {
-      const auto toEnd =
-          reinterpret_cast<std::uintptr_t>(m_end) - reinterpret_cast<std::uintptr_t>(node);
-      return toEnd != 0 && toEnd <= kRoom * sizeof(Dictionary::Node);
+      return reinterpret_cast<std::uintptr_t>(m_end) - reinterpret_cast<std::uintptr_t>(node) <=
+             kRoom * sizeof(Dictionary::Node);
     }
 
     ValueMemory* m_memory = nullptr;     // null: the heap

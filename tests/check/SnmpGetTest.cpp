@@ -98,6 +98,12 @@ TEST(SnmpGet, MalformedResponsesAreRefused) {
   EXPECT_FALSE(DecodeResponse(request)) << "a request is not a response";
 }
 
+TEST(SnmpGet, ValueOfAnotherTypeIsNeitherNumberNorText) {
+  const auto response = DecodeResponse(Response(Bytes({0x40, 4, 127, 0, 0, 1})));
+  ASSERT_TRUE(response);
+  EXPECT_EQ(response->bindings[0].kind, SnmpBinding::Kind::kOther);
+}
+
 TEST(SnmpGet, LongFormOfALengthIsRead) {
   const auto response = DecodeResponse(Response(Bytes({0x04, 0x84, 0, 0, 0, 1, 'a'})));
   ASSERT_TRUE(response);

@@ -89,6 +89,10 @@ const Row kServiceRows[] = {
      StepId::kService, kFailed, "start type is disabled", "sc.exe config SNMP start= auto"},
     {"ServiceStartsManually", [](F& f) { f.service.startType = 3; }, StepId::kService, kFailed,
      "manual: it does not start with Windows", "sc.exe config SNMP start= auto"},
+    {"ServiceRunsAlthoughDisabled", [](F& f) { f.service.startType = 4; }, StepId::kService,
+     kFailed, "disabled: it does not start with Windows", "sc.exe config SNMP start= auto"},
+    {"ServiceOfAnotherStartType", [](F& f) { f.service.startType = 7; }, StepId::kService, kFailed,
+     "unknown (7): it does not start with Windows", "sc.exe config SNMP start= auto"},
     {"ServiceUnknown",
      [](F& f) {
        f.service.state = State::kUnknown;
@@ -162,6 +166,8 @@ const Row kServiceRows[] = {
      "not a Windows DLL", "x64 package"},
     {"ImageIsCut", [](F& f) { f.dll.image.kind = Kind::kTruncated; }, StepId::kImage, kFailed,
      "damaged", "x64 package"},
+    {"ImageUnread", [](F& f) { f.dll.image.kind = Kind::kUnread; }, StepId::kImage, kSkipped,
+     "The file cannot be read", ""},
     {"ImageIsAProgram", [](F& f) { f.dll.image.isDll = false; }, StepId::kImage, kFailed,
      "a program, not a DLL", "x64 package"},
     {"ImageLacksAnExport", [](F& f) { f.dll.image.exports.pop_back(); }, StepId::kImage, kFailed,
@@ -324,6 +330,8 @@ const Row kLinkRows[] = {
      },
      StepId::kLink, kFailed, "probe.exe (process 77) is connected to the port, but not the service",
      "restart the service"},
+    {"ConnectionOfAnUnknownProcess", [](F& f) { f.service.processId = 0; }, StepId::kLink, kSkipped,
+     "The process of the service is not known", ""},
     {"ConnectionWithoutService", [](F& f) { f.service.state = State::kStopped; }, StepId::kLink,
      kSkipped, "The service does not run", ""},
     {"NoValuesForOverAMinute",
