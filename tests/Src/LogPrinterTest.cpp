@@ -122,7 +122,7 @@ TEST_F(LogPrinterTest, ATextOf2047CharactersIsWholeOnTheConsole) {
 
 TEST_F(LogPrinterTest, FormatsMeanTheSameOnEverySystem) {
   printer.SetCompact(true);
-  printer.Info("%llu %zu %lld %5.2f %s %x %%\n", 18446744073709551615ull, std::size_t{7}, -5ll, 1.5,
+  printer.Info("%llu %zu %lld %5.2f %s %x %%\n", 18446744073709551615ULL, std::size_t{7}, -5LL, 1.5,
                "s", 255u);
   EXPECT_EQ(files.console, "I18446744073709551615 7 -5  1.50 s ff %\n");
 }
