@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
+#include <cstdio>
 #include <functional>
 #include <string>
 
@@ -65,9 +65,8 @@ class ScriptedPeer final : public Vask::Platform::Sockets {
     addressNetworkOrder = 1;
     return true;
   }
-  bool HostName(char* name, std::size_t) noexcept override {
-    std::strcpy(name, "machine");
-    return true;
+  bool HostName(char* name, std::size_t size) noexcept override {
+    return std::snprintf(name, size, "machine") > 0;
   }
 
  private:
