@@ -16,7 +16,6 @@ namespace Agent::Tests {
 namespace {
 
 using Vask::LogPrinter;
-using Vask::Tests::Binding;
 using Vask::Tests::FaultPlan;
 using Vask::Tests::ForEveryFault;
 

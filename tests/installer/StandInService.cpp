@@ -56,7 +56,7 @@ std::string ReadText(HKEY key, const char* name) {
 std::string ReadText(const std::string& path, const char* name) {
   HKEY key = nullptr;
   if (RegOpenKeyExA(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key) != 0) return "";
-  const std::string text = ReadText(key, name);
+  std::string text = ReadText(key, name);
   RegCloseKey(key);
   return text;
 }
