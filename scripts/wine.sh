@@ -27,7 +27,8 @@ prepare_wine_prefix() {
 }
 
 # copy_wine_prefix FOLDER: makes a second prefix there. Both use the same folder of
-# Windows' own files, which is large and does not change.
+# Windows' own files, which is large and does not change. The logs of an agent that ran in
+# the first prefix stay behind.
 copy_wine_prefix() {
   mkdir -p "$1/drive_c"
   cp -a "$WINEPREFIX"/*.reg "$WINEPREFIX"/dosdevices "$WINEPREFIX"/.update-timestamp "$WINEPREFIX"/.prepared "$1"
@@ -35,6 +36,7 @@ copy_wine_prefix() {
   for folder in "$WINEPREFIX"/drive_c/*; do
     [[ "$folder" == */windows ]] || cp -a "$folder" "$1/drive_c"
   done
+  rm -rf "$1/drive_c/ProgramData/Veltrin Systems"
   ln -s "$(realpath "$WINEPREFIX")/drive_c/windows" "$1/drive_c/windows"
 }
 

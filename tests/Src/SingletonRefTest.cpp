@@ -9,7 +9,6 @@
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
-#include <latch>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -122,11 +121,13 @@ struct Slow : SingletonRef<Slow> {
 
 TEST_F(SingletonRefTest, ThreadsThatAskAtTheSameTimeGetOneInstance) {
   std::array<Slow*, 4> seen{};
-  std::latch start(seen.size());
+  // No std::latch: with mingw-w64's C++ library a thread of it may wait for ever.
+  std::atomic<size_t> missing{seen.size()};
   std::vector<std::thread> threads;
   for (Slow*& instance : seen) {
-    threads.emplace_back([&instance, &start] {
-      start.arrive_and_wait();
+    threads.emplace_back([&instance, &missing] {
+      --missing;
+      while (missing > 0) std::this_thread::yield();
       instance = &Slow::Instance();
     });
   }
