@@ -78,18 +78,24 @@ start_trap_receiver_here() {
 }
 trap_receiver_listens() { ss -Hlun "sport = :$trap_port" | grep -q .; }
 
-# start_host [OPTION...]: removes the log of an earlier run and starts snmphost.
+# start_host [OPTION...]: starts snmphost.
 start_host() {
+  start_loader "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$@" "$module"
+}
+
+# start_loader COMMAND...: removes the log of an earlier run, starts the program that loads
+# the module, and waits until it has printed a line with $serving.
+start_loader() {
   rm -rf "$log_folder"
   mkdir -p "$data_folder"
-  setsid "$host_program" --listen "udp:$address" --trap-sink "127.0.0.1:$trap_port" "$@" "$module" \
-    >"$host_said" 2>&1 </dev/null &
+  setsid "$@" >"$host_said" 2>&1 </dev/null &
   host=$!
   host_started_ms=$(now_ms)
   await host_is_up || true
-  stays "$host" snmphost "$host_said"
+  stays "$host" "$(basename "$1")" "$host_said"
 }
-host_is_up() { grep -q '^Serving' "$host_said" || ! kill -0 "$host"; }
+serving='^Serving'
+host_is_up() { grep -q "$serving" "$host_said" || ! kill -0 "$host"; }
 
 now_ms() { date +%s%3N; }
 
