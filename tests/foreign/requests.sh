@@ -10,19 +10,22 @@ declare -A manager=([1]='-v1 -c public' [2c]='-v2c -c public')
 use_privacy() { manager[3]="-v3 -u fred -l authPriv -a SHA -A secretsecret -x $1 -X secretsecret"; }
 
 # request TOOL VERSION ARGUMENT...: prints the request and its answer. P is the prefix. A
-# failed object is the name that the error index of the answer points to.
+# failed object is the name that the error index of the answer points to. An agent that has
+# not answered once is not asked again.
 request() {
-  local tool=$1 version=$2 options answer
+  local tool=$1 version=$2 options answer='not asked'
   shift 2
-  read -ra options <<<"${manager[$version]}"
-  answer=$("$tool" "${options[@]}" -t 10 -r 2 -On "$address" "${@//P/$prefix}" 2>&1 |
-    sed "/^Error in packet/d; /^$/d; s/\.$prefix/P/g; s/^Reason: (\(noSuchName\)).*/\1/; s/^Reason: \([A-Za-z]*\) .*/\1/" |
-    paste -sd'|')
+  if [[ "$silent" == false ]]; then
+    read -ra options <<<"${manager[$version]}"
+    answer=$("$tool" "${options[@]}" -t 20 -r 2 -On "$address" "${@//P/$prefix}" 2>&1 |
+      sed "/^Error in packet/d; /^$/d; s/\.$prefix/P/g; s/^Reason: (*\([A-Za-z]*\).*/\1/" | paste -sd'|')
+    [[ "$answer" != *Timeout* ]] || silent=true
+  fi
   echo "$version $tool $*: $answer"
 }
 
 print_answers() {
-  local version name variable_names=(P.0.0 P.1.0 P.1.1 P.2.0 P.2.1 P.2.2 P.2.3 P.2.4)
+  local version name silent=false variable_names=(P.0.0 P.1.0 P.1.1 P.2.0 P.2.1 P.2.2 P.2.3 P.2.4)
   for version in 1 2c 3; do
     for name in "${variable_names[@]}" P P.0 P.0.0.0 P.1.1.7.8 P.1.2.3 P.2.5 P.3; do
       request snmpget "$version" "$name"
