@@ -25,7 +25,8 @@ request() {
 }
 
 print_answers() {
-  local version name silent=false variable_names=(P.0.0 P.1.0 P.1.1 P.2.0 P.2.1 P.2.2 P.2.3 P.2.4)
+  local version name silent=false variable_names=()
+  for name in "${variables[@]}"; do variable_names+=("${variable_oid[$name]/"$prefix"/P}"); done
   for version in 1 2c 3; do
     for name in "${variable_names[@]}" P P.0 P.0.0.0 P.1.1.7.8 P.1.2.3 P.2.5 P.3; do
       request snmpget "$version" "$name"
