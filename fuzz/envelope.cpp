@@ -60,7 +60,7 @@ void SubscribeToLists(bool subscribe) {
 bool HasLongKey(const std::string& text) {
   for (std::size_t at = text.find('"'); at < text.size(); at = text.find('"', at)) {
     const std::size_t begin = ++at;
-    while (at < text.size() && text[at] != '"') at += text[at] == '\\' ? 2 : 1;
+    while (at < text.size() && text[at] != '"') at += text[at] == '\\' ? 2u : 1u;
     if (at >= text.size()) return false;
     const std::size_t length = at++ - begin;
     const auto next = std::find_if(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
