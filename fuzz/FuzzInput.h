@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -29,12 +30,9 @@ class Input {
 
   // Returns the bytes up to the next NUL, which it drops, or up to the end.
   std::string Text() {
-    std::string text;
-    while (!AtEnd()) {
-      const std::uint8_t byte = *m_at++;
-      if (byte == 0) break;
-      text.push_back(static_cast<char>(byte));
-    }
+    const std::uint8_t* const end = std::find(m_at, m_end, std::uint8_t{0});
+    std::string text(m_at, end);
+    m_at = end == m_end ? end : end + 1;
     return text;
   }
 
