@@ -28,8 +28,8 @@ namespace fs = std::filesystem;
 constexpr char kHelp[] =
     "rehearse.cmd [/service]\n"
     "\n"
-    "Runs the tests of the Corvane SNMP agent on this machine, in about five minutes, and\n"
-    "writes all logs to rehearsal-results.zip. Please send this file back.\n"
+    "Runs the tests of the Corvane SNMP agent on this machine, which takes some minutes,\n"
+    "and writes all logs to rehearsal-results.zip. Please send this file back.\n"
     "\n"
     "It writes to its own folder and to the log folder of the agent, which it removes again.\n"
     "It refuses to run if the agent is installed, or if a program uses TCP port 16969.\n"
