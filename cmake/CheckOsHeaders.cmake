@@ -15,6 +15,7 @@ set(allowed
     "^host/(native|winelib)/"             # the side of the host that loads the module
     "^tests/platform/(linux|win32)/"      # tests of one system's side of the seam
     "^tests/(contract|host|installer)/"   # they load the module, or replace its host
+    "^tests/rehearsal/win32/"            # runs test programs on a Windows machine
     "^tests/hostile/(linux|win32)/"       # between the loaded module and the system
     "^tests/support/SmallStack\\.h$"      # a stack of another size than the seam's
     "^benchmarks/Src/LogBenchmark\\.cpp$" # compares with the bare system call

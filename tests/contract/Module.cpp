@@ -5,6 +5,7 @@
 
 #include "tests/contract/Library.h"
 #include "tests/support/Binding.h"
+#include "tests/support/BuildFolder.h"
 
 namespace Contract {
 
@@ -38,7 +39,7 @@ std::string Dotted(const AsnObjectIdentifier& name) {
 
 std::string Module::Path() {
   const char* const path = std::getenv("CORVANE_MODULE");
-  return path != nullptr && *path != '\0' ? path : CORVANE_MODULE_DEFAULT;
+  return path != nullptr && *path != '\0' ? path : Vask::Tests::InBuildFolder(CORVANE_MODULE_PLACE);
 }
 
 Module::Module() : m_library(LoadLibraryFile(Path())) {

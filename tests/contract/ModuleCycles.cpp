@@ -24,6 +24,7 @@
 #include "tests/contract/LogFolder.h"
 #include "tests/contract/Module.h"
 #include "tests/contract/ProcessEnd.h"
+#include "tests/support/BuildFolder.h"
 #include "tests/support/MachinePauses.h"
 
 namespace {
@@ -82,7 +83,8 @@ bool NothingWasLeft(const Holdings& before, const Holdings& after, int cycles) {
 
 std::unique_ptr<Contract::Companion> StartPeer(const char* mode) {
   if (mode == nullptr) return nullptr;
-  return std::make_unique<Contract::Companion>(CORVANE_MODULE_PEER, std::vector<std::string>{mode});
+  return std::make_unique<Contract::Companion>(Vask::Tests::InBuildFolder(CORVANE_MODULE_PEER),
+                                               std::vector<std::string>{mode});
 }
 
 // Returns the duration of the unload in `stopMs`. False if the module does not serve.
@@ -132,7 +134,8 @@ bool ExitsHold(int exits) {
   const auto peer = StartPeer("flood");
   std::uint32_t longestMs = 0;
   for (int i = 1; i <= exits; ++i) {
-    const Contract::ProcessEnd end = Contract::RunToItsEnd(CORVANE_MODULE_EXIT, "busy");
+    const Contract::ProcessEnd end =
+        Contract::RunToItsEnd(Vask::Tests::InBuildFolder(CORVANE_MODULE_EXIT), "busy");
     if (end.status != 0) {
       std::printf("process end %d  FAILED: exit status %d\n", i, end.status);
       return false;

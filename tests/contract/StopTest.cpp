@@ -3,6 +3,7 @@
 #include "platform/ListeningSocket.h"
 #include "tests/contract/ContractFixture.h"
 #include "tests/contract/ProcessEnd.h"
+#include "tests/support/BuildFolder.h"
 #include "tests/support/RawClient.h"
 
 namespace Contract {
@@ -94,7 +95,7 @@ class ProcessEndTest : public ContractTest {
 
   // The duration of the end of the process, in milliseconds.
   static std::uint32_t TimedEnd(const char* state) {
-    const ProcessEnd end = RunToItsEnd(CORVANE_MODULE_EXIT, state);
+    const ProcessEnd end = RunToItsEnd(Vask::Tests::InBuildFolder(CORVANE_MODULE_EXIT), state);
     EXPECT_EQ(end.status, 0);
     return end.tookMs;
   }

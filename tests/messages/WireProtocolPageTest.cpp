@@ -3,6 +3,7 @@
 
 #include "tests/messages/AllMessages.h"
 #include "tests/messages/MessageTest.h"
+#include "tests/support/BuildFolder.h"
 
 // Compares docs/wire-protocol.md with the code.
 namespace Messages::Tests {
@@ -17,8 +18,9 @@ struct Block {
 class WireProtocolPageTest : public MessageTest {
  protected:
   WireProtocolPageTest() {
-    std::ifstream file(CORVANE_PROTOCOL_PAGE, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << CORVANE_PROTOCOL_PAGE;
+    const std::string page = Vask::Tests::InBuildFolder("docs/wire-protocol.md");
+    std::ifstream file(page, std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << page;
     for (std::string line; std::getline(file, line);) m_lines.push_back(line);
   }
 

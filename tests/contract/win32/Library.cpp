@@ -31,7 +31,8 @@ namespace {
 
 // Returns an exit status with _P_WAIT, a handle with _P_NOWAIT, and -1 on failure.
 std::intptr_t Spawn(int mode, const std::string& path, const std::vector<std::string>& arguments) {
-  std::vector<const char*> argv{path.c_str()};
+  const std::string quoted = '"' + path + '"';  // the run-time only adds blanks between the words
+  std::vector<const char*> argv{quoted.c_str()};
   for (const std::string& argument : arguments) argv.push_back(argument.c_str());
   argv.push_back(nullptr);
   return _spawnv(mode, path.c_str(), argv.data());
