@@ -9,15 +9,16 @@ begin_tally() {
 }
 begin_tally
 
-# add_tally STEP: reads the lines of tally.awk from standard input.
+# add_tally STEP: reads the lines of tally.awk from standard input. What a program said of
+# its failures is printed here only, and not again at the end.
 add_tally() {
   local passed failed line
   read -r passed failed
   total_passed=$((total_passed + passed))
   total_failed=$((total_failed + failed))
   say "$1: $passed passed, $failed failed"
-  while read -r line; do
-    complaints+=("$1: $line")
+  while IFS= read -r line; do
+    [[ "$line" == ' '* ]] || complaints+=("$1: $line")
     say "  $line"
   done
 }
