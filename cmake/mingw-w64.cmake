@@ -12,5 +12,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 # ctest runs the programs under Wine, if it is installed.
 find_program(CORVANE_WINE wine)
 if(CORVANE_WINE)
-  set(CMAKE_CROSSCOMPILING_EMULATOR ${CORVANE_WINE})
+  set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/bin/wine)
 endif()

@@ -1,6 +1,7 @@
 # A private Wine prefix, and one Wine process that keeps Wine's services running. Without
 # it each program waits seconds for them. To be sourced after console.sh.
 
+export PATH=$top/scripts/bin:$PATH  # its wine runs the system's one at fixed addresses
 export WINEPREFIX=${CORVANE_WINEPREFIX:-$top/build/wine-prefix}
 export WINEDEBUG=-all
 export WINEARCH=win64
@@ -11,7 +12,7 @@ wine_holder=
 
 create_wine_prefix() {
   rm -rf "$WINEPREFIX"
-  wineboot -i
+  wine wineboot -i
   wineserver -w
   touch "$WINEPREFIX/.prepared"
 }
