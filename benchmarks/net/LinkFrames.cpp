@@ -1,6 +1,8 @@
 // Prints how many frames a second the link takes in, for some sizes of their bodies. The
 // sender is always some frames ahead, so the link never waits.
 //
+//   link_frames [MILLISECONDS]    for each size, 3000 by default
+//
 // A program of its own, because it also runs as a Windows program.
 
 #include <algorithm>
@@ -83,12 +85,14 @@ class Feed {
 
 }  // namespace
 
-int main() {
+int main(int count, char** arguments) {
+  const std::chrono::milliseconds length(count > 1 ? std::strtol(arguments[1], nullptr, 10)
+                                                   : 3'000);
   std::printf("%12s %14s %14s\n", "body, bytes", "frames/s", "bytes/s");
   for (const std::size_t bytes : {2U, 16U, 145U, 1'000U}) {
     std::string frame;
     Vask::AppendFrame(frame, std::string(bytes, 'x'));
-    const double frames = Feed().FramesInASecond(frame, std::chrono::seconds(3));
+    const double frames = Feed().FramesInASecond(frame, length);
     std::printf("%12zu %14.0f %14.0f\n", bytes, frames, frames * static_cast<double>(frame.size()));
     static_cast<void>(std::fflush(stdout));
   }
