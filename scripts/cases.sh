@@ -1,6 +1,7 @@
 # Test cases in a bash script: each compares a whole text. To be sourced.
 #
 #   expect NAME ACTUAL EXPECTED    one case; prints both if they differ
+#   expect_success NAME COMMAND... one case; prints the output of a command that fails
 #   close_cases                    prints the closing line; status 1 if a case failed
 
 cases_passed=0
@@ -15,6 +16,14 @@ expect() {
     cases_failed=$((cases_failed + 1))
     printf 'FAILED  %s\n  expected: %s\n  got:      %s\n' "$1" "$3" "$2"
   fi
+}
+
+expect_success() {
+  local name=$1 status=0 said
+  shift
+  said=$("$@" 2>&1) || status=$?
+  ((status != 0)) || said=''
+  expect "$name" "status $status$said" 'status 0'
 }
 
 # expect_eventually NAME EXPECTED COMMAND...: repeats the command until it prints the
