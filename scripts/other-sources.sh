@@ -1,5 +1,5 @@
 # Packages from a list of sources of their own, at the address from which this machine gets
-# Debian. The system's lists and packages stay as they are. To be sourced.
+# Debian. The system's lists and packages stay as they are. To be sourced after console.sh.
 #
 #   use_sources FOLDER TYPE RELEASE  makes FOLDER anew, with a list of TYPE (deb, or deb-src
 #                                    for sources) of this release of Debian
