@@ -22,7 +22,7 @@ from measure import TRAP_ADDRESS, TrapReceiver, measure_scrapes, measure_storm
 from monitoring import ALERTMANAGER, PROMETHEUS, Monitoring, read_shards
 from programs import ProgramFault, wait_until
 from report import print_table, verdict
-from server import Server
+from server import Address, ManyAddresses, Server
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 BUILD = TOP / "build" / "release"
@@ -57,6 +57,7 @@ def read_options():
     parser.add_argument("--shards", action="store_true")
     parser.add_argument("--stay", action="store_true")
     parser.add_argument("--measure", action="store_true")
+    parser.add_argument("--one-agent", action="store_true")
     return parser.parse_args()
 
 
@@ -72,7 +73,13 @@ def show(options, started):
     shutil.rmtree(WORK, ignore_errors=True)
     page = (TOP / "docs" / "scaling.md").read_text(encoding="utf-8")
     monitoring = Monitoring(TOP / "monitoring" / "prometheus", WORK / "monitoring",
-                            read_shards(page) if options.shards else None)
+                            read_shards(page) if options.shards else None, is_quick=not options.one_agent)
+    if options.one_agent:
+        servers = start_one_agent(options.count, monitoring.targets, started)
+        start_monitoring(monitoring, servers, started)
+        say("Measuring scrapes for a minute")
+        measure_scrapes(monitoring, servers)
+        return True
     sinks = [TRAP_ADDRESS] if options.measure else []
     servers = start_servers(options.count, monitoring.targets, sinks, started)
     mailbox = start_monitoring(monitoring, servers, started)
@@ -118,6 +125,22 @@ def start_servers(count, targets, trap_sinks, started):
         for server in servers:
             step(server)
     return servers
+
+
+def start_one_agent(count, targets, started):
+    """Returns the addresses of one agent, each in place of a server."""
+    say(f"Starting one server with {count} addresses: corvane-sim and snmphost with SNMPd.so")
+    network.make_bridge()
+    server = ManyAddresses(1, BUILD, WORK, targets)
+    started.callback(server.stop)
+    network.connect([server.network])
+    server.network.take_further_addresses()
+    server.start_corvane()
+    server.launch_agent()
+    server.await_agent()
+    addresses = [Address(number, server) for number in range(1, count + 1)]
+    network.write_hosts(WORK / "hosts", addresses)
+    return addresses
 
 
 def start_monitoring(monitoring, servers, started):

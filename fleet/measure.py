@@ -1,7 +1,7 @@
 """Measures what one scrape costs, and what happens if all servers fail at once.
 
-The scrapes come every second. So the rules are evaluated once for each scrape of a server, as with
-the delivered intervals.
+The rules are evaluated once for each scrape of a server: every second, or with the delivered
+intervals.
 """
 
 import pathlib
@@ -57,7 +57,7 @@ class Counters:
 
 
 def measure_scrapes(monitoring, servers):
-    groups = {"agents with snmphost": [server.service for server in servers],
+    groups = {"agents with snmphost": list({server.service for server in servers}),
               "exporters": [exporter.program for exporter in monitoring.exporters],
               "Prometheus": [monitoring.prometheus]}
     before = Counters(groups, monitoring)

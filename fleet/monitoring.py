@@ -26,18 +26,24 @@ def quicken(rules):
 
 
 def for_these_servers(configuration, shards=None):
-    """Changes the delivered prometheus.yml: servers from a file, short intervals.
+    """Changes the delivered prometheus.yml: servers from a file.
 
     `shards` replaces parts of the two jobs: it has the form of scrape_configs.
     """
     settings = yaml.safe_load(configuration)
-    settings["global"] = {"scrape_interval": INTERVAL, "evaluation_interval": INTERVAL}
     for job, parts in zip(settings["scrape_configs"], shards or []):
         assert job["job_name"] == parts["job_name"]
         job.update(parts)
     servers = settings["scrape_configs"][0]
     del servers["static_configs"]
     servers["file_sd_configs"] = [{"files": [TARGETS_FILE]}]
+    return yaml.safe_dump(settings, sort_keys=False)
+
+
+def scrape_often(configuration):
+    """Changes prometheus.yml: short intervals."""
+    settings = yaml.safe_load(configuration)
+    settings["global"] = {"scrape_interval": INTERVAL, "evaluation_interval": INTERVAL}
     return yaml.safe_dump(settings, sort_keys=False)
 
 
@@ -103,11 +109,15 @@ class Exporter:
 
 
 class Monitoring:
-    """The exporters, Prometheus and Alertmanager. They listen inside the fleet's network."""
+    """The exporters, Prometheus and Alertmanager. They listen inside the fleet's network.
 
-    def __init__(self, delivered, folder, shards=None):
+    `is_quick`: with short intervals and waiting times.
+    """
+
+    def __init__(self, delivered, folder, shards=None, is_quick=True):
         self._delivered = delivered
         self.folder = folder
+        self._is_quick = is_quick
         self._shards = shards
         folder.mkdir(parents=True)
         self.targets = Targets(folder)
@@ -119,8 +129,10 @@ class Monitoring:
         self._opener = urllib.request.build_opener(urllib.request.ProxyHandler({}))
 
     def start(self):
-        self._write("corvane.rules.yml", quicken(self._read("corvane.rules.yml")))
-        self._write("prometheus.yml", for_these_servers(self._read("prometheus.yml"), self._shards))
+        rules = self._read("corvane.rules.yml")
+        configuration = for_these_servers(self._read("prometheus.yml"), self._shards)
+        self._write("corvane.rules.yml", quicken(rules) if self._is_quick else rules)
+        self._write("prometheus.yml", scrape_often(configuration) if self._is_quick else configuration)
         for exporter in self.exporters:
             exporter.start()
         self.prometheus = self._run("prometheus", "prometheus", "--config.file=prometheus.yml",

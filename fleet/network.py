@@ -11,6 +11,7 @@ from programs import Program, run, wait_until
 
 SUBNET = ipaddress.ip_network("10.33.0.0/16")
 FIRST_SERVER = 256  # the monitoring uses the addresses below, 10.33.0.x
+FURTHER_ADDRESSES = ipaddress.ip_network("10.34.0.0/16")  # of one server that has many
 BRIDGE = "fleet"
 
 
@@ -56,6 +57,11 @@ class Namespace:
     def inner_commands(self):
         return ["link set eth0 addrgenmode none", f"address add {self.address}/{SUBNET.prefixlen} dev eth0",
                 "link set eth0 up", "link set lo up"]
+
+    def take_further_addresses(self):
+        """From now on all FURTHER_ADDRESSES lead here."""
+        run("ip", "route", "add", str(FURTHER_ADDRESSES), "via", self.address)
+        run(*self.inside("ip", "route", "add", "local", str(FURTHER_ADDRESSES), "dev", "lo"))
 
     def identity(self):
         """The kernel's name of the holder's network. It changes when the holder has made its own."""

@@ -2,7 +2,7 @@
 
 import os
 
-from network import Namespace
+from network import FURTHER_ADDRESSES, Namespace
 from programs import Program
 
 SNMP_PORT = 161
@@ -129,3 +129,19 @@ class Server:
 
     def _listen_address(self):
         return f"udp:{self.address}:{SNMP_PORT}"
+
+
+class ManyAddresses(Server):
+    """A server whose agent responds at FURTHER_ADDRESSES too."""
+
+    def _listen_address(self):
+        return f"udp:{SNMP_PORT}"
+
+
+class Address:
+    """One of the further addresses. For the monitoring it is a server of its own."""
+
+    def __init__(self, number, server):
+        self.name = f"corvane{number}.example.org"
+        self.address = str(FURTHER_ADDRESSES[number])
+        self.service = server.service

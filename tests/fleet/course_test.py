@@ -229,7 +229,12 @@ class Files(unittest.TestCase):
 
     def before_and_after(self, shards=None):
         text = (DELIVERED / "prometheus.yml").read_text(encoding="utf-8")
-        return yaml.safe_load(text), yaml.safe_load(monitoring.for_these_servers(text, shards))
+        return yaml.safe_load(text), yaml.safe_load(monitoring.scrape_often(monitoring.for_these_servers(text, shards)))
+
+    def test_delivered_intervals_stay_if_the_fleet_is_not_quick(self):
+        text = (DELIVERED / "prometheus.yml").read_text(encoding="utf-8")
+        kept = yaml.safe_load(monitoring.for_these_servers(text))["global"]
+        self.assertEqual(kept, {"scrape_interval": "30s", "evaluation_interval": "30s"})
 
 
 if __name__ == "__main__":
