@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/resource.h>
 
 #include "platform/Event.h"
 
@@ -41,6 +42,20 @@ TEST(EventDescriptorTest, ManualEventStaysReadable) {
   event.Set();
   EXPECT_TRUE(event.Wait(0));
   EXPECT_TRUE(IsReadable(event));
+}
+
+// How often this thread has left the processor to wait for something.
+long Waits() {
+  rusage usage{};
+  getrusage(RUSAGE_THREAD, &usage);
+  return usage.ru_nvcsw;
+}
+
+TEST(EventDescriptorTest, WaitLeavesTheProcessorToOthers) {
+  Event event(EventReset::Automatic);
+  const long before = Waits();
+  EXPECT_FALSE(event.Wait(50));
+  EXPECT_GT(Waits(), before);
 }
 
 }  // namespace
