@@ -85,6 +85,12 @@ TEST(ObjectIdentifierTest, WholeNamesAreInTheOrderOfAWalk) {
           << i << " and " << j;
 }
 
+TEST(ObjectIdentifierTest, NewOneIsEmpty) {
+  const ObjectIdentifier oid;
+  EXPECT_EQ(oid.Name().idLength, 0u);
+  EXPECT_EQ(oid.Name().ids, nullptr);
+}
+
 TEST(ObjectIdentifierTest, JoinCopiesAllPartsInOrder) {
   std::vector<UINT> first{1, 3};
   std::vector<UINT> none;

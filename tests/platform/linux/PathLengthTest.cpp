@@ -1,0 +1,35 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/Files.h"
+#include "tests/support/TempFolder.h"
+
+namespace Vask::Tests {
+namespace {
+
+// A path of this many characters to a file in the folder.
+std::string PathOfLength(const TempFolder& folder, std::size_t length) {
+  const std::string end = "\\file";
+  std::string path = folder.Path();
+  while (path.size() + end.size() + 1 < length) path += "\\.";
+  if (path.size() + end.size() < length) path += '\\';
+  return path + end;
+}
+
+// PATH_MAX of Linux is 4096, with the NUL.
+TEST(PathLengthTest, LongestPathOfTheSystemHas4095Characters) {
+  const TempFolder folder;
+  Platform::Files& files = Platform::SystemFiles();
+  const std::string longest = PathOfLength(folder, 4095);
+  ASSERT_EQ(longest.size(), 4095u);
+  const Platform::FileHandle file = files.OpenForAppend(longest.c_str());
+  EXPECT_NE(file, Platform::kNoFile);
+  EXPECT_TRUE(files.Append(file, "x", 1));
+  files.Close(file);
+  EXPECT_EQ(folder.Bytes("file"), "x");
+  EXPECT_EQ(files.OpenForAppend(PathOfLength(folder, 4096).c_str()), Platform::kNoFile);
+}
+
+}  // namespace
+}  // namespace Vask::Tests
