@@ -127,6 +127,11 @@ TEST_F(LogPrinterTest, FormatsMeanTheSameOnEverySystem) {
   EXPECT_EQ(files.console, "I18446744073709551615 7 -5  1.50 s ff %\n");
 }
 
+TEST_F(LogPrinterTest, AnEmptyTextIsAMessageToo) {
+  printer.Info("%s", "");
+  EXPECT_EQ(files.console, "12:00:00.000: Info: ");
+}
+
 TEST_F(LogPrinterTest, AMessageThatCannotBeFormattedIsReplacedAtTheSameLevel) {
   LogPrinter failing{clock, files, &FailToFormat};
   RecordingLog log;

@@ -33,11 +33,11 @@ TEST_F(MibTableMemoryTest, RegistrationWithoutMemoryForTheValueLeavesNothingBehi
   MibTable& table = agent.Variables();
   const auto before = HeldBlocks();
   {
-    const FailingAllocations failing(1);  // enough for the entry
+    const FailingAllocations failing(1, 1);  // enough for the entry and the node
     EXPECT_EQ(table.RegisterInt(Lend(kFirstSuffix), "Number", nullptr, 1), nullptr);
   }
   {
-    const FailingAllocations failing(1);
+    const FailingAllocations failing(1, 1);
     EXPECT_EQ(table.RegisterString(Lend(kFirstSuffix), "Text", nullptr, 64, "x"), nullptr);
   }
   {

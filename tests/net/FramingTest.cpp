@@ -232,7 +232,9 @@ TEST_F(FrameReaderTest, MemoryGrowsWithReceivedBytesNotWithTheAnnouncedLength) {
   EXPECT_LE(m_reader.BodyCapacity(), 4096u);
 }
 
+// 64 KiB
 TEST_F(FrameReaderTest, MemoryOfAHugeMessageIsFreed) {
+  EXPECT_EQ(FrameReader::kKeptBodyBytes, 65'536u);
   std::string frame;
   AppendFrame(frame, std::string(4 * FrameReader::kKeptBodyBytes, 'x'));
   EXPECT_TRUE(Feed(frame));

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <filesystem>
 #include <string>
 
 #include "platform/Files.h"
@@ -18,7 +20,7 @@ std::string PathOfLength(const TempFolder& folder, std::size_t length) {
 }
 
 // PATH_MAX of Linux is 4096, with the NUL.
-TEST(PathLengthTest, LongestPathOfTheSystemHas4095Characters) {
+TEST(LinuxFilesTest, LongestPathOfTheSystemHas4095Characters) {
   const TempFolder folder;
   Platform::Files& files = Platform::SystemFiles();
   const std::string longest = PathOfLength(folder, 4095);
@@ -29,6 +31,23 @@ TEST(PathLengthTest, LongestPathOfTheSystemHas4095Characters) {
   files.Close(file);
   EXPECT_EQ(folder.Bytes("file"), "x");
   EXPECT_EQ(files.OpenForAppend(PathOfLength(folder, 4096).c_str()), Platform::kNoFile);
+}
+
+mode_t ModeOf(const std::filesystem::path& path) {
+  struct stat state {};
+  EXPECT_EQ(stat(path.c_str(), &state), 0);
+  return state.st_mode & 07777;
+}
+
+TEST(LinuxFilesTest, OwnerMayWriteAndOthersMayRead) {
+  const TempFolder folder;
+  Platform::Files& files = Platform::SystemFiles();
+  const mode_t before = umask(0);
+  files.Close(files.OpenForAppend(folder.Path("file").c_str()));
+  EXPECT_TRUE(files.CreateFolder(folder.Path("folder").c_str()));
+  umask(before);
+  EXPECT_EQ(ModeOf(folder.NativePath() / "file"), 0644u);
+  EXPECT_EQ(ModeOf(folder.NativePath() / "folder"), 0755u);
 }
 
 }  // namespace
