@@ -179,9 +179,8 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepCleansUpAtOnce) {
   } rows[] = {
       {"two days, just old enough", 2, 2 * kDaySeconds + 1, false},
       {"two days, not yet", 2, 2 * kDaySeconds, true},
-      {"keep all", CDailyEventLog::kKeepAll, 40'000 * kDaySeconds, true},
-      {"the most days but one reach back before the epoch", CDailyEventLog::kKeepAll - 1,
-       midnight - 1, true},
+      {"keep all", 0xFFFFFFFF, 40'000 * kDaySeconds, true},
+      {"the most days but one reach back before the epoch", 0xFFFFFFFE, midnight - 1, true},
   };
   for (const auto& row : rows) {
     files.files["C:\\logs\\LogX.log"] = {"", midnight - row.age, midnight - row.age};
@@ -193,7 +192,7 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepCleansUpAtOnce) {
 }
 
 TEST_F(CDailyEventLogTest, SetDaysToKeepBeforeOpenOpensNothingAndOpenKeeps30Days) {
-  log.SetDaysToKeep(CDailyEventLog::kKeepAll);
+  log.SetDaysToKeep(0xFFFFFFFF);
   EXPECT_FALSE(log.IsOpen());
   EXPECT_EQ(files.opened, 0u);
   const std::int64_t midnight = clock.FromLocal({2018, 5, 15, 0, 0, 0, 0});
