@@ -102,6 +102,7 @@ class JsonParser {
   Begun BeginArray(const char* at);
   Begun ReadScalar(const char* at);
   Begun ReadNumber(const char* at);
+  Begun ReadFewDigits(const char* at);
   Begun ReadLiteral(const char* at, std::string_view literal);
   const char* AfterValue(const char* at);
   const char* ReadKey(const char* at);
@@ -323,7 +324,23 @@ JsonParser::Begun JsonParser::ReadLiteral(const char* at, std::string_view liter
   return {at, new (Here()) JsonBool(literal == "true")};
 }
 
+// Reads a number of up to seven digits and nothing else. No value if the number is another
+// one, or so near the end of the text that its copy could read behind it.
+inline JsonParser::Begun JsonParser::ReadFewDigits(const char* begin) {
+  constexpr std::ptrdiff_t kRoom = JsonNumber::kDigitsRoom;
+  if (m_textEnd - begin < kRoom) return {begin, nullptr};
+  const char* at = begin;
+  std::int32_t value = 0;
+  for (; IsDigit(*at) && at - begin < kRoom - 1; ++at) value = value * 10 + (*at - '0');
+  const bool isWhole = !IsDigit(*at) && *at != '.' && *at != 'e' && *at != 'E';
+  if (at == begin || !isWhole) return {begin, nullptr};
+  const auto size = static_cast<std::size_t>(at - begin);
+  return {at, JsonNumber::FromDigits(begin, size, value, &m_memory)};
+}
+
 JsonParser::Begun JsonParser::ReadNumber(const char* begin) {
+  const Begun few = ReadFewDigits(begin);
+  if (few.value != nullptr) return few;  // nearly every number
   const char* at = begin;
   bool isInteger = true;
   if (*at == '-') ++at;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -84,6 +85,18 @@ class JsonNumber final : public Json {
   [[nodiscard]] static JsonNumber* FromText(std::string_view text, bool isInteger,
                                             ValueMemory* memory = nullptr);
 
+  // The same for a text of `size` digits, fewer than kDigitsRoom, whose value is known.
+  // kDigitsRoom bytes of `digits` must be readable: a copy of a fixed length needs no call.
+  static constexpr std::size_t kDigitsRoom = 8;
+  [[nodiscard]] static JsonNumber* FromDigits(const char* digits, std::size_t size,
+                                              std::int32_t value, ValueMemory* memory) {
+    auto* number = new (Place{memory, kDigitsRoom}) JsonNumber(size, value);
+    char* copy = reinterpret_cast<char*>(number) + sizeof(JsonNumber);
+    std::memcpy(copy, digits, kDigitsRoom);
+    copy[size] = '\0';
+    return number;
+  }
+
   // An integer; the text is that of "%d".
   [[nodiscard]] static JsonNumber* FromInt(std::int32_t value);
 
@@ -103,6 +116,12 @@ class JsonNumber final : public Json {
 
  private:
   JsonNumber(std::string_view text, bool isInteger) noexcept;
+  JsonNumber(std::size_t size, std::int32_t value) noexcept
+      : Json(JsonType::Number),
+        m_isInteger(true),
+        m_intValue(value),
+        m_doubleValue(value),
+        m_size(size) {}
 
   bool m_isInteger;
   std::int64_t m_intValue;

@@ -1,6 +1,7 @@
 #include "json/JsonParser.h"
 
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -182,6 +183,39 @@ TEST_F(JsonParserTest, ReadsContainers) {
       {"LinesAreCounted", "{\n \"a\":\n\n  [1,\n2]\n}", "{'a': [int 1 1, int 2 2]} 6:2"},
       {"LiteralsEndAtTheirLastLetter", "[nullx", "\"\" 1:6"},
   });
+}
+
+// The parser reads a number of one to seven digits in another way, if the text goes on for
+// eight bytes.
+TEST_F(JsonParserTest, IntegersOfEveryLengthAreReadAtEveryDistanceFromTheEnd) {
+  const std::string allDigits = "1234567890123456789";
+  for (std::size_t length = 1; length <= allDigits.size(); ++length) {
+    const std::string digits = allDigits.substr(0, length);
+    for (std::size_t blanks = 0; blanks <= 9; ++blanks) {
+      const std::string text = "[" + digits + std::string(blanks, ' ') + "]";
+      EXPECT_EQ(Outcome(text),
+                "[int " + digits + " " + digits + "] 1:" + std::to_string(text.size() + 1));
+    }
+  }
+}
+
+TEST_F(JsonParserTest, NumberReadsTheSameFarFromTheEndOfTheText) {
+  for (const char* number : {"0", "007", "-7", "1.5", "12e3", "123E-1", "1234567", "1234567.25",
+                             "12345678", "1234567e1", "0.0", "7e0"}) {
+    const std::string end = " 1:" + std::to_string(std::strlen(number) + 1);
+    std::string alone = Outcome(number);
+    ASSERT_TRUE(alone.ends_with(end)) << alone;
+    alone.resize(alone.size() - end.size());
+    const std::string text = "[" + std::string(number) + ",        true]";
+    EXPECT_EQ(Outcome(text), "[" + alone + ", true] 1:" + std::to_string(text.size() + 1));
+  }
+}
+
+TEST_F(JsonParserTest, NulFollowsTheTextOfANumber) {
+  ParseResult result;
+  const JsonRef<Json> root(Parse(result, "7        "));
+  ASSERT_EQ(root->Type(), JsonType::Number);
+  EXPECT_STREQ(static_cast<const JsonNumber*>(root.Get())->Text().data(), "7");
 }
 
 TEST_F(JsonParserTest, IgnoresWhatFollowsTheFirstValue) {
