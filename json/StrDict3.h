@@ -273,7 +273,7 @@ class StrDict3<T>::Path {
   // The same for a whole key, and for one character that is not NUL.
   void Append(const char* key) { Append(key, m_dictionary.m_folding); }
   void Append(char character) {
-    const char characters[] = {character, '\0'};
+    const char characters[KeyPiece::kMaxLength] = {character};  // NUL behind it
     Append(characters);
   }
 
