@@ -193,8 +193,8 @@ TEST_F(LockOrderTest, LocksOfOtherThreadsDoNotCount) {
 }
 
 TEST_F(LockOrderTest, SingletonsMayBeConstructedOneInAnother) {
-  CriticalSection outer{LockRank::Singleton};
-  CriticalSection inner{LockRank::Singleton};
+  static CriticalSection outer{LockRank::Singleton};
+  static CriticalSection inner{LockRank::Singleton};
   const CriticalSectionLock outerLock(outer);
   const CriticalSectionLock innerLock(inner);
 }
