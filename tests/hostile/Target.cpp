@@ -88,12 +88,14 @@ std::string Target::Flood(std::size_t frames, bool takeTraps) {
 }
 
 std::string Target::AnswersUpdate() {
-  constexpr int kOnlyInUpdates = kMostStreams + 1;
+  // Another number than in the update before: the new one shows that the link is back.
+  m_updateCount = m_updateCount == kMostStreams + 1 ? kMostStreams + 3 : kMostStreams + 1;
+  const std::string count = std::to_string(m_updateCount);
   std::string error;
-  if (!m_peer.Set("StreamsCount", std::to_string(kOnlyInUpdates), error)) return error;
+  if (!m_peer.Set("StreamsCount", count, error)) return error;
   m_peer.Drop();  // the agent asks again on a new link
   m_peer.SetAnswering(true);
-  const bool came = Comes("INT " + std::to_string(kOnlyInUpdates), kPatienceMs);
+  const bool came = Comes("INT " + count, kPatienceMs);
   m_peer.SetAnswering(false);
   return came ? "" : "the agent asked for no update";
 }

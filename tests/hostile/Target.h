@@ -58,7 +58,8 @@ class Target {
   Contract::LogFolder m_log;
   Simulator::CorvaneServer m_peer;
   Contract::Module m_module;
-  int m_count = 0;  // number of streams in the last good frame
+  int m_count = 0;        // number of streams in the last good frame
+  int m_updateCount = 0;  // of streams, in the last update
 };
 
 }  // namespace Hostile
