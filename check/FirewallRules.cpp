@@ -51,13 +51,15 @@ Rule ReadRule(std::string_view text) {
     const std::size_t equals = field.find('=');
     if (equals == std::string_view::npos) continue;  // the version, or the end
     const std::string_view name = field.substr(0, equals);
+    const std::string_view value = field.substr(equals + 1);
+    if (value.empty()) continue;
     const auto* const known =
         std::find_if(std::begin(kFields), std::end(kFields),
                      [&](const Field& row) { return EqualsIgnoringCase(name, row.name); });
     if (known == std::end(kFields)) {
       rule.hasOtherCondition = true;
     } else if (known->values != nullptr) {
-      (rule.*known->values).push_back(field.substr(equals + 1));
+      (rule.*known->values).push_back(value);
     }
   }
   return rule;

@@ -34,8 +34,8 @@ enum class Passage {
 
 // Reads the rules that apply to the profile. They have the form of the registry, such as
 // "v2.30|Action=Allow|Active=TRUE|Dir=In|Protocol=17|LPort=161|Svc=SNMP|RA4=LocalSubnet|". A field
-// that is missing means "any". `limits` gets the remote addresses if the result is kLimited or
-// kLocalSubnet.
+// that is missing or empty means "any". `limits` gets the remote addresses if the result is
+// kLimited or kLocalSubnet.
 [[nodiscard]] Passage PassageOf(const FirewallFacts& firewall, const FirewallProfile& profile,
                                 std::string& limits);
 

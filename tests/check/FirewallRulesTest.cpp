@@ -71,6 +71,8 @@ const Row kRows[] = {
      {Allow("RA4=localsubnet|RA6=LocalSubnet|RA4=10.0.0.1|")},
      Passage::kLimited,
      "localsubnet, LocalSubnet, 10.0.0.1"},
+    {"EmptyAddress", {Allow("RA4=|")}, Passage::kOpen},
+    {"EmptyAddressAndAnother", {Allow("RA4=|RA6=fd00::1|")}, Passage::kLimited, "fd00::1"},
     {"LimitedAndOpen", {Allow("RA4=LocalSubnet|"), kAllow}, Passage::kOpen},
     {"BlockWins", {kAllow, "Action=Block|Active=TRUE|Dir=In|"}, Passage::kBlocked},
     {"BlockOfSomeAddresses",
