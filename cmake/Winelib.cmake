@@ -5,44 +5,47 @@
 # calling convention.
 
 # With -fno-short-wchar, Windows' characters are char16_t, and wchar_t is the
-# standard library's.
+# standard library's. All paths are relative to the build folder, because wineg++ splits an
+# argument at its blanks, and the path of the project may have some.
+file(RELATIVE_PATH to_sources "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
+file(RELATIVE_PATH to_host "${CMAKE_BINARY_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
 set(winelib_flags -std=c++20 -fPIC -O2 -g -fno-short-wchar
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wimplicit-fallthrough -Wformat=2 -Werror
-    -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
-set(winelib_folder "${CMAKE_CURRENT_BINARY_DIR}/winelib")
-file(MAKE_DIRECTORY "${winelib_folder}")
+    -ffile-prefix-map=${to_sources}=)
+file(MAKE_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/winelib")
 
 set(winelib_objects)
+set(winelib_outputs)
 foreach(source ContractModule.cpp winelib/WindowsSystem.cpp)
   get_filename_component(name "${source}" NAME_WE)
-  set(object "${winelib_folder}/${name}.o")
+  set(object "host/winelib/${name}.o")
   add_custom_command(
-      OUTPUT "${object}"
-      COMMAND "${WINEGXX}" ${winelib_flags} -I "${CMAKE_SOURCE_DIR}"
-              -MMD -MT "${object}" -MF "${object}.d"
-              -c "${CMAKE_CURRENT_SOURCE_DIR}/${source}" -o "${object}"
+      OUTPUT "${CMAKE_BINARY_DIR}/${object}"
+      COMMAND "${WINEGXX}" ${winelib_flags} -I "${to_sources}"
+              -MMD -MT "${object}" -MF "${object}.d" -c "${to_host}/${source}" -o "${object}"
+      WORKING_DIRECTORY "${CMAKE_BINARY_DIR}"
       DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${source}"
-      DEPFILE "${object}.d"
+      DEPFILE "${CMAKE_BINARY_DIR}/${object}.d"
       COMMENT "Compiling ${source} with wineg++"
       VERBATIM)
   list(APPEND winelib_objects "${object}")
+  list(APPEND winelib_outputs "${CMAKE_BINARY_DIR}/${object}")
 endforeach()
 
-add_library(host_main OBJECT Main.cpp)
-target_link_libraries(host_main PRIVATE platform_threading)
+# The native objects, in a file whose relative path is known.
+add_library(host_native STATIC Main.cpp $<TARGET_OBJECTS:host_front>)
+target_link_libraries(host_native PRIVATE platform_threading)
 
 # wineg++ makes a small start script with this name, and beside it the program,
 # with ".so" appended.
 set(winelib_program "${CMAKE_BINARY_DIR}/snmphost-wine.exe")
 add_custom_command(
     OUTPUT "${winelib_program}" "${winelib_program}.so"
-    COMMAND "${WINEGXX}" -mconsole -o "${winelib_program}" ${winelib_objects}
-            "$<TARGET_OBJECTS:host_main>" "$<TARGET_OBJECTS:platform_threading>"
-            "$<TARGET_OBJECTS:host_front>"
+    COMMAND "${WINEGXX}" -mconsole -o snmphost-wine.exe ${winelib_objects} host/libhost_native.a
             -lsnmpapi ${NETSNMP_AGENT_LIBRARY} ${NETSNMP_LIBRARY}
-    DEPENDS ${winelib_objects} $<TARGET_OBJECTS:host_main> $<TARGET_OBJECTS:platform_threading>
-            $<TARGET_OBJECTS:host_front>
+    WORKING_DIRECTORY "${CMAKE_BINARY_DIR}"
+    DEPENDS ${winelib_outputs} host_native
     COMMENT "Linking snmphost-wine with wineg++"
-    COMMAND_EXPAND_LISTS VERBATIM)
+    VERBATIM)
 add_custom_target(snmphost-wine ALL DEPENDS "${winelib_program}")
