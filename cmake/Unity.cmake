@@ -9,9 +9,10 @@ function(corvane_unity target)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${CORVANE_UNITY} UNITY_BUILD_BATCH_SIZE 0)
 endfunction()
 
-# corvane_unity_by_folder(<target>): the sources of each folder together. To be called in the
-# target's own folder, after all sources are known.
+# corvane_unity_by_folder(<target> [<files>]): the sources of each folder together, but for the
+# files. To be called in the target's own folder, after all sources are known.
 function(corvane_unity_by_folder target)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
   set_target_properties(${target} PROPERTIES UNITY_BUILD ${CORVANE_UNITY} UNITY_BUILD_MODE GROUP)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources EXCLUDE REGEX "^\\$<")
