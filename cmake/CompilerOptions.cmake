@@ -41,10 +41,6 @@ if(WIN32)
   target_link_options(corvane_options INTERFACE
       -static -fstack-protector-strong -Wl,--no-insert-timestamp
       -Wl,--dynamicbase,--nxcompat,--high-entropy-va)
-  # The agent's objects hold both machine code and code for the link-time optimisation. Only
-  # the DLL uses the latter: for each test program it would take seconds.
-  target_link_options(corvane_options INTERFACE
-      $<$<NOT:$<BOOL:$<TARGET_PROPERTY:CORVANE_LINK_TIME_OPTIMISATION>>>:-fno-lto>)
 else()
   find_package(Threads REQUIRED)
   target_link_libraries(corvane_options INTERFACE Threads::Threads ${CMAKE_DL_LIBS})
