@@ -58,6 +58,13 @@ TEST_F(AgentProcessTest, LogFolderOf260CharactersIsCreatedAndOneOf261IsNot) {
   EXPECT_EQ(files.created.back().size(), 260u);
 }
 
+TEST_F(AgentProcessTest, NoFolderIsCreatedIfThatOfTheProductWouldHave261Characters) {
+  const std::string product = "\\Veltrin Systems\\Corvane\\SNMP";
+  files.commonData = "C:\\" + std::string(261 - 3 - product.size(), 'x');
+  EXPECT_FALSE(process.Start());
+  EXPECT_TRUE(files.created.empty());
+}
+
 TEST_F(AgentProcessTest, StartRegistersEverythingBeforeTheLinkRuns) {
   EXPECT_TRUE(process.Start());
   const Lines lines = StartLines();

@@ -25,6 +25,8 @@ TEST(Ascii, TextsOfOneLengthAreComparedWithoutTheCaseOfLetters) {
   EXPECT_FALSE(EqualsIgnoringCase("ab", "a"));
   EXPECT_FALSE(EqualsIgnoringCase("[", "{"));
   EXPECT_FALSE(EqualsIgnoringCase("\xC4", "\xE4"));
+  const std::string_view longer = "SNMPupdate.";
+  EXPECT_TRUE(EqualsIgnoringCase(longer.substr(0, 10), "snmpupdate")) << "what follows is no part";
 }
 
 constexpr std::string_view kText = "0123456789abcdef";

@@ -71,6 +71,25 @@ TEST_F(ValueMemoryTest, PieceThatIsTooLargeForANewSlabHasItsOwnAllocation) {
   for (void* piece : pieces) ValueMemory::Free(piece);
 }
 
+TEST_F(ValueMemoryTest, PieceOf1024BytesOpensASlabAndOneOf1025DoesNot) {
+  ValueMemory memory;
+  std::vector<void*> pieces;
+  pieces.reserve(7);
+  const auto allocationsToTake = [&](std::size_t bytes) {
+    const std::uint64_t before = Tests::Allocations();
+    pieces.push_back(memory.Take(bytes));
+    return Tests::Allocations() - before;
+  };
+  EXPECT_EQ(allocationsToTake(1024), 1u);
+  EXPECT_EQ(allocationsToTake(1024), 0u);
+  EXPECT_EQ(allocationsToTake(1024), 0u) << "a fourth one does not fit";
+  EXPECT_EQ(allocationsToTake(1025), 1u);
+  EXPECT_EQ(allocationsToTake(8), 0u);
+  EXPECT_EQ(allocationsToTake(1024), 1u);
+  EXPECT_EQ(allocationsToTake(1024), 0u);
+  for (void* piece : pieces) ValueMemory::Free(piece);
+}
+
 TEST_F(ValueMemoryTest, PiecesAreAlignedAndApart) {
   ValueMemory memory;
   std::vector<unsigned char*> pieces;

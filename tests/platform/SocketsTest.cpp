@@ -196,6 +196,12 @@ TEST(ClosedSocketTest, EveryCallFails) {
   EXPECT_FALSE(System().Bind(kInvalidSocket, 0));
 }
 
+TEST(ListeningSocketTest, HasNoPortBeforeOpen) {
+  const ListeningSocket listener;
+  EXPECT_FALSE(listener.IsOpen());
+  EXPECT_EQ(listener.Port(), 0);
+}
+
 TEST(ConnectTest, PortWithoutAListenerIsRefused) {
   ListeningSocket listener;
   ASSERT_TRUE(listener.Open(0));

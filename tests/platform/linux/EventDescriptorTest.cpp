@@ -1,8 +1,10 @@
 #include "platform/linux/EventDescriptor.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include "platform/Event.h"
 
@@ -25,6 +27,23 @@ TEST(EventDescriptorTest, HandleLeadsToDescriptorAndKind) {
       EXPECT_EQ(Platform::EventDescriptor(handle), descriptor);
       EXPECT_EQ(Platform::EventKind(handle), reset);
     }
+  }
+}
+
+// A service may run without a standard input, whose descriptor is then free.
+TEST(EventDescriptorTest, EventMayHaveTheDescriptorZero) {
+  const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
+  close(STDIN_FILENO);
+  {
+    Event event(EventReset::Automatic);
+    EXPECT_TRUE(event.Valid());
+    EXPECT_EQ(Platform::EventDescriptor(event.Handle()), 0);
+    event.Set();
+    EXPECT_TRUE(event.Wait(0));
+  }
+  if (input >= 0) {
+    dup2(input, STDIN_FILENO);
+    close(input);
   }
 }
 
