@@ -42,6 +42,7 @@ TEST_F(MessageHistoryTest, ATextStartsInAChunkOfItsOwnAndFillsChunks) {
     EXPECT_EQ(ChunkSizes(copy.Blocks()[0]), row.chunks) << row.name;
     EXPECT_EQ(TextOf(copy.Blocks()[0]), "12:00:00.000: Info: " + text) << row.name;
     EXPECT_EQ(copy.TotalLength(), 20 + row.length) << row.name;
+    EXPECT_EQ(fresh.FreeChunks(), 0u) << row.name << ": no more than it needs";
   }
 }
 
