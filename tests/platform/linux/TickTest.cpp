@@ -1,0 +1,24 @@
+#include <gtest/gtest.h>
+#include <time.h>
+
+#include "platform/Clock.h"
+
+namespace Vask::Tests {
+namespace {
+
+std::uint32_t MonotonicMs() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<std::uint32_t>(now.tv_sec * 1000 + now.tv_nsec / 1'000'000);
+}
+
+// The tests of all systems allow for a clock that is a little slow.
+TEST(TickTest, IsTheMonotonicClockInMilliseconds) {
+  const std::uint32_t before = MonotonicMs();
+  const std::uint32_t tick = Platform::SystemClock().TickMs();
+  const std::uint32_t after = MonotonicMs();
+  EXPECT_LE(tick - before, after - before);
+}
+
+}  // namespace
+}  // namespace Vask::Tests
