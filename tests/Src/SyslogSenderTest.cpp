@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Src/LogHead.h"
+#include "tests/support/FaultySockets.h"
 
 namespace Vask::Tests {
 namespace {
@@ -36,6 +37,18 @@ TEST(SyslogDatagramTest, ALineEndThatJustFitsIsSent) {
 
 TEST(SyslogDatagramTest, AnEmptyTextIsSentAsItsPrefix) {
   EXPECT_EQ(Datagram(LogLevel::Info, ""), "<134>Info: ");
+}
+
+TEST(SyslogSenderTest, IsOnFromEnableToDisable) {
+  FaultySockets sockets;
+  SyslogSender sender(sockets);
+  EXPECT_FALSE(sender.Enabled());
+  ASSERT_TRUE(sender.Enable(InetAddress2(sockets), 0));
+  EXPECT_TRUE(sender.Enabled());
+  sender.Disable();
+  EXPECT_FALSE(sender.Enabled());
+  sender.Send("Info: ", "nobody gets this");
+  EXPECT_TRUE(sockets.datagrams.empty());
 }
 
 }  // namespace
