@@ -6,6 +6,9 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <thread>
+
+#include "platform/Clock.h"
 #include "platform/Event.h"
 
 namespace Vask::Tests {
@@ -75,6 +78,18 @@ TEST(EventDescriptorTest, WaitLeavesTheProcessorToOthers) {
   const long before = Waits();
   EXPECT_FALSE(event.Wait(50));
   EXPECT_GT(Waits(), before);
+}
+
+TEST(EventDescriptorTest, WaitWithoutLimitLeavesTheProcessorToOthers) {
+  Event event(EventReset::Automatic);
+  std::thread setter([&] {
+    Platform::SystemClock().SleepMs(50);
+    event.Set();
+  });
+  const long before = Waits();
+  EXPECT_TRUE(event.Wait(Platform::kInfinite));
+  EXPECT_GT(Waits(), before);
+  setter.join();
 }
 
 }  // namespace

@@ -12,6 +12,15 @@ AsnObjectIdentifier View(std::vector<UINT>& ids) {
   return {static_cast<UINT>(ids.size()), ids.data()};
 }
 
+TEST(SnmpLimitTest, CopyOfAnEmptyIdentifierNeedsNoMemory) {
+  AsnObjectIdentifier empty = {};
+  UINT before = 0;
+  AsnObjectIdentifier copy = {1, &before};
+  EXPECT_NE(SnmpUtilOidCpy(&copy, &empty), 0);
+  EXPECT_EQ(copy.idLength, 0u);
+  EXPECT_EQ(copy.ids, nullptr);
+}
+
 // SNMP sets the limit. Not all functions of Windows and Wine keep it.
 TEST(SnmpLimitTest, AppendRefusesMoreThan128SubIdentifiers) {
   std::vector<UINT> head(64, 1);

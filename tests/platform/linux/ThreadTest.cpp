@@ -2,6 +2,10 @@
 #include <pthread.h>
 #include <signal.h>
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
 #include "platform/Event.h"
 #include "platform/Threading.h"
 
@@ -52,6 +56,28 @@ TEST(PosixThreadTest, LeavesTheHostsSignalsToTheHost) {
   sigset_t after;
   pthread_sigmask(SIG_BLOCK, nullptr, &after);
   EXPECT_EQ(sigismember(&after, SIGINT), sigismember(&before, SIGINT));
+}
+
+// The number of mapped pieces of memory; a stack is one of them.
+std::ptrdiff_t Mappings() {
+  std::ifstream maps("/proc/self/maps");
+  return std::count(std::istreambuf_iterator<char>(maps), {}, '\n');
+}
+
+TEST(PosixThreadTest, ThreadThatNobodyJoinsLeavesNoStackBehind) {
+  constexpr int kThreads = 100;
+  Platform::Threading& threading = Platform::SystemThreading();
+  const std::ptrdiff_t before = Mappings();
+  for (int i = 0; i < kThreads; ++i) {
+    Platform::Event finished(Platform::EventReset::Manual);
+    const Platform::NativeHandle thread = threading.StartThread(
+        {[](void* event) noexcept { static_cast<Platform::Event*>(event)->Set(); }, &finished,
+         finished.Handle()});
+    ASSERT_NE(thread, nullptr);
+    ASSERT_TRUE(finished.Wait(10'000));
+    threading.CloseThread(thread);
+  }
+  EXPECT_LT(Mappings() - before, kThreads / 2);
 }
 
 }  // namespace
