@@ -57,36 +57,45 @@ class InterruptedAppendTest : public testing::Test {
     return text;
   }
 
+  // Appends the text to a pipe with kRoom bytes of room, which holds `before`. A signal arrives
+  // while the append waits. Returns what a reader of the pipe then gets.
+  static std::string AppendInterrupted(const std::string& before, const std::string& text) {
+    std::array<int, 2> pipe{};
+    EXPECT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
+    EXPECT_EQ(fcntl(pipe[1], F_SETPIPE_SZ, static_cast<int>(kRoom)), static_cast<int>(kRoom));
+    EXPECT_EQ(write(pipe[1], before.data(), before.size()), std::ssize(before));
+
+    std::atomic<pid_t> id{0};
+    bool appended = false;
+    std::thread writer([&] {
+      id = gettid();
+      appended = Platform::SystemFiles().Append(pipe[1], text.data(), text.size());
+      close(pipe[1]);
+    });
+    while (id == 0) std::this_thread::yield();
+    EXPECT_TRUE(WaitsInWrite(id));
+    EXPECT_EQ(pthread_kill(writer.native_handle(), SIGUSR1), 0);
+    while (g_signals == 0) std::this_thread::yield();
+
+    const std::string got = ReadToEnd(pipe[0]);
+    writer.join();
+    EXPECT_TRUE(appended);
+    close(pipe[0]);
+    return got;
+  }
+
  private:
   struct sigaction m_before {};
 };
 
 TEST_F(InterruptedAppendTest, TextIsWrittenWhenThereIsRoomAgain) {
-  std::array<int, 2> pipe{};
-  ASSERT_EQ(pipe2(pipe.data(), O_CLOEXEC), 0);
-  ASSERT_EQ(fcntl(pipe[1], F_SETPIPE_SZ, static_cast<int>(kRoom)), static_cast<int>(kRoom));
   const std::string full(kRoom, 'x');
-  ASSERT_EQ(write(pipe[1], full.data(), kRoom), static_cast<ssize_t>(kRoom));
+  EXPECT_EQ(AppendInterrupted(full, "interrupted"), full + "interrupted");
+}
 
-  std::atomic<pid_t> id{0};
-  bool appended = false;
-  std::thread writer([&] {
-    id = gettid();
-    const std::string text = "interrupted";
-    appended = Platform::SystemFiles().Append(pipe[1], text.data(), text.size());
-  });
-  while (id == 0) std::this_thread::yield();
-  EXPECT_TRUE(WaitsInWrite(id));
-  EXPECT_EQ(pthread_kill(writer.native_handle(), SIGUSR1), 0);
-  while (g_signals == 0) std::this_thread::yield();
-
-  std::array<char, kRoom> first{};
-  EXPECT_EQ(read(pipe[0], first.data(), kRoom), static_cast<ssize_t>(kRoom));
-  writer.join();
-  EXPECT_TRUE(appended);
-  close(pipe[1]);
-  EXPECT_EQ(ReadToEnd(pipe[0]), "interrupted");
-  close(pipe[0]);
+TEST_F(InterruptedAppendTest, TextThatIsHalfWrittenIsContinued) {
+  const std::string text = std::string(kRoom, '1') + std::string(kRoom, '2');
+  EXPECT_EQ(AppendInterrupted("", text), text);
 }
 
 }  // namespace
