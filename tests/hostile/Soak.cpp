@@ -61,9 +61,10 @@ class Pollers {
   Pollers& operator=(const Pollers&) = delete;
 
  private:
-  static void Walk(Contract::Module& module) {
+  // Without memory the module cannot move the name, and the walk stays where it is.
+  void Walk(Contract::Module& module) {
     std::string name = "P";
-    for (std::string answer = module.GetNext(name); answer.starts_with("0 ");
+    for (std::string answer = module.GetNext(name); !m_stopping && answer.starts_with("0 ");
          answer = module.GetNext(name)) {
       name = answer.substr(2, answer.find(" = ") - 2);
       module.Get(name);

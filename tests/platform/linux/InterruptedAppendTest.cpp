@@ -77,7 +77,7 @@ class InterruptedAppendTest : public testing::Test {
     EXPECT_EQ(pthread_kill(writer.native_handle(), SIGUSR1), 0);
     while (g_signals == 0) std::this_thread::yield();
 
-    const std::string got = ReadToEnd(pipe[0]);
+    std::string got = ReadToEnd(pipe[0]);
     writer.join();
     EXPECT_TRUE(appended);
     close(pipe[0]);
