@@ -73,6 +73,8 @@ const Row kRows[] = {
      "localsubnet, LocalSubnet, 10.0.0.1"},
     {"EmptyAddress", {Allow("RA4=|")}, Passage::kOpen},
     {"EmptyAddressAndAnother", {Allow("RA4=|RA6=fd00::1|")}, Passage::kLimited, "fd00::1"},
+    {"EmptyConditionOfAnotherKind", {Allow("LUOwn=|")}, Passage::kOpen},
+    {"BlockOfAnEmptyAddress", {kAllow, "Action=Block|Active=TRUE|Dir=In|RA4=|"}, Passage::kBlocked},
     {"LimitedAndOpen", {Allow("RA4=LocalSubnet|"), kAllow}, Passage::kOpen},
     {"BlockWins", {kAllow, "Action=Block|Active=TRUE|Dir=In|"}, Passage::kBlocked},
     {"BlockOfSomeAddresses",

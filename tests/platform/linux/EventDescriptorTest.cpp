@@ -4,12 +4,13 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <thread>
 
-#include "platform/Clock.h"
 #include "platform/Event.h"
+#include "tests/platform/linux/BlockedThread.h"
 
 namespace Vask::Tests {
 namespace {
@@ -82,8 +83,8 @@ TEST(EventDescriptorTest, WaitLeavesTheProcessorToOthers) {
 
 TEST(EventDescriptorTest, WaitWithoutLimitLeavesTheProcessorToOthers) {
   Event event(EventReset::Automatic);
-  std::thread setter([&] {
-    Platform::SystemClock().SleepMs(50);
+  std::thread setter([&event, waiter = gettid()] {
+    EXPECT_TRUE(AwaitBlockedIn(SYS_poll, waiter));
     event.Set();
   });
   const long before = Waits();

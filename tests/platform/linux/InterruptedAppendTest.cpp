@@ -10,17 +10,14 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
-#include <fstream>
 #include <string>
 #include <thread>
 
 #include "platform/Files.h"
+#include "tests/platform/linux/BlockedThread.h"
 
 namespace Vask::Tests {
 namespace {
-
-using namespace std::chrono_literals;
 
 std::atomic<int> g_signals{0};
 
@@ -35,18 +32,6 @@ class InterruptedAppendTest : public testing::Test {
     g_signals = 0;
   }
   ~InterruptedAppendTest() override { sigaction(SIGUSR1, &m_before, nullptr); }
-
-  // True when the thread waits in write(2). Gives up after a minute.
-  static bool WaitsInWrite(pid_t thread) {
-    const std::string file = "/proc/self/task/" + std::to_string(thread) + "/syscall";
-    const auto deadline = std::chrono::steady_clock::now() + 1min;
-    while (std::chrono::steady_clock::now() < deadline) {
-      long number = -1;
-      if (std::ifstream(file) >> number && number == SYS_write) return true;
-      std::this_thread::sleep_for(1ms);
-    }
-    return false;
-  }
 
   static std::string ReadToEnd(int file) {
     std::string text;
@@ -73,7 +58,7 @@ class InterruptedAppendTest : public testing::Test {
       close(pipe[1]);
     });
     while (id == 0) std::this_thread::yield();
-    EXPECT_TRUE(WaitsInWrite(id));
+    EXPECT_TRUE(AwaitBlockedIn(SYS_write, id));
     EXPECT_EQ(pthread_kill(writer.native_handle(), SIGUSR1), 0);
     while (g_signals == 0) std::this_thread::yield();
 

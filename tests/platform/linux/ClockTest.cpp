@@ -1,7 +1,7 @@
+#include "platform/Clock.h"
+
 #include <gtest/gtest.h>
 #include <time.h>
-
-#include "platform/Clock.h"
 
 namespace Vask::Tests {
 namespace {
@@ -13,7 +13,7 @@ std::uint32_t MonotonicMs() {
 }
 
 // The tests of all systems allow for a clock that is a little slow.
-TEST(TickTest, IsTheMonotonicClockInMilliseconds) {
+TEST(PosixClockTest, TickIsTheMonotonicClockInMilliseconds) {
   const std::uint32_t before = MonotonicMs();
   const std::uint32_t tick = Platform::SystemClock().TickMs();
   const std::uint32_t after = MonotonicMs();
