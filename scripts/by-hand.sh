@@ -5,7 +5,7 @@ print_commands_to_try() {
   show "Now by hand; Ctrl-C ends it"
   cat <<TEXT
 In another terminal:
-  snmpwalk -M +$base_mibs:$work/mibs -m $mib_name -v2c -c public $address corvane
+  snmpwalk -M +$(base_mibs):$work/mibs -m $mib_name -v2c -c public $address corvane
   snmpget -v1 -c public $address ${variable_oid[ProductName]}
   tail -f '$log_folder'/Log*.log
 Here, for the simulated server (help shows all its commands):

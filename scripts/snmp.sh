@@ -5,8 +5,11 @@
 export MIBS='' SNMPCONFPATH=/nonexistent SNMP_PERSISTENT_DIR=$work/net-snmp
 mkdir -p "$SNMP_PERSISTENT_DIR/cert_indexes"
 
-# In Debian, only Erlang's SNMP library contains SNMPv2-SMI and the other base modules.
-base_mibs=$(echo /usr/lib/erlang/lib/snmp-*/mibs)
+# Prints the folder of SNMPv2-SMI and the other base modules. In Debian, only Erlang's SNMP
+# library contains them. The caller of this file may install it later.
+base_mibs() {
+  echo /usr/lib/erlang/lib/snmp-*/mibs
+}
 
 # write_mib PROGRAM: writes the module of this build. Afterwards a tool with the options
 # "${through_mib[@]}" reads and prints names.
@@ -14,7 +17,7 @@ mib_name=VELTRIN-CORVANE-MIB
 write_mib() {
   mkdir -p "$work/mibs"
   "$1" >"$work/mibs/$mib_name.txt"
-  through_mib=(-M "$base_mibs:$work/mibs" -m "$mib_name")
+  through_mib=(-M "$(base_mibs):$work/mibs" -m "$mib_name")
 }
 
 # Prints a free UDP port of the loopback. The search starts at a random port.
