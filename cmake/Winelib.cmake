@@ -5,10 +5,11 @@
 # calling convention.
 
 # With -fno-short-wchar, Windows' characters are char16_t, and wchar_t is the
-# standard library's. All paths are relative to the build folder, because wineg++ splits an
-# argument at its blanks, and the path of the project may have some.
-file(RELATIVE_PATH to_sources "${CMAKE_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
-file(RELATIVE_PATH to_host "${CMAKE_BINARY_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
+# standard library's. All paths are relative, because wineg++ splits an argument at its
+# blanks, and the path of the project may have some. They begin in this room's build folder,
+# because CMake reads the compiler's list of headers from there.
+file(RELATIVE_PATH to_sources "${CMAKE_CURRENT_BINARY_DIR}" "${CMAKE_SOURCE_DIR}")
+file(RELATIVE_PATH to_host "${CMAKE_CURRENT_BINARY_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
 set(winelib_flags -std=c++20 -fPIC -O2 -g -fno-short-wchar
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
     -Woverloaded-virtual -Wimplicit-fallthrough -Wformat=2 -Werror
@@ -19,18 +20,18 @@ set(winelib_objects)
 set(winelib_outputs)
 foreach(source ContractModule.cpp winelib/WindowsSystem.cpp)
   get_filename_component(name "${source}" NAME_WE)
-  set(object "host/winelib/${name}.o")
+  set(object "winelib/${name}.o")
   add_custom_command(
-      OUTPUT "${CMAKE_BINARY_DIR}/${object}"
+      OUTPUT "${CMAKE_CURRENT_BINARY_DIR}/${object}"
       COMMAND "${WINEGXX}" ${winelib_flags} -I "${to_sources}"
               -MMD -MT "${object}" -MF "${object}.d" -c "${to_host}/${source}" -o "${object}"
-      WORKING_DIRECTORY "${CMAKE_BINARY_DIR}"
+      WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
       DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${source}"
-      DEPFILE "${CMAKE_BINARY_DIR}/${object}.d"
+      DEPFILE "${CMAKE_CURRENT_BINARY_DIR}/${object}.d"
       COMMENT "Compiling ${source} with wineg++"
       VERBATIM)
-  list(APPEND winelib_objects "${object}")
-  list(APPEND winelib_outputs "${CMAKE_BINARY_DIR}/${object}")
+  list(APPEND winelib_objects "host/${object}")
+  list(APPEND winelib_outputs "${CMAKE_CURRENT_BINARY_DIR}/${object}")
 endforeach()
 
 # The native objects, in a file whose relative path is known.
