@@ -4,6 +4,7 @@
 
 #include "tests/messages/MessageTest.h"
 #include "tests/messages/ProgramRecords.h"
+#include "tests/support/AllocationCounter.h"
 
 namespace Messages::Tests {
 namespace {
@@ -211,6 +212,20 @@ TEST_F(CodecTest, ElementWithAFaultDeepInsideIsDropped) {
   }
 }
 
+TEST_F(CodecTest, DroppedElementIsFreed) {
+  const auto body =
+      ParseObject(R"({"inputgainl":0,"fade_duration":0,"streams":{"a":{},"b":{"Stream":1}}})");
+  const auto decode = [&] {
+    CreateProgramMP3 program;
+    EXPECT_TRUE(Decode(*body, program));
+    EXPECT_EQ(Texts{"GetObjProperty: Property 'Stream' not found"}, Reports());
+  };
+  decode();  // The sink keeps the memory of its list.
+  const auto before = Vask::Tests::HeldBlocks();
+  decode();
+  EXPECT_EQ(before, Vask::Tests::HeldBlocks());
+}
+
 TEST_F(CodecTest, FirstAlternativeInTagOrderDecidesAloneEvenIfItFails) {
   EXPECT_EQ("true: gain 0.000000 fade 0",
             DecodeInstance(R"({"AAC":{"codecs":{},"options":{"Quality":{}}},"MP3":{}})"));
@@ -222,6 +237,24 @@ TEST_F(CodecTest, AlternativeThatIsNoObjectIsPassedOver) {
       "true: gain 0.000000 fade 0 s=n AAC(options 0)",
       DecodeInstance(R"({"MP3":null,"aac":{"codecs":{},"options":{"LowDelay":{},"Quality":{}}}})"));
   EXPECT_EQ(Texts{}, Reports());
+}
+
+TEST_F(CodecTest, AlternativeBehindTheCountOfTheTableIsNoneOfTheUnion) {
+  static constexpr Alternative kAlternatives[] = {{.tag = 0, .name = "First"},
+                                                  {.tag = 1, .name = "Second"}};
+  static constexpr UnionTable kTable = {"Choice", "Choice", kAlternatives, 1, [](void* choice) {
+                                          return static_cast<std::uint32_t*>(choice);
+                                        }};
+  static constexpr Field kRows[] = {{.name = "choice",
+                                     .kind = FieldKind::Union,
+                                     .member = [](void* record) { return record; },
+                                     .choice = &kTable}};
+  constexpr RecordTable kRecord = {nullptr, kRows, 1, Presence::Required};
+  std::uint32_t tag = 77;
+  EXPECT_FALSE(DecodeRecord(*ParseObject(R"({"choice":{"second":{}}})"), kRecord, &tag));
+  EXPECT_EQ(77u, tag);
+  EXPECT_TRUE(DecodeRecord(*ParseObject(R"({"choice":{"first":{}}})"), kRecord, &tag));
+  EXPECT_EQ(0u, tag);
 }
 
 TEST_F(CodecTest, FailedAlternativeLeavesTheTagEmpty) {

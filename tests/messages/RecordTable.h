@@ -19,8 +19,9 @@ struct ExpectedField {
   bool limited = false;  // an integer of 0 to 1024
 };
 
-// One record: its fields in order, whether it is a partial update, and a function
-// that decodes it and returns the result and every field's value.
+// One record: its fields in order, whether it is a partial update, every field's value in
+// a new record, and a function that decodes it and returns the result and every field's
+// value.
 struct ExpectedRecord {
   struct Outcome {
     bool decoded;
@@ -30,6 +31,7 @@ struct ExpectedRecord {
   std::string name;
   bool partial;
   std::vector<ExpectedField> fields;
+  std::vector<std::string> initial;
   std::function<Outcome(const Vask::JsonObject& body)> decode;
 };
 
@@ -41,13 +43,17 @@ inline std::ostream& operator<<(std::ostream& out, const ExpectedRecord& record)
 template <class R>
 ExpectedRecord Expect(const char* name, bool (*decoder)(const Vask::JsonObject&, R&),
                       std::vector<ExpectedField> fields, bool partial = false) {
-  const auto decode = [fields, decoder](const Vask::JsonObject& body) {
-    R record{};
-    ExpectedRecord::Outcome outcome{decoder(body, record), {}};
-    for (const ExpectedField& field : fields) outcome.values.push_back(field.value(&record));
-    return outcome;
+  const auto values = [fields](const R& record) {
+    std::vector<std::string> texts;
+    for (const ExpectedField& field : fields) texts.push_back(field.value(&record));
+    return texts;
   };
-  return {name, partial, fields, decode};
+  const auto decode = [values, decoder](const Vask::JsonObject& body) {
+    R record{};
+    const bool decoded = decoder(body, record);
+    return ExpectedRecord::Outcome{decoded, values(record)};
+  };
+  return {name, partial, fields, values(R{}), decode};
 }
 
 // The rows, for record type R.

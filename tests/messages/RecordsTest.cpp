@@ -76,6 +76,12 @@ class RecordsTest : public MessageTest, public ::testing::WithParamInterface<Exp
   }
 };
 
+TEST_P(RecordsTest, NewRecordIsEmpty) {
+  std::vector<std::string> empty;
+  for (const ExpectedField& field : Fields()) empty.push_back(EmptyValue(field));
+  EXPECT_EQ(empty, GetParam().initial);
+}
+
 TEST_P(RecordsTest, WholeBodyFillsEveryField) {
   const ExpectedRecord::Outcome outcome = Decode(WholeBody());
   EXPECT_TRUE(outcome.decoded);

@@ -2,6 +2,7 @@
 #include "messages/SNMPtrap.h"
 #include "net/LinkInterfaces.h"
 #include "tests/messages/MessageTest.h"
+#include "tests/support/AllocationCounter.h"
 
 namespace Messages::Tests {
 namespace {
@@ -104,6 +105,13 @@ TEST_F(RegistrarSendTest, FromIsCopied) {
   from[0] = '#';
   EXPECT_TRUE(registrar.SendSNMPupdate());
   EXPECT_NE(std::string::npos, sender.sent[0].find(R"("from":"SNMPd")"));
+}
+
+// The registrar keeps every text for its senders, so the same text must not be added again.
+TEST_F(RegistrarSendTest, SettingTheSameFromAgainTakesNoMemory) {
+  const auto before = Vask::Tests::Allocations();
+  registrar.SetFrom("SNMPd");
+  EXPECT_EQ(before, Vask::Tests::Allocations());
 }
 
 void SendFromHandler(const SNMPupdateFinished&, std::int32_t, void*) {

@@ -303,6 +303,22 @@ TEST_F(RegistrarTest, MessageIsCurrentUntilItsHandlersReturn) {
   EXPECT_EQ("null", faults[1].message);
 }
 
+void ReceiveWithinHandler(const SNMPupdateFinished&, std::int32_t id, void*) {
+  Registrar& registrar = Registrar::Instance();
+  EXPECT_FALSE(id == 1 ? registrar.OnJsonMessageText("nope") : registrar.OnJsonMessage(nullptr));
+}
+
+TEST_F(RegistrarTest, FaultOfATextWithinAHandlerIsReportedWithoutTheOuterMessage) {
+  registrar.Subscribe<SNMPupdateFinished>(ReceiveWithinHandler);
+  for (const char* id : {"1", "2"}) {
+    EXPECT_TRUE(Receive(Envelope("SNMPupdateFinished", "{}", id)));
+  }
+  registrar.Unsubscribe<SNMPupdateFinished>(ReceiveWithinHandler);
+  const std::vector<Fault> faults = Faults();
+  ASSERT_EQ(2u, faults.size());
+  for (const Fault& fault : faults) EXPECT_EQ("null", fault.message) << fault.text;
+}
+
 TEST_F(RegistrarTest, ParsedValueStaysTheCallers) {
   const auto root = ParseObject(Envelope("SNMPupdateFinished", "{}"));
   EXPECT_TRUE(registrar.OnJsonMessage(root.Get()));
