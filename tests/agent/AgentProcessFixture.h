@@ -14,25 +14,39 @@
 
 namespace Agent::Tests {
 
-// The machine's threads. A test may let the n-th start fail, counted from 0.
+// The machine's threads. A test may let the n-th start fail, counted from 0. One thread
+// starts and joins them.
 class CountedThreading final : public Vask::Tests::ForwardingThreading {
  public:
+  // Enough for every test, some of which let allocations fail.
+  CountedThreading() {
+    joined.reserve(256);
+    m_started.reserve(256);
+  }
+
   std::set<int> refusedStarts;
   std::function<void()> beforeStart;
   std::atomic<int> starts{0};
   std::atomic<int> joins{0};
+  std::vector<int> joined;  // each thread by the number of its start
 
   Vask::Platform::NativeHandle StartThread(
       const Vask::Platform::ThreadEntry& entry) noexcept override {
     if (beforeStart) beforeStart();
+    m_started.push_back(nullptr);
     if (refusedStarts.contains(starts++)) return nullptr;
-    return ForwardingThreading::StartThread(entry);
+    return m_started.back() = ForwardingThreading::StartThread(entry);
   }
   void JoinThread(Vask::Platform::NativeHandle thread,
                   Vask::Platform::NativeHandle finished) noexcept override {
     ++joins;
+    const auto place = std::find(m_started.begin(), m_started.end(), thread);
+    joined.push_back(static_cast<int>(place - m_started.begin()));
     ForwardingThreading::JoinThread(thread, finished);
   }
+
+ private:
+  std::vector<Vask::Platform::NativeHandle> m_started;
 };
 
 inline constexpr int kTimerThread = 0;

@@ -2,6 +2,7 @@
 
 #include "tests/agent/AgentProcessFixture.h"
 #include "tests/agent/UpdatesFixture.h"
+#include "tests/support/ForwardingSockets.h"
 
 namespace Agent::Tests {
 
@@ -83,6 +84,42 @@ TEST_F(AgentProcessTest, FirstSocketIsOpenedAndEndedBeforeTheLinksThreadStarts) 
   threading.beforeStart = [&] { atStart = {sockets.opened, sockets.disconnected, sockets.closed}; };
   EXPECT_TRUE(process.Start());
   EXPECT_EQ(atStart, (std::vector<int>{1, 1, 1}));
+}
+
+// Records the calls that end a socket. May refuse to open one.
+class RecordedEnds final : public Vask::Tests::ForwardingSockets {
+ public:
+  using ForwardingSockets::ForwardingSockets;
+
+  bool opens = true;
+  Lines calls;
+
+  Vask::Platform::SocketHandle OpenTcp() noexcept override {
+    return opens ? ForwardingSockets::OpenTcp() : Vask::Platform::kInvalidSocket;
+  }
+  Vask::Platform::Disconnection Disconnect(Vask::Platform::SocketHandle socket) noexcept override {
+    calls.push_back("disconnect " + std::to_string(socket));
+    return ForwardingSockets::Disconnect(socket);
+  }
+  void Close(Vask::Platform::SocketHandle socket) noexcept override {
+    calls.push_back("close " + std::to_string(socket));
+    ForwardingSockets::Close(socket);
+  }
+};
+
+// There is no link thread here, so the start alone uses the sockets.
+TEST(AgentProcessSocketsTest, FirstSocketIsDisconnectedAndThenClosedIfItOpens) {
+  for (const bool opens : {true, false}) {
+    LogDisk files;
+    NoThreads threading;
+    NoNetwork network;
+    RecordedEnds sockets(network);
+    sockets.opens = opens;
+    Vask::Tests::FakeClock clock;
+    WholeAgent whole({clock, files, sockets, threading, clock, threading});
+    EXPECT_FALSE(whole.process.Start());
+    EXPECT_EQ(sockets.calls, opens ? (Lines{"disconnect 7", "close 7"}) : Lines{}) << opens;
+  }
 }
 
 TEST_F(AgentProcessTest, StartSucceedsWithoutATimerThread) {
@@ -168,9 +205,32 @@ TEST_F(AgentProcessTest, UnloadStopsBothThreads) {
   process.Stop(Ending::kUnload);
   EXPECT_TRUE(agent.Terminating());
   EXPECT_FALSE(link.IsRunning());
-  EXPECT_EQ(threading.joins, 2);
+  // The link's thread may set a timer, so it ends first.
+  EXPECT_EQ(threading.joined, (std::vector<int>{kLinkThread, kTimerThread}));
   // The reader may log its first failed attempt after this line.
   EXPECT_TRUE(Has("Info: Terminating SNMP extension agent.."));
+}
+
+TEST(AgentProcessEndTest, DestructorStopsBothThreadsAndUnwiresTheRegistrar) {
+  LogDisk files;
+  CountedThreading threading;
+  NoNetwork sockets;
+  Vask::Tests::FakeClock clock;
+  StillClock stillClock(clock);
+  Vask::DailyLog log(stillClock, files, sockets);
+  Vask::TimerService timers(clock, threading);
+  RecordingLink sender;
+  {
+    AgentProcess process({stillClock, files, sockets, threading}, log, timers);
+    ASSERT_TRUE(process.Start());
+    Messages::Registrar::Instance().SetSender(&sender);
+  }
+  EXPECT_EQ(threading.joined, (std::vector<int>{kLinkThread, kTimerThread}));
+  const std::size_t before = files.Lines().size();
+  Messages::Registrar::Instance().ReportError("nobody takes this");
+  EXPECT_EQ(files.Lines().size(), before);
+  EXPECT_TRUE(Messages::Registrar::Instance().SendSNMPupdate());
+  EXPECT_TRUE(sender.frames.empty());
 }
 
 TEST_F(AgentProcessTest, EndOfTheProcessWaitsForNothing) {

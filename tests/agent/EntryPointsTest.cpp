@@ -94,6 +94,14 @@ TEST_F(EntryPointsTest, EachTypeOfRequestHasItsStatus) {
   EXPECT_EQ(Query(0xA0, {}), "TRUE 0/0");
 }
 
+TEST_F(EntryPointsTest, EveryBindingIsServedAndTheLastStatusCounts) {
+  agent.RegisterVariables();
+  Binding known("P.0.0");
+  Binding unknown("P.9");
+  EXPECT_EQ(Query(SNMP_PDU_GET, {known.Get(), unknown.Get()}), "TRUE 2/0");
+  EXPECT_EQ(Query(SNMP_PDU_GET, {unknown.Get(), known.Get()}), "TRUE 0/0");
+}
+
 }  // namespace
 
 }  // namespace Agent::Tests

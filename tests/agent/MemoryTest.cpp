@@ -3,6 +3,7 @@
 #include <new>
 #include <string>
 
+#include "Src/ErrReporter.h"
 #include "agent/MibTable.h"
 #include "agent/ObjectIdentifier.h"
 #include "tests/agent/AgentProcessFixture.h"
@@ -108,6 +109,22 @@ class ReservedLog final : public Vask::Tests::LinesOnlyLog {
   std::string lines;
 };
 
+TEST_F(MibTableMemoryTest, VariableWithoutMemoryForItsValueIsLogged) {
+  ReservedLog reserved;
+  Vask::LogPrinter::Instance().SetTarget(&reserved);
+  {
+    const FailingAllocations failing(2, 1);  // enough for the entry and its name
+    agent.RegisterVariables();
+  }
+  Vask::LogPrinter::Instance().SetTarget(&log);
+  EXPECT_TRUE(
+      reserved.lines.starts_with("Unable to register variable 'AudioSourcesSilence'!\n"
+                                 "MIB TABLE 'AudioSourcesErrors':INT = "))
+      << reserved.lines;
+  EXPECT_EQ(agent.Variables().Find("AudioSourcesSilence"), nullptr);
+  EXPECT_EQ(agent.Variables().Find("AudioSourcesErrors")->m_next, nullptr);
+}
+
 // A connection without its timer would never request an update. So it does not
 // count, and the next one is the first again.
 TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
@@ -136,6 +153,31 @@ TEST_F(UpdatesTest, ConnectionWithoutMemoryForItsTimerLeavesTheStateAsBefore) {
   EXPECT_TRUE(link.frames.empty());
   Pass(1);
   EXPECT_EQ(link.frames, std::vector<std::string>{UpdateRequestFrame()});
+}
+
+// Takes one report without an allocation.
+class ReservedSink final : public Vask::IOnError {
+ public:
+  ReservedSink() { text.reserve(256); }
+
+  void OnError(Vask::Json*, const char* report) override { text += report; }
+
+  std::string text;
+};
+
+TEST_F(UpdatesTest, MessageWithoutMemoryIsReportedAndNotSent) {
+  ReservedSink sink;
+  Messages::Registrar& registrar = Messages::Registrar::Instance();
+  registrar.SetErrorSink(&sink);
+  bool sent = true;
+  {
+    const FailingAllocations failing;
+    sent = registrar.SendSNMPupdate();
+  }
+  registrar.SetErrorSink(nullptr);
+  EXPECT_FALSE(sent);
+  EXPECT_EQ(sink.text, "Messages::Registrar::Send: No memory for a message 'SNMPupdate'");
+  EXPECT_TRUE(link.frames.empty());
 }
 
 // No exception leaves an entry point.

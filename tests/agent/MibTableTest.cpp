@@ -38,6 +38,20 @@ TEST_F(MibTableTest, DumpOfTheStartSetHasEightLinesFromTheLastVariableToTheFirst
   EXPECT_EQ(log.Lines(), expected);
 }
 
+TEST_F(StartSetTest, SecondRegistrationOfTheStartSetChangesAndLogsNothing) {
+  agent.RegisterVariables();
+  EXPECT_TRUE(log.Lines().empty());
+  EXPECT_EQ(GetNext("P.0.0"), "0 P.1.0 = STRING 'Corvane'");
+}
+
+TEST_F(MibTableTest, VariableThatExistsAlreadyIsTheNextOfTheOneBeforeIt) {
+  constexpr UINT kStreamsErrors[] = {2, 1};
+  MIB_ENTRY* const present =
+      agent.Variables().RegisterInt(Lend(kStreamsErrors), "StreamsErrors", nullptr, 5);
+  agent.RegisterVariables();
+  EXPECT_EQ(agent.Variables().Find("StreamsCount")->m_next, present);
+}
+
 TEST_F(StartSetTest, EveryVariableHasItsTypeCapacityValueAndNext) {
   struct Row {
     const char* name;
@@ -138,6 +152,13 @@ TEST_F(StartSetTest, TextShorterThanTheCapacityIsStoredWithItsZero) {
   EXPECT_EQ(Get("P.1.1"), "0 P.1.1 = STRING '" + text + "'");
 }
 
+TEST_F(StartSetTest, NothingBehindTheZeroOfATextIsStored) {
+  const char text[] = "ab\0#";
+  ASSERT_TRUE(agent.Variables().SetString("ProductVersion", text));
+  const char* const cell = agent.Variables().Find("ProductVersion")->m_text;
+  EXPECT_EQ(std::memcmp(cell, "ab\0.x", 6), 0);  // the rest of "1.x.x"
+}
+
 TEST_F(StartSetTest, TextOfTheCapacityOrMoreFillsTheCellAndLeavesNoZero) {
   for (const std::size_t length : {64u, 65u, 500u}) {
     const std::string text(length, 'v');
@@ -202,10 +223,11 @@ TEST_F(MibTableTest, RowsAreAddedReplacedAndCleared) {
   MibTable::AddRow(*rows, "a", "b");
   MibTable::AddRow(*rows, "c", "d");
   EXPECT_EQ(MibTable::RowCount(*rows), 2u);
+  EXPECT_TRUE(MibTable::SetRow(*rows, 1, "A", "B"));
   EXPECT_TRUE(MibTable::SetRow(*rows, 2, "e", "f"));
   EXPECT_FALSE(MibTable::SetRow(*rows, 0, "x", "y"));
   EXPECT_FALSE(MibTable::SetRow(*rows, 3, "x", "y"));
-  EXPECT_EQ(Get("P.1.0.1.1.1"), "0 P.1.0.1.1.1 = STRING 'a'");
+  EXPECT_EQ(Get("P.1.0.1.1.1"), "0 P.1.0.1.1.1 = STRING 'A'");
   EXPECT_EQ(Get("P.1.0.1.2.2"), "0 P.1.0.1.2.2 = STRING 'f'");
   MibTable::ClearRows(*rows);
   EXPECT_EQ(MibTable::RowCount(*rows), 0u);
@@ -282,6 +304,24 @@ TEST_F(GetStoredVarTest, UnknownTypeIsAGeneralError) {
   entry->m_type = 6;
   EXPECT_EQ(Get("P.3"), "5 P.3 = none");
   EXPECT_EQ(LastLine(), "Info: GetStoredVar(Odd) = ERROR\n");
+}
+
+TEST_F(GetStoredVarTest, MemoryForATextHasRoomForItsZeroAndNoMore) {
+  static std::vector<UINT> s_sizes;
+  s_sizes.clear();
+  SNMPExtensionAgent counted(clock, Vask::Platform::SystemThreading(), [](UINT bytes) {
+    s_sizes.push_back(bytes);
+    return SnmpUtilMemAlloc(bytes);
+  });
+  constexpr UINT kTextSuffix[] = {4};
+  counted.Variables().RegisterString(Lend(kTextSuffix), "Text", nullptr, 16, "abc");
+  MIB_ENTRY* const rows = counted.Variables().RegisterSequence(Lend(kSuffix), "Rows", nullptr);
+  MibTable::AddRow(*rows, "", "first");
+  for (const char* const name : {"P.4", "P.3.1.1.1", "P.3.1.2.1"}) {
+    Binding binding(name);
+    EXPECT_EQ(counted.GetRequest(binding.Get()), SNMP_ERRORSTATUS_NOERROR) << name;
+  }
+  EXPECT_EQ(s_sizes, (std::vector<UINT>{4, 1, 6}));
 }
 
 TEST_F(GetStoredVarTest, MissingMemoryForTheTextIsAGeneralError) {

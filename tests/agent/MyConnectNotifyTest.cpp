@@ -186,6 +186,34 @@ TEST_F(MyConnectNotifyTest, RequestIsLogged) {
   EXPECT_EQ(log.Lines(), Lines{kRequesting});
 }
 
+// Records the number of frames that were sent before each line.
+class FramesBeforeEachLine final : public Vask::Tests::LinesOnlyLog {
+ public:
+  explicit FramesBeforeEachLine(const RecordingLink& link) : m_link(link) {
+    Vask::LogPrinter::Instance().SetTarget(this);
+  }
+  ~FramesBeforeEachLine() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
+
+  void Info(const char* text) override {
+    notes.push_back(std::to_string(m_link.frames.size()) + " " + text);
+  }
+  void Warning(const char*) override {}
+  void Error(const char*) override {}
+  void Trace(const char*) override {}
+
+  Lines notes;
+
+ private:
+  const RecordingLink& m_link;
+};
+
+TEST_F(MyConnectNotifyTest, RequestIsLoggedBeforeItIsSent) {
+  connectNotify.OnConnected();
+  const FramesBeforeEachLine frames(link);
+  Pass(15'000);
+  EXPECT_EQ(frames.notes, Lines{"0 Requesting to update SNMP variables..\n"});
+}
+
 // A tick that removes the timer of one connection while the next one begins must
 // not remove the new timer, too.
 TEST_F(MyConnectNotifyTest, ReconnectionDuringTicksKeepsItsTimer) {

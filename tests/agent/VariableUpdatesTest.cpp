@@ -180,6 +180,40 @@ TEST_F(VariableUpdatesTest, ErrorsTrapComesBeforeTheSilenceTrap) {
             (Lines{TrapFrame("audiosourcesfailed"), TrapFrame("audiosilencedetectfailed")}));
 }
 
+// Records the values of the counts at the moment at which a trap is queued.
+class CountsAtEachTrap final : public Vask::Tests::LinesOnlyLog {
+ public:
+  explicit CountsAtEachTrap(MibTable& variables) : m_variables(variables) {
+    Vask::LogPrinter::Instance().SetTarget(this);
+  }
+  ~CountsAtEachTrap() override { Vask::LogPrinter::Instance().SetTarget(nullptr); }
+
+  void Info(const char* text) override {
+    if (std::string(text).find("Added trap") == std::string::npos) return;
+    std::string note;
+    for (const char* const name :
+         {"StreamsErrors", "AudioSourcesCount", "AudioSourcesErrors", "AudioSourcesSilence"})
+      note += std::to_string(m_variables.Find(name)->m_number->load()) + " ";
+    notes.push_back(note);
+  }
+  void Warning(const char*) override {}
+  void Error(const char*) override {}
+  void Trace(const char*) override {}
+
+  Lines notes;
+
+ private:
+  MibTable& m_variables;
+};
+
+// A manager reads the values when it receives the trap.
+TEST_F(VariableUpdatesTest, ValuesAreStoredBeforeTheirTrapIsQueued) {
+  const CountsAtEachTrap counts(agent.Variables());
+  SendStreams(9, 3);
+  SendAudioSources(8, 2, 1);
+  EXPECT_EQ(counts.notes, (Lines{"3 0 0 0 ", "3 8 2 1 ", "3 8 2 1 "}));
+}
+
 TEST_F(VariableUpdatesTest, EveryChangeIsReportedBackWithItsExactBytes) {
   SendStreams(4, 1);
   SendStreams(4, 2);
