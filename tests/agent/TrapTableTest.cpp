@@ -2,6 +2,7 @@
 
 #include "agent/ObjectIdentifier.h"
 #include "tests/agent/AgentFixture.h"
+#include "tests/support/ForwardingThreading.h"
 
 namespace Agent::Tests {
 
@@ -123,6 +124,25 @@ TEST_F(TrapTableTest, NameIsFoundInAnyCaseAndLoggedAsRegistered) {
   EXPECT_TRUE(agent.Traps().Queue("TRAPSTREAMSOK"));
   EXPECT_EQ(LastLine(),
             "Info: SNMPExtensionAgent: Added trap 'TrapStreamsOK' to transmit queue..\n");
+}
+
+// Refuses to create events until it is told otherwise.
+class LateEvents final : public Vask::Tests::ForwardingThreading {
+ public:
+  bool refuses = true;
+
+  Vask::Platform::NativeHandle CreateEvent(Vask::Platform::EventReset reset) noexcept override {
+    return refuses ? nullptr : ForwardingThreading::CreateEvent(reset);
+  }
+};
+
+TEST_F(TrapTableTest, RegistrationCreatesTheEventThatTheSystemRefusedBefore) {
+  LateEvents threading;
+  SNMPExtensionAgent late(clock, threading);
+  EXPECT_EQ(late.Traps().EventHandle(), nullptr);
+  threading.refuses = false;
+  late.RegisterTraps();
+  EXPECT_NE(late.Traps().EventHandle(), nullptr);
 }
 
 TEST_F(TrapTableTest, EventExistsAndIsNotSignalledAtFirst) {

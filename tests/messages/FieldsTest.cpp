@@ -53,6 +53,7 @@ TEST(FieldsTest, UnionsKeyIsTheLastPartOfItsPath) {
   EXPECT_STREQ("trapType", LastPart("SNMPtrap::trapType"));
   EXPECT_STREQ("instance", LastPart("CreateProgramMP3::streams::Stream::instance"));
   EXPECT_STREQ("alone", LastPart("alone"));
+  EXPECT_STREQ("one:point", LastPart("one:point"));
 }
 
 TEST(FieldsTest, RecordsWithListsOrRealsAreNotEncodable) {
