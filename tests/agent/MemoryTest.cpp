@@ -22,6 +22,7 @@ using Vask::Tests::FailingAllocations;
 using Vask::Tests::HeldBlocks;
 
 using MibTableMemoryTest = EmptyAgentTest;
+using StepMemoryTest = AgentTest;
 
 class TrapMemoryTest : public AgentTest {
  protected:
@@ -124,6 +125,36 @@ TEST_F(MibTableMemoryTest, VariableWithoutMemoryForItsValueIsLogged) {
   EXPECT_EQ(agent.Variables().Find("AudioSourcesSilence"), nullptr);
   EXPECT_EQ(agent.Variables().Find("AudioSourcesErrors")->m_next, nullptr);
 }
+
+#if defined(CORVANE_MALLOC_IS_WRAPPED)
+// Lets each allocation of the step fail in turn.
+TEST_F(StepMemoryTest, StepThatSucceedsHasTheNextNameAndItsValue) {
+  Vask::LogPrinter::Instance().SetTarget(nullptr);
+  Vask::LogPrinter::Instance().SetConsole(false);
+  for (const char* const name : {"P", "P.0.0"}) {
+    const std::string next =
+        name == std::string("P") ? "P.0.0 = INT 1" : "P.1.0 = STRING 'Corvane'";
+    int allowed = 0;
+    for (bool reached = true; reached; ++allowed) {
+      Binding binding(name);
+      INT status = SNMP_ERRORSTATUS_GENERR;
+      try {
+        const FailingAllocations failing(allowed, 1);
+        status = agent.GetNextRequest(binding.Get());
+      } catch (const std::bad_alloc&) {  // the entry point returns false
+      }
+      reached = FailingAllocations::Reached();
+      const bool succeeded = status == SNMP_ERRORSTATUS_NOERROR;
+      EXPECT_TRUE(succeeded || reached) << name << ", " << allowed;
+      if (succeeded) {
+        EXPECT_EQ(binding.Name() + " = " + binding.Value(), next) << allowed;
+      }
+    }
+    EXPECT_GT(allowed, 1) << name;
+  }
+  Vask::LogPrinter::Instance().SetConsole(true);
+}
+#endif
 
 // A connection without its timer would never request an update. So it does not
 // count, and the next one is the first again.
