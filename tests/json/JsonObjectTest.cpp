@@ -202,6 +202,15 @@ TEST_F(JsonObjectDeathTest, WritingAKeyOf129CharactersEndsTheProcess) {
   EXPECT_DEATH(Written(*object), kTooLong);
 }
 
+// The counters before the first test.
+const std::uint32_t kConstructedAtFirst = Json::Constructed();
+const std::uint32_t kDestroyedAtFirst = Json::Destroyed();
+
+TEST_F(JsonObjectTest, CountersBeginAtZero) {
+  EXPECT_EQ(kConstructedAtFirst, 0u);
+  EXPECT_EQ(kDestroyedAtFirst, 0u);
+}
+
 TEST_F(JsonObjectTest, CountersFollowEveryKind) {
   const std::uint32_t constructed = Json::Constructed();
   const std::uint32_t destroyed = Json::Destroyed();

@@ -218,6 +218,21 @@ TEST_F(JsonParserTest, NulFollowsTheTextOfANumber) {
   EXPECT_STREQ(static_cast<const JsonNumber*>(root.Get())->Text().data(), "7");
 }
 
+// The next value lies directly behind the room of a text.
+TEST_F(JsonParserTest, NulFollowsATextOfAnyLengthBeforeOtherValues) {
+  for (std::size_t length = 1; length <= 40; ++length) {
+    const std::string digits(length, '7');
+    const std::string letters(length, 'x');
+    ParseResult result;
+    const JsonRef<JsonArray> root(static_cast<JsonArray*>(
+        Parse(result, ("[" + digits + ",\"" + letters + "\",true]").c_str())));
+    ASSERT_TRUE(root);
+    auto element = root->begin();
+    EXPECT_STREQ(static_cast<JsonNumber*>(*element)->Text().data(), digits.c_str());
+    EXPECT_STREQ(static_cast<JsonString*>(*++element)->CStr(), letters.c_str());
+  }
+}
+
 TEST_F(JsonParserTest, IgnoresWhatFollowsTheFirstValue) {
   ExpectOutcomes({
       {"AfterTrue", "true false", "true 1:5"},

@@ -63,10 +63,13 @@ TEST(NumberReading, RealsAreReadAsDecimalFloatingPoint) {
       {"TooLargeNegative", "-1.0e309", -kInfinity},
       {"TooLargeWithSignedExponent", "0.001e+400", kInfinity},
       {"TooLargeByDigits", "1" + std::string(400, '0') + ".0", kInfinity},
+      {"TooLargeNegativeByDigits", "-1" + std::string(400, '0') + ".0", -kInfinity},
+      {"TooLargeByTheFirstDigit", "1" + std::string(700, '0') + "1.0e-100", kInfinity},
       {"ExponentOverflows", "1.0e99999999999999999999", kInfinity},
       {"TooLargeWithLeadingZeros", "000.001e400", kInfinity},
       {"SmallestDenormal", "4.9406564584124654e-324", std::numeric_limits<double>::denorm_min()},
       {"TooSmall", "1.0e-400", 0.0},
+      {"TooSmallWithCapitalExponent", "1.0E-400", 0.0},
       {"TooSmallByDigits", "0." + std::string(400, '0') + "1", 0.0},
       {"ExponentUnderflows", "1.0e-99999999999999999999", 0.0},
       {"ZeroWithAnyExponent", "0.0e999999999999", 0.0},
@@ -77,6 +80,12 @@ TEST(NumberReading, RealsAreReadAsDecimalFloatingPoint) {
   }
   EXPECT_TRUE(std::signbit(ReadReal("-0.0")));
   EXPECT_TRUE(std::signbit(ReadReal("-1.0e-400")));
+}
+
+TEST(NumberReading, TextEndsWhereItsViewEnds) {
+  constexpr std::string_view kLonger = "2.57";
+  EXPECT_EQ(ReadReal(kLonger.substr(0, 3)), 2.5);
+  EXPECT_EQ(ReadInteger(std::string_view("25").substr(0, 1)), 2);
 }
 
 TEST(NumberReading, RealsDoNotFollowTheLocale) {

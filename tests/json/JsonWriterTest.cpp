@@ -50,6 +50,7 @@ TEST(JsonEscaping, WritesEachKindOfByteByItsRule) {
            Row{"SequenceOfZero", "\xC0\x80", "\\u0000"},
            Row{"FourBytesAreDropped", "a\xF0\x9F\x98\x80z", "az"},
            Row{"StrayContinuationIsDropped", "a\x80\xBFz", "az"},
+           Row{"ByteOfNoSequenceIsDropped", "a\xF8\xFEy\xFFz", "ayz"},
            Row{"TwoBytesCutByTheEnd", "a\xC3", "a"},
            Row{"ThreeBytesCutByTheEnd", "a\xE2", "a"},
            Row{"ThreeBytesCutAfterTheSecond", "a\xE2\x82", "a"},

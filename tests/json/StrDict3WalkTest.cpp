@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <map>
 #include <random>
 #include <string>
@@ -141,6 +142,17 @@ TEST(StrDict3WalkDeathTest, KeyOf129CharactersEndsTheProcess) {
   Dictionary dictionary;
   dictionary.Insert(std::string(129, 'k').c_str(), 0);
   EXPECT_DEATH(KeysOf(dictionary), kTooLong);
+}
+
+// A host program may have given its standard error a buffer.
+TEST(StrDict3WalkDeathTest, ReasonIsPrintedThroughABuffer) {
+  Dictionary dictionary;
+  dictionary.Insert(std::string(129, 'k').c_str(), 0);
+  const auto walkWithBuffer = [&] {
+    static_cast<void>(std::setvbuf(stderr, nullptr, _IOFBF, 4096));
+    KeysOf(dictionary);
+  };
+  EXPECT_DEATH(walkWithBuffer(), kTooLong);
 }
 
 // Each key leaves a sibling behind at its own depth: "b", "ab", "aab" and so on.

@@ -46,6 +46,7 @@ int PiecesPerSlab(std::size_t bytes) {
 }
 
 TEST_F(ValueMemoryTest, ManyPiecesTakeOneAllocation) {
+  EXPECT_EQ(ValueMemory::kSlabBytes, 4096u);
   EXPECT_EQ(PiecesPerSlab(64), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(57), (4096 - 8) / (64 + 8));
   EXPECT_EQ(PiecesPerSlab(65), (4096 - 8) / (72 + 8));
