@@ -69,6 +69,29 @@ TEST_F(JsonObjectTest, LaterValueUnderTheSameKeyReplacesAndReleasesTheEarlier) {
   EXPECT_EQ(Written(*object), R"({"key":2})");
 }
 
+TEST_F(JsonObjectTest, NodeOfAMemberHasItsValue) {
+  JsonRef<JsonObject> object(new JsonObject);
+  SetInt(*object, "key", 7);
+  const JsonObject::Dictionary::Node* node = nullptr;
+  ASSERT_TRUE(object->Members().Find("key", node));
+  EXPECT_EQ(node->hasValue, 1);
+  EXPECT_EQ(node->value, object->Find("key"));
+}
+
+TEST_F(JsonObjectTest, ObjectOfATextHasRoomForTwoNodes) {
+  ValueMemory memory;
+  const JsonRef<JsonObject> object(JsonObject::CreateForText(memory));
+  const auto addNode = [&](const char* key) {
+    JsonObject::Dictionary::Path path(object->Members());
+    path.Append(key);
+    return path.End();
+  };
+  const auto* first = addNode("a");
+  EXPECT_EQ(static_cast<const void*>(first), object.Get() + 1);
+  EXPECT_EQ(addNode("b"), first + 1);
+  EXPECT_NE(addNode("c"), first + 2);
+}
+
 TEST_F(JsonObjectTest, SettingTheSameValueAgainKeepsIt) {
   std::string deleted;
   JsonRef<JsonObject> object(new JsonObject);

@@ -141,6 +141,13 @@ TEST_F(ValueMemoryTest, KeptValueOutlivesTheMessageItCameWith) {
   name->Release();
 }
 
+TEST_F(ValueMemoryTest, ClearedMembersAreFreed) {
+  const JsonRef<JsonObject> object(new JsonObject);
+  for (const char* key : {"a", "b", "c"}) object->Members().Insert(key, nullptr);
+  object->Members().Clear();
+  EXPECT_TRUE(object->Empty());
+}
+
 TEST_F(ValueMemoryTest, TextAfterTextAllocatesNothingMore) {
   ValueMemory memory;
   ParseResult result;
