@@ -37,6 +37,15 @@ TEST_F(JsonArrayTest, ElementsKeepTheOrderOfAppending) {
   EXPECT_EQ(values, (std::vector<std::int64_t>{3, 1, 2}));
 }
 
+TEST_F(JsonArrayTest, IteratorIsMovedInBothForms) {
+  JsonRef<JsonArray> array(new JsonArray);
+  for (const int value : {3, 1}) AppendInt(*array, value);
+  JsonArray::Iterator at = array->begin();
+  EXPECT_EQ(static_cast<JsonNumber*>(*at++)->IntValue(), 3);
+  EXPECT_EQ(static_cast<JsonNumber*>(*at)->IntValue(), 1);
+  EXPECT_TRUE(++at == array->end());
+}
+
 TEST_F(JsonArrayTest, AppendTakesAReferenceOfItsOwn) {
   JsonRef<JsonBool> value(new JsonBool(true));
   {

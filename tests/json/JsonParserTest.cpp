@@ -224,12 +224,13 @@ TEST_F(JsonParserTest, NulFollowsATextOfAnyLengthBeforeOtherValues) {
     const std::string digits(length, '7');
     const std::string letters(length, 'x');
     ParseResult result;
-    const JsonRef<JsonArray> root(static_cast<JsonArray*>(
-        Parse(result, ("[" + digits + ",\"" + letters + "\",true]").c_str())));
+    const std::string text = "[" + digits + ",\"" + letters + "\",\"\n" + letters + "\",true]";
+    const JsonRef<JsonArray> root(static_cast<JsonArray*>(Parse(result, text.c_str())));
     ASSERT_TRUE(root);
     auto element = root->begin();
     EXPECT_STREQ(static_cast<JsonNumber*>(*element)->Text().data(), digits.c_str());
     EXPECT_STREQ(static_cast<JsonString*>(*++element)->CStr(), letters.c_str());
+    EXPECT_STREQ(static_cast<JsonString*>(*++element)->CStr(), ("\n" + letters).c_str());
   }
 }
 

@@ -2,6 +2,7 @@
 #include <new>
 #include <string>
 
+#include "json/JsonArray.h"
 #include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
@@ -72,6 +73,21 @@ TEST_F(OutOfMemoryTest, MemberWithoutMemoryLeavesTheObjectAsItWas) {
   EXPECT_EQ(failures, 8);
   EXPECT_EQ(value->RefCount(), 3);
   EXPECT_EQ(object->Find(longKey.substr(1).c_str()), nullptr);
+}
+
+TEST_F(OutOfMemoryTest, ElementWithoutMemoryLeavesTheArrayAsItWas) {
+  JsonRef<JsonArray> array(new JsonArray);
+  JsonRef<JsonObject> value(new JsonObject);
+  const int failures = FailuresUntilItWorks([&] {
+    try {
+      array->Append(value.Get());
+    } catch (const std::bad_alloc&) {
+      if (value->RefCount() != 1 || array->Count() != 0) std::abort();
+      throw;
+    }
+  });
+  EXPECT_EQ(failures, 1);
+  EXPECT_EQ(value->RefCount(), 2);
 }
 
 TEST_F(OutOfMemoryTest, KeyThatWouldDivideAnotherLeavesItWhole) {
