@@ -1,9 +1,11 @@
 #include "tests/support/AllocationCounter.h"
 
+#include <cstddef>
 #include <string>
 
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
+#include "json/StrDict3.h"
 #include "tests/json/BalancedTest.h"
 
 namespace Vask {
@@ -70,6 +72,15 @@ TEST_F(AllocationTest, TextInWarmMemoryAllocatesNothing) {
     }
     EXPECT_EQ(Tests::Allocations(), before) << text;
   }
+}
+
+TEST_F(AllocationTest, DictionaryFreesItsOwnAllocator) {
+  const std::ptrdiff_t before = Tests::HeldBlocks();
+  {
+    StrDict3<int> dictionary;
+    dictionary.Insert("a", 1);
+  }
+  EXPECT_EQ(Tests::HeldBlocks(), before);
 }
 
 TEST_F(AllocationTest, ReleasingAllocatesNothing) {

@@ -234,6 +234,13 @@ TEST_F(JsonParserTest, NulFollowsATextOfAnyLengthBeforeOtherValues) {
   }
 }
 
+TEST_F(JsonParserTest, ResultBeginsAtTheFirstCharacter) {
+  const ParseResult result;
+  EXPECT_EQ(result.errorMessage, "");
+  EXPECT_EQ(result.line, 1u);
+  EXPECT_EQ(result.column, 1u);
+}
+
 TEST_F(JsonParserTest, IgnoresWhatFollowsTheFirstValue) {
   ExpectOutcomes({
       {"AfterTrue", "true false", "true 1:5"},

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <memory>
 #include <thread>
 #include <utility>
@@ -97,6 +98,20 @@ TEST(RefCount3, ReleasesOfManyThreadsDeleteOnce) {
   EXPECT_EQ(shared->RefCount(), 1);
   shared->Release();
   EXPECT_EQ(deletions, 1);
+}
+
+TEST(RefCount3, LastReleaseOfAKeptObjectSeesNoReference) {
+  class Kept final : public RefCount3 {
+   public:
+    Kept() : RefCount3(false) {}
+    std::int32_t seen = -1;
+
+   private:
+    void OnLastRelease() noexcept override { seen = RefCount(); }
+  };
+  Kept object;
+  object.Release();
+  EXPECT_EQ(object.seen, 0);
 }
 
 TEST(JsonRef, ReleasesAtTheEndOfItsScope) {
