@@ -45,6 +45,15 @@ TEST(StrDict3Walk, PrefixIsPutBeforeEachKey) {
 
 TEST(StrDict3Walk, EmptyDictionaryIsWalkedWithoutACall) {
   EXPECT_EQ(KeysOf(Dictionary()), Keys{});
+  EXPECT_EQ(KeysOf(Dictionary(), std::string(128, 'p').c_str()), Keys{});
+}
+
+// A run has at most sixteen characters, and a key before it was longer.
+TEST(StrDict3Walk, KeyOfWholeRunsEndsWithItsLastRun) {
+  const Keys keys{std::string(100, 'a'), std::string(16, 'b'), std::string(32, 'c')};
+  Dictionary dictionary;
+  for (const std::string& key : keys) dictionary.Insert(key.c_str(), 0);
+  EXPECT_EQ(KeysOf(dictionary), keys);
 }
 
 TEST(StrDict3Walk, CallbackStopsTheWalk) {
@@ -189,6 +198,7 @@ TEST(StrDict3WalkDeathTest, PrefixCountsToo) {
   dictionary.Insert(std::string(100, 'k').c_str(), 0);
   EXPECT_DEATH(KeysOf(dictionary, std::string(29, 'p').c_str()), kTooLong);
   EXPECT_DEATH(KeysOf(dictionary, std::string(129, 'p').c_str()), kTooLong);
+  EXPECT_DEATH(KeysOf(Dictionary(), std::string(129, 'p').c_str()), kTooLong);
 }
 
 }  // namespace
