@@ -3,8 +3,11 @@
 #include <cstddef>
 #include <string>
 
+#include "json/JsonArray.h"
+#include "json/JsonObject.h"
 #include "json/JsonParser.h"
 #include "json/JsonRef.h"
+#include "json/JsonScalars.h"
 #include "json/StrDict3.h"
 #include "tests/json/BalancedTest.h"
 
@@ -72,6 +75,25 @@ TEST_F(AllocationTest, TextInWarmMemoryAllocatesNothing) {
     }
     EXPECT_EQ(Tests::Allocations(), before) << text;
   }
+}
+
+// The list of members doubles up to 32 places in both cases.
+TEST_F(AllocationTest, WriterKeepsOnlyTheKeysOfOpenObjects) {
+  JsonRef<JsonObject> object(new JsonObject);
+  JsonRef<JsonNull> value(new JsonNull);
+  for (char first = 'a'; first < 'a' + 16; ++first) {
+    ASSERT_TRUE(object->Set((first + std::string(99, 'k')).c_str(), value.Get()));
+  }
+  std::string out;
+  out.reserve(100'000);
+  const auto allocationsToWrite = [&](int objects) {
+    JsonRef<JsonArray> array(new JsonArray);
+    for (int i = 0; i < objects; ++i) array->Append(object.Get());
+    const std::uint64_t before = Tests::Allocations();
+    array->Write(out);
+    return Tests::Allocations() - before;
+  };
+  EXPECT_EQ(allocationsToWrite(16), allocationsToWrite(2));
 }
 
 TEST_F(AllocationTest, DictionaryFreesItsOwnAllocator) {
