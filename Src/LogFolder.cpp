@@ -59,7 +59,6 @@ std::int64_t NextLogRotation(Platform::Clock& clock, std::int64_t now) noexcept 
   midnight.hour = 0;
   midnight.minute = 0;
   midnight.second = 0;
-  midnight.millisecond = 0;
   return clock.FromLocal(midnight);
 }
 

@@ -75,7 +75,6 @@ class MessageChunkList {
     if (chunk == nullptr) return nullptr;
     m_head = chunk->m_next;
     if (m_head == nullptr) m_tail = nullptr;
-    chunk->m_next = nullptr;
     --m_count;
     return chunk;
   }

@@ -56,9 +56,7 @@ TimerService::~TimerService() {
 bool TimerService::StartService() {
   if (HasThread() || !m_wake.Ensure()) return false;
   m_running.store(true, std::memory_order_relaxed);
-  if (Start()) return true;
-  m_running.store(false, std::memory_order_relaxed);
-  return false;
+  return Start();
 }
 
 void TimerService::StopService() {

@@ -179,7 +179,10 @@ TEST_F(CDailyEventLogTest, SetDaysToKeepCleansUpAtOnce) {
   } rows[] = {
       {"two days, just old enough", 2, 2 * kDaySeconds + 1, false},
       {"two days, not yet", 2, 2 * kDaySeconds, true},
+      {"no days, made today", 0, 1, false},
       {"keep all", 0xFFFFFFFF, 40'000 * kDaySeconds, true},
+      {"keep all, made earlier than any number of days reaches", 0xFFFFFFFF,
+       5'000'000'000 * kDaySeconds, true},
       {"the most days but one reach back before the epoch", 0xFFFFFFFE, midnight - 1, true},
   };
   for (const auto& row : rows) {
@@ -311,6 +314,7 @@ TEST_F(CDailyEventLogTest, ALogCanMoveBetweenStdoutAndAFolder) {
   ASSERT_TRUE(log.Open("C:\\logs"));
   ASSERT_TRUE(log.Open("stdout"));
   EXPECT_EQ(files.closed, 1u);
+  EXPECT_EQ(log.Folder().Path(), "");
   clock.Advance(2 * kDayMs);
   Write("console\n");
   ASSERT_TRUE(log.Open("C:\\logs"));

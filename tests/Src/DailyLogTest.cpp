@@ -11,6 +11,7 @@
 #include "tests/support/FakeClock.h"
 #include "tests/support/FaultySockets.h"
 #include "tests/support/MemoryFiles.h"
+#include "tests/support/RecordingLog.h"
 
 namespace Vask::Tests {
 namespace {
@@ -80,7 +81,8 @@ TEST_F(DailyLogTest, ThePrinterWritesToItUntilItIsDestroyed) {
   LogPrinter::Instance().Info("%s\n", "through the printer");
   EXPECT_EQ(files.files[kToday].bytes, "12:00:00.000: Info: through the printer\n");
   LogPrinter::Instance().SetConsole(false);
-  mortal.reset();
+  mortal.emplace(clock, files, sockets);  // another log, at the same place
+  ASSERT_TRUE(mortal->Open("C:\\logs"));
   LogPrinter::Instance().Info("after it\n");
   LogPrinter::Instance().SetConsole(true);
   EXPECT_EQ(files.files[kToday].bytes, "12:00:00.000: Info: through the printer\n");
@@ -93,6 +95,30 @@ TEST_F(DailyLogTest, ATextThatThePrinterCutIsLoggedAsItIs) {
   const std::string text = std::string(3'000, 'e') + "\n";
   printer.Error("%s", text.c_str());
   EXPECT_EQ(files.files[kToday].bytes, "12:00:00.000: Error: " + text.substr(0, 2'047));
+}
+
+// Logs in its destructor.
+struct Mourner : Thread::SingletonRef<Mourner> {
+  ~Mourner() { LogPrinter::Instance().Info("last words\n"); }
+};
+
+TEST(DailyLogInstanceTest, ThePrinterLivesLongerThanTheLog) {
+  Thread::DestroySingletons();
+  DailyLog::Instance();
+  Mourner::Instance();
+  RecordingLog log;  // asks for the printer
+  Thread::DestroySingletons();
+  EXPECT_EQ(log.Lines(), std::vector<std::string>{"Info: last words\n"});
+}
+
+TEST_F(DailyLogTest, FilesOlderThanTheDaysToKeepAreDeleted) {
+  const std::string old = "C:\\logs\\LogOld.log";
+  ASSERT_TRUE(log.Open("C:\\logs"));
+  files.files[old].createdAt = clock.EpochSeconds() - 5 * 86'400;
+  log.SetDaysToKeep(7);
+  EXPECT_TRUE(files.files.contains(old));
+  log.SetDaysToKeep(3);
+  EXPECT_FALSE(files.files.contains(old));
 }
 
 TEST_F(DailyLogTest, TheFolderIsEmptyUntilTheLogIsOpen) {

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 #include "tests/support/RecordingLog.h"
 
 namespace Vask::Tests {
@@ -14,6 +17,23 @@ TEST(ErrReporterTest, EveryReportIsOneErrorLine) {
   reporter.OnError(nullptr, "");
   EXPECT_EQ(log.Lines(),
             (std::vector<std::string>{"Error: DecodeStruct_Streams: 100% of it\n", "Error: \n"}));
+}
+
+TEST(ErrReporterTest, AReportIsFormattedAndCutTo255Characters) {
+  RecordingLog log;
+  ErrReporter reporter;
+  IOnError::Report(&reporter, "%s of %d", "one", 2);
+  IOnError::Report(&reporter, "%s", std::string(255, 'f').c_str());
+  IOnError::Report(&reporter, "%s", std::string(256, 'c').c_str());
+  EXPECT_EQ(log.Lines(),
+            (std::vector<std::string>{"Error: one of 2\n", "Error: " + std::string(255, 'f') + "\n",
+                                      "Error: " + std::string(255, 'c') + "\n"}));
+}
+
+TEST(ErrReporterTest, AReportWithoutASinkIsDropped) {
+  RecordingLog log;
+  IOnError::Report(nullptr, "%d", 1);
+  EXPECT_TRUE(log.Lines().empty());
 }
 
 }  // namespace

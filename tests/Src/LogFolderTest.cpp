@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -115,7 +116,18 @@ TEST_F(LogFolderTest, EnumerationStopsWhenTheCallbackReturnsFalse) {
   EXPECT_EQ(visit.lines.size(), 1u);
 }
 
+TEST_F(LogFolderTest, ACallbackThatThrowsStopsTheEnumeration) {
+  int calls = 0;
+  const auto throwing = [](const char*, const char*, void* context) -> bool {
+    ++*static_cast<int*>(context);
+    throw std::runtime_error("no");
+  };
+  EXPECT_FALSE(folder.Enumerate(files, throwing, &calls));
+  EXPECT_EQ(calls, 1);
+}
+
 TEST_F(LogFolderTest, EnumeratingNothingSucceeds) {
+  files.files["Log2018-05-14.log"];  // in no folder
   EXPECT_TRUE(LogFolder("C:\\empty").Enumerate(files, &Visit::Note, &visit));
   EXPECT_TRUE(LogFolder().Enumerate(files, &Visit::Note, &visit));
   EXPECT_TRUE(visit.lines.empty());

@@ -17,6 +17,7 @@ TEST(TimeStampTest, HasLeadingZerosAndEndsInColonAndBlank) {
       {"start of the day", {2018, 5, 14, 0, 0, 0, 0}, "00:00:00.000: "},
       {"one digit each", {2018, 5, 14, 9, 5, 3, 7}, "09:05:03.007: "},
       {"two digits of milliseconds", {2018, 5, 14, 10, 20, 30, 40}, "10:20:30.040: "},
+      {"the least three digits", {2018, 5, 14, 10, 20, 30, 100}, "10:20:30.100: "},
       {"end of the day", {2018, 5, 14, 23, 59, 59, 999}, "23:59:59.999: "},
   };
   for (const auto& row : rows) {

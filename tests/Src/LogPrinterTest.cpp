@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "tests/support/FakeClock.h"
 #include "tests/support/MemoryFiles.h"
@@ -75,6 +77,12 @@ TEST_F(LogPrinterTest, WithBothFlagsOffNothingIsPrinted) {
   printer.Warning("x\n");
   printer.Error("x\n");
   EXPECT_EQ(files.console, "");
+}
+
+TEST_F(LogPrinterTest, ACompactLineOfAnEmptyTextIsTheLetterAlone) {
+  printer.SetCompact(true);
+  printer.Info("%s", "");
+  EXPECT_EQ(files.console, "I");
 }
 
 TEST_F(LogPrinterTest, AMissingConsoleIsIgnored) {
@@ -164,6 +172,23 @@ TEST_F(LogPrinterTest, OnlyAnErrorBecomesTheLastError) {
   printer.Warning("second\n");
   printer.Info("third\n");
   EXPECT_EQ(LastError(), "first\n");
+}
+
+TEST_F(LogPrinterTest, TheLogFindsTheErrorThatItWritesAsTheLastOne) {
+  class ReadingLog final : public LinesOnlyLog {
+   public:
+    std::function<std::string()> lastError;
+    std::string seen;
+
+    void Info(const char*) override {}
+    void Warning(const char*) override {}
+    void Error(const char*) override { seen = lastError(); }
+    void Trace(const char*) override {}
+  } log;
+  log.lastError = [this] { return LastError(); };
+  printer.SetTarget(&log);
+  printer.Error("first\n");
+  EXPECT_EQ(log.seen, "first\n");
 }
 
 TEST_F(LogPrinterTest, TheLastErrorIsCutTo1023Characters) {

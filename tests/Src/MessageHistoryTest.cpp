@@ -2,15 +2,27 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/LogBlocks.h"
 
 namespace Vask::Tests {
 namespace {
 
 using Sizes = std::vector<std::uint32_t>;
+
+TEST(MessageChunkTest, IsFilledUpTo128BytesBehindWhatItHolds) {
+  MessageChunk chunk;
+  EXPECT_EQ(chunk.Fill("ab"), 2u);
+  EXPECT_EQ(chunk.Fill(std::string(100, 'c')), 100u);
+  EXPECT_EQ(chunk.Fill(std::string(27, 'd')), 26u);
+  EXPECT_EQ(chunk.Fill("e"), 0u);
+  EXPECT_EQ(TextOf(&chunk), "ab" + std::string(100, 'c') + std::string(26, 'd'));
+}
 
 class MessageHistoryTest : public testing::Test {
  protected:
@@ -74,7 +86,9 @@ TEST_F(MessageHistoryTest, TheTwentyNewestStayOldestFirst) {
 }
 
 TEST_F(MessageHistoryTest, TheCopyOfAnEmptyHistoryIsEmpty) {
+  const std::uint64_t before = Allocations();
   const MessageHistoryCopy copy = history.Copy();
+  EXPECT_EQ(Allocations() - before, 0u);
   EXPECT_EQ(copy.Count(), 0u);
   EXPECT_EQ(copy.TotalLength(), 0u);
 }
@@ -96,6 +110,40 @@ TEST_F(MessageHistoryTest, ChunksOfReplacedMessagesAreUsedAgain) {
   EXPECT_EQ(history.FreeChunks(), 40u);
   for (int i = 0; i < 20; ++i) Store(std::string(300, 'l'));
   EXPECT_EQ(history.FreeChunks(), 0u);
+  for (int i = 0; i < 20; ++i) Store("short");
+  EXPECT_EQ(history.FreeChunks(), 40u);
+}
+
+TEST_F(MessageHistoryTest, AMessageThatNeedsMoreThanTheFreeChunksGetsThemAndNewOnes) {
+  for (int i = 0; i < 20; ++i) Store(std::string(300, 'l'));
+  Store("short");
+  Store("short");
+  EXPECT_EQ(history.FreeChunks(), 4u);
+  Store(std::string(10 * 128, 'h'));
+  EXPECT_EQ(history.FreeChunks(), 0u);
+  const MessageHistoryCopy copy = history.Copy();
+  EXPECT_EQ(TextOf(copy.Blocks()[19]), "12:00:00.000: Info: " + std::string(10 * 128, 'h'));
+}
+
+TEST_F(MessageHistoryTest, AMessageOfOneChunkIsFollowedByOthers) {
+  Store("");
+  Store("");
+  Store("text");
+  const MessageHistoryCopy copy = history.Copy();
+  EXPECT_EQ(TextsOf(copy.Blocks(), copy.Count()),
+            (std::vector<std::string>{
+                "12:00:00.000: Info: ", "12:00:00.000: Info: ", "12:00:00.000: Info: text"}));
+}
+
+TEST(MessageHistoryMemoryTest, TheDestructorFreesUsedAndFreeChunks) {
+  const std::ptrdiff_t before = HeldBlocks();
+  {
+    MessageHistory mortal;
+    for (int i = 0; i < 20; ++i) mortal.Store("head", std::string(300, 'l'));
+    mortal.Store("head", "short");
+    ASSERT_EQ(mortal.FreeChunks(), 2u);
+  }
+  EXPECT_EQ(HeldBlocks(), before);
 }
 
 }  // namespace

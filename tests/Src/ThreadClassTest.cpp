@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "tests/support/ForwardingThreading.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/ScriptedThreading.h"
 
@@ -117,6 +118,52 @@ TEST(ThreadClassTest, WithoutEventsNoThreadIsStarted) {
   Worker worker(threading);
   EXPECT_FALSE(worker.Start());
   EXPECT_EQ(threading.started, 0u);
+}
+
+// Creates the n-th event only, however often it is asked, and never a thread.
+class OneEventThreading final : public ForwardingThreading {
+ public:
+  explicit OneEventThreading(int created) : m_created(created) {}
+  int started = 0;
+
+  Platform::NativeHandle CreateEvent(Platform::EventReset reset) noexcept override {
+    return ++m_asked == m_created ? ForwardingThreading::CreateEvent(reset) : nullptr;
+  }
+  Platform::NativeHandle StartThread(const Platform::ThreadEntry&) noexcept override {
+    ++started;
+    return nullptr;
+  }
+
+ private:
+  const int m_created;
+  int m_asked = 0;
+};
+
+TEST(ThreadClassTest, WithOneOfItsTwoEventsNoThreadIsStarted) {
+  for (const int created : {1, 2}) {
+    OneEventThreading threading(created);
+    Worker worker(threading);
+    EXPECT_FALSE(worker.Start()) << created;
+    EXPECT_EQ(threading.started, 0) << created;
+    EXPECT_TRUE(worker.deeds.empty()) << created;
+  }
+}
+
+// Logs in its destructor.
+class Mourner final : public ThreadClass, public Thread::SingletonRef<Mourner> {
+ public:
+  ~Mourner() override { LogPrinter::Instance().Info("last words\n"); }
+
+ private:
+  void Run() override {}
+};
+
+TEST(ThreadClassTest, ThePrinterLivesLongerThanASingletonWithAThread) {
+  Thread::DestroySingletons();
+  Mourner::Instance();
+  RecordingLog log;  // asks for the printer
+  Thread::DestroySingletons();
+  EXPECT_EQ(log.Lines(), std::vector<std::string>{"Info: last words\n"});
 }
 
 TEST(ThreadClassTest, DestructionWithAThreadIsReportedAndContinues) {

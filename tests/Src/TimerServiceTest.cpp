@@ -5,10 +5,12 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <functional>
 #include <future>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -44,6 +46,16 @@ TEST(TimerNodeStoreTest, FreedNodesAreUsedBeforeAnythingIsAllocated) {
     }
   }
   EXPECT_EQ(store.BlockCount(), 1u);
+}
+
+TEST(TimerNodeStoreTest, TheDestructorFreesEveryBlock) {
+  const std::ptrdiff_t before = HeldBlocks();
+  {
+    TimerNodeStore store;
+    for (int i = 0; i < 65; ++i) static_cast<void>(store.Take());
+    ASSERT_EQ(store.BlockCount(), 3u);
+  }
+  EXPECT_EQ(HeldBlocks(), before);
 }
 
 using Platform::kInfinite;
@@ -354,6 +366,42 @@ TEST(TimerServiceThreadTest, AnIdleServiceWaitsWithoutLimitAndWakesOnlyForAReaso
   EXPECT_TRUE(calls.empty());
 }
 
+TEST(TimerServiceThreadTest, AfterASlowCallTheWaitIsCountedAgain) {
+  FakeClock clock;
+  WaitRecorder threading;
+  TimerService service(clock, threading);
+  std::vector<std::string> calls;
+  Client client("client", calls);
+  client.onTimer = [&clock] { clock.Advance(50); };
+  service.SetTimer(3'600'005, &client);
+  clock.Advance(3'600'005);
+  ASSERT_TRUE(service.StartService());
+  threading.Waits(3);
+  service.StopService();
+  EXPECT_EQ(threading.Waits(3), (std::vector<std::uint32_t>{0, 3'600'000, 3'599'950}));
+}
+
+TEST(TimerServiceThreadTest, AClientThatThrowsIsReportedAndTheServiceLooksForMoreAtOnce) {
+  FakeClock clock;
+  WaitRecorder threading;
+  RecordingLog log;
+  TimerService service(clock, threading);
+  std::vector<std::string> calls;
+  Client client("client", calls);
+  client.onTimer = [&] {
+    service.KillTimer(&client);
+    throw std::runtime_error("no");
+  };
+  ASSERT_TRUE(service.StartService());
+  threading.Waits(2);
+  service.SetTimer(0, &client);
+  threading.Waits(4);
+  service.StopService();
+  EXPECT_EQ(threading.Waits(4), (std::vector<std::uint32_t>{0, kInfinite, 0, kInfinite}));
+  EXPECT_EQ(calls, Calls{"client"});
+  EXPECT_EQ(log.Lines(), Calls{"Error: Vask::TimerService::Run: exception!\n"});
+}
+
 TEST(TimerServiceThreadTest, ATimerWakesTheThreadAndClientsAreCalledThere) {
   TimerService service;
   std::vector<std::string> calls;
@@ -425,6 +473,62 @@ TEST(TimerServiceThreadTest, StoppingWaitsForACallThatHasBegun) {
   service.StopService();
   EXPECT_TRUE(ended);
   releasing.join();
+}
+
+// Counts the waits of the service's thread. After a wake-up by the owner it gives that thread
+// time to begin another wait, before the owner continues.
+class SlowWaker final : public ForwardingThreading {
+ public:
+  // Blocks until the thread has begun that many waits. From then on wake-ups are slow.
+  void StartAfterWaits(int count) {
+    std::unique_lock lock(m_mutex);
+    m_changed.wait(lock, [this, count] { return m_waits >= count; });
+    m_expected = count;
+  }
+  int Waits() {
+    const std::lock_guard lock(m_mutex);
+    return m_waits;
+  }
+
+  void SetEvent(Platform::NativeHandle event) noexcept override {
+    ForwardingThreading::SetEvent(event);
+    std::unique_lock lock(m_mutex);
+    if (m_expected == 0 || std::this_thread::get_id() != m_owner) return;
+    m_wake = event;
+    m_changed.wait_for(lock, std::chrono::milliseconds(200),
+                       [this] { return m_waits > m_expected; });
+  }
+  bool WaitEvent(Platform::NativeHandle event, std::uint32_t timeoutMs) noexcept override {
+    if (std::this_thread::get_id() != m_owner) {
+      const std::lock_guard lock(m_mutex);
+      ++m_waits;
+      m_changed.notify_all();
+    }
+    return ForwardingThreading::WaitEvent(event, timeoutMs);
+  }
+  void JoinThread(Platform::NativeHandle thread,
+                  Platform::NativeHandle finished) noexcept override {
+    ForwardingThreading::SetEvent(m_wake);  // a test that fails must end too
+    ForwardingThreading::JoinThread(thread, finished);
+  }
+
+ private:
+  const std::thread::id m_owner = std::this_thread::get_id();
+  std::mutex m_mutex;
+  std::condition_variable m_changed;
+  int m_waits = 0;
+  int m_expected = 0;
+  Platform::NativeHandle m_wake = nullptr;
+};
+
+TEST(TimerServiceThreadTest, AThreadThatAStopWakesDoesNotWaitAgain) {
+  FakeClock clock;
+  SlowWaker threading;
+  TimerService service(clock, threading);
+  ASSERT_TRUE(service.StartService());
+  threading.StartAfterWaits(2);
+  service.StopService();
+  EXPECT_EQ(threading.Waits(), 2);
 }
 
 class JoinCounter final : public ForwardingThreading {

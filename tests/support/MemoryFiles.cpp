@@ -79,7 +79,8 @@ std::uint64_t MemoryFiles::Length(Platform::FileHandle file) noexcept {
 }
 
 void MemoryFiles::Close(Platform::FileHandle file) noexcept {
-  closed += static_cast<std::uint32_t>(m_open.erase(file));
+  m_open.erase(file);
+  ++closed;
 }
 
 Platform::FileHandle MemoryFiles::StandardOutput() noexcept {

@@ -34,7 +34,7 @@ class MemoryFiles final : public Platform::Files {
   std::vector<std::string> appended;  // each piece, of all files
   std::function<void()> afterAppend;
   std::uint32_t opened = 0;
-  std::uint32_t closed = 0;
+  std::uint32_t closed = 0;  // calls of Close, also for what was not open
 
   bool IsFolder(const char* path) noexcept override;
   Platform::DriveKind Drive(const char* root) noexcept override {
