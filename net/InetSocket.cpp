@@ -43,15 +43,11 @@ void InetSocket::Shutdown() {
 }
 
 void InetSocket::Adopt(Platform::SocketHandle handle) {
-  const Platform::CriticalSectionLock lock(m_handleLock);
   m_handle.store(handle, std::memory_order_relaxed);
-  m_connected = true;
 }
 
 Platform::SocketHandle InetSocket::TakeHandle() {
   const Platform::CriticalSectionLock lock(m_handleLock);
-  if (!m_connected) return Platform::kInvalidSocket;
-  m_connected = false;
   return m_handle.exchange(Platform::kInvalidSocket, std::memory_order_relaxed);
 }
 

@@ -49,7 +49,7 @@ class InetSocket {
   // Takes the ownership of a new handle that a connection will use.
   void Adopt(Platform::SocketHandle handle);
   // Returns the handle, which the caller must close. Returns kInvalidSocket if there is
-  // none or if it was never meant for a connection.
+  // none.
   [[nodiscard]] Platform::SocketHandle TakeHandle();
 
   Platform::Sockets& m_sockets;
@@ -59,7 +59,6 @@ class InetSocket {
   // used again. Nothing blocks under it.
   Platform::CriticalSection m_handleLock{Platform::LockRank::LinkHandle};
   std::atomic<Platform::SocketHandle> m_handle{Platform::kInvalidSocket};
-  bool m_connected VASK_GUARDED_BY(m_handleLock) = false;
 };
 
 // A TCP connection that this side opens.

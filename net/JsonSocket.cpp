@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kPeerHost[] = "127.0.0.1";
 
-// A message up to this size costs one allocation for the text and one for the frame.
+// A text up to this size costs one allocation. Its frame costs another one.
 constexpr std::size_t kUsualMessageBytes = 512;
 
 // A stop first waits this long for the reader to leave its loop by itself. That takes
@@ -49,10 +49,7 @@ void JsonSocket::SetErrorSink(IOnError* sink) {
 bool JsonSocket::OpenThread() {
   if (Start()) return true;
   IOnError::Report(m_errorSink, "Vask::JsonSocket::OpenThread open failed");
-  if (!HasThread()) {
-    m_running.store(false, std::memory_order_relaxed);
-    CloseSocket();
-  }
+  if (!HasThread()) m_running.store(false, std::memory_order_relaxed);
   return false;
 }
 
@@ -174,7 +171,6 @@ bool JsonSocket::OnJsonMessage(Json* message) {
   body.reserve(kUsualMessageBytes);
   message->Write(body);
   std::string frame;
-  frame.reserve(kUsualMessageBytes);
   AppendFrame(frame, body);
   return SendFrame(frame);
 }

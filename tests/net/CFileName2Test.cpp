@@ -51,12 +51,14 @@ INSTANTIATE_TEST_SUITE_P(
         PathRow{"ShareWithBackslash", R"(\\server\share\)", R"(\\server\share)",
                 R"(\\server\share\)"},
         PathRow{"ServerWithBackslash", R"(\\server\)", R"(\\server)", R"(\\server\)"},
+        PathRow{"EmptyShare", R"(\\server\\a)", R"(\\server)", R"(\\server\\)"},
         PathRow{"ServerAlone", R"(\\server)", "", R"(\\)"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(CFileName2Test, HoldsUpTo260Characters) {
   EXPECT_STREQ(CFileName2(std::string(260, 'a')).Text(), std::string(260, 'a').c_str());
   EXPECT_TRUE(CFileName2(std::string(261, 'a')).Empty());
+  EXPECT_EQ(sizeof(CFileName2), 261u) << "the characters and the terminating zero";
 }
 
 class CreateFoldersTest : public testing::Test {
@@ -100,6 +102,13 @@ TEST_F(CreateFoldersTest, ShareIsQueriedWithABackslash) {
   files.folders.insert(R"(\\server\share)");
   EXPECT_TRUE(Create(R"(\\server\share\a)"));
   EXPECT_THAT(files.rootsAsked, ElementsAre(R"(\\server\share\)"));
+}
+
+TEST_F(CreateFoldersTest, ShareOf260CharactersIsQueriedWithABackslashToo) {
+  const std::string longest = R"(\\server\)" + std::string(251, 's');
+  files.drive = DriveKind::NoRoot;
+  EXPECT_FALSE(Create(longest));
+  EXPECT_THAT(files.rootsAsked, ElementsAre(longest + '\\'));
 }
 
 TEST_F(CreateFoldersTest, PathWithoutADriveQueriesTheCurrentOne) {

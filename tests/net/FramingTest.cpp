@@ -226,6 +226,21 @@ TEST_F(FrameReaderTest, IncompleteLengthIsDroppedWithItsConnection) {
   EXPECT_EQ(Bodies(), Texts{"a"});
 }
 
+TEST_F(FrameReaderTest, ANewConnectionAloneDropsAnIncompleteLength) {
+  EXPECT_TRUE(Feed("99"));
+  m_reader.Begin();
+  EXPECT_TRUE(Feed("1#a"));
+  EXPECT_EQ(Bodies(), Texts{"a"});
+}
+
+TEST_F(FrameReaderTest, StatesHaveTheirNumbers) {
+  EXPECT_EQ(m_reader.GetState(), 1);
+  EXPECT_TRUE(Feed("1#"));
+  EXPECT_EQ(m_reader.GetState(), 2);
+  m_reader.End();
+  EXPECT_EQ(m_reader.GetState(), 0);
+}
+
 TEST_F(FrameReaderTest, MemoryGrowsWithReceivedBytesNotWithTheAnnouncedLength) {
   EXPECT_TRUE(Feed("2147483647#"));
   EXPECT_TRUE(Feed(std::string(1000, 'x')));

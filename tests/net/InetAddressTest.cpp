@@ -83,6 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         AddressRow{"QuadWithPort", "127.0.0.1:600", "127.0.0.1:600", ""},
         AddressRow{"QuadOfHighestParts", "255.255.255.255", "255.255.255.255:16969", ""},
         AddressRow{"QuadWithLeadingZeros", "0010.000.00.000005", "10.0.0.5:16969", ""},
+        AddressRow{"QuadOf100Characters", std::string(92, '0') + "10.0.0.5", "10.0.0.5:16969", ""},
         AddressRow{"PortZero", "127.0.0.1:0", "", ""},
         AddressRow{"PortMissingAfterColon", "127.0.0.1:", "", ""},
         AddressRow{"PortNotDecimal", "127.0.0.1:http", "", ""},
@@ -117,6 +118,21 @@ INSTANTIATE_TEST_SUITE_P(
         AddressRow{"LocalhostIsThisMachine", "localhost", "192.0.2.2:16969", "machine"},
         AddressRow{"LocalhostWithPort", "localhost:600", "192.0.2.2:600", "machine"}),
     [](const auto& row) { return RowName(row.param); });
+
+TEST(AddressTextTest, HoldsAQuadOrANameOfUpTo79Characters) {
+  const auto quad = ParseAddressText("10.0.0.5:600", 1);
+  ASSERT_TRUE(quad);
+  EXPECT_EQ(quad->quadNetworkOrder, NetworkOrder(10, 0, 0, 5));
+  EXPECT_STREQ(quad->host, "");
+  EXPECT_EQ(quad->port, 600);
+  const std::string longest(79, 'h');
+  const auto name = ParseAddressText(longest, 65'535);
+  ASSERT_TRUE(name);
+  EXPECT_EQ(name->quadNetworkOrder, 0u);
+  EXPECT_EQ(name->host, longest);
+  EXPECT_EQ(name->port, 65'535);
+  EXPECT_EQ(sizeof(name->host), 80u) << "the characters and the terminating zero";
+}
 
 TEST(InetAddressTest, PortZeroFromTheCallerFails) {
   FaultySockets sockets;

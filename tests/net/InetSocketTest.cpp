@@ -67,6 +67,7 @@ INSTANTIATE_TEST_SUITE_P(
         SendRow{"Failed", {-1}, false, -1, {"Send 7 abcde"}},
         SendRow{"FailedAfterAPiece", {3, -1}, false, -1, {"Send 7 abcde", "Send 7 de"}},
         SendRow{"WouldBlock", {-1}, true, -2, {"Send 7 abcde"}},
+        SendRow{"WouldBlockAfterAByte", {1, -1}, true, 1, {"Send 7 abcde", "Send 7 bcde"}},
         SendRow{"WouldBlockAfterAPiece", {3, -1}, true, 3, {"Send 7 abcde", "Send 7 de"}}),
     [](const auto& row) { return std::string(row.param.name); });
 
