@@ -72,6 +72,16 @@ TEST(ClockTest, LocalNowIsThePresentMoment) {
   EXPECT_LT(now.millisecond, 1000u);
 }
 
+// A sleep of 37 ms moves the reading within its second, so not every one is zero.
+TEST(ClockTest, LocalNowCountsMilliseconds) {
+  unsigned highest = 0;
+  for (int reading = 0; reading < 60 && highest == 0; ++reading) {
+    highest = std::max(highest, SystemClock().LocalNow().millisecond);
+    SystemClock().SleepMs(37);
+  }
+  EXPECT_GT(highest, 0u);
+}
+
 // Reads twice, because the clock may keep the first reading for the second.
 TEST(ClockTest, LocalNowAgreesWithTheSecondThatItLiesIn) {
   for (int reading = 0; reading < 2; ++reading) {
@@ -145,7 +155,11 @@ TEST(ClockTest, MomentOutsideTheYears1601To30827IsConvertedOrRefused) {
 TEST(ClockTest, MomentThatHasNoLocalTimeIsAllZeros) {
   for (const std::int64_t moment :
        {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()}) {
-    EXPECT_EQ(SystemClock().ToLocal(moment), LocalTime{}) << moment;
+    const LocalTime local = SystemClock().ToLocal(moment);
+    for (const unsigned field : {local.year, local.month, local.day, local.hour, local.minute,
+                                 local.second, local.millisecond}) {
+      EXPECT_EQ(field, 0u) << moment;
+    }
   }
 }
 

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/Event.h"
@@ -197,6 +199,65 @@ TEST_F(LockOrderTest, SingletonsMayBeConstructedOneInAnother) {
   static CriticalSection inner{LockRank::Singleton};
   const CriticalSectionLock outerLock(outer);
   const CriticalSectionLock innerLock(inner);
+}
+
+TEST(LockNameTest, EachRankHasItsName) {
+  const std::pair<LockRank, const char*> kNames[] = {
+      {LockRank::Registrar, "registrar"},
+      {LockRank::ErrorReport, "error report"},
+      {LockRank::TimerService, "timer service"},
+      {LockRank::TrapQueue, "trap queue"},
+      {LockRank::SequenceRows, "rows of a SEQUENCE"},
+      {LockRank::LinkSending, "link's sending"},
+      {LockRank::LinkHandle, "link's handle"},
+      {LockRank::Singleton, "singleton"},
+      {LockRank::SingletonsList, "list of singletons"},
+      {LockRank::DailyLog, "daily log"},
+      {LockRank::LastError, "printer's last error"},
+      {LockRank::SocketStartUp, "start-up of sockets"},
+  };
+  for (const auto& [rank, name] : kNames) EXPECT_STREQ(Platform::LockName(rank), name);
+}
+
+// The tests below need no real locks: the addresses stand for them.
+class HeldLocksDeathTest : public testing::Test {
+ protected:
+  HeldLocksDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+
+  const int m_traps = 0;
+  const int m_sending = 0;
+  const int m_log = 0;
+  const int m_other = 0;
+  Platform::HeldLocks m_held;
+};
+
+TEST_F(HeldLocksDeathTest, LockReleasedBelowOthersLeavesThemHeld) {
+  m_held.Take(&m_traps, LockRank::TrapQueue);
+  m_held.Take(&m_sending, LockRank::LinkSending);
+  m_held.Take(&m_log, LockRank::DailyLog);
+  m_held.Release(&m_traps);
+  EXPECT_EXIT(m_held.Take(&m_other, LockRank::LinkHandle), testing::KilledBySignal(SIGABRT),
+              "'link's handle' taken while 'daily log' is held");
+  m_held.Release(&m_log);
+  EXPECT_EXIT(m_held.Take(&m_other, LockRank::TrapQueue), testing::KilledBySignal(SIGABRT),
+              "'trap queue' taken while 'link's sending' is held");
+  m_held.Release(&m_sending);
+  m_held.Take(&m_other, LockRank::Registrar);
+}
+
+TEST_F(HeldLocksDeathTest, ReleaseOfALockThatIsNotHeldChangesNothing) {
+  m_held.Release(&m_other);
+  m_held.Take(&m_log, LockRank::DailyLog);
+  m_held.Release(&m_other);
+  EXPECT_DEATH(m_held.Take(&m_traps, LockRank::TrapQueue),
+               "'trap queue' taken while 'daily log' is held");
+}
+
+TEST_F(HeldLocksDeathTest, AThreadMayHold64LocksAndNoMore) {
+  for (int i = 0; i < 63; ++i) m_held.Take(&m_traps, LockRank::TrapQueue);
+  m_held.Take(&m_sending, LockRank::LinkSending);
+  EXPECT_DEATH(m_held.Take(&m_log, LockRank::DailyLog),
+               "'daily log' taken while 'link's sending' is held");
 }
 
 #endif

@@ -58,6 +58,7 @@ INSTANTIATE_TEST_SUITE_P(
                     CompareRow{"LowerSubIdentifier", {1, 3, 5}, {1, 3, 6}, -1},
                     CompareRow{"ShorterLeadingPart", {1, 3}, {1, 3, 6}, -1},
                     CompareRow{"ShorterButHigher", {1, 4}, {1, 3, 6}, 1},
+                    CompareRow{"FirstSubIdentifierDecides", {1, 9}, {2, 3}, -1},
                     CompareRow{"EmptyIsTheLowest", {}, {0}, -1},
                     CompareRow{"SubIdentifiersAreUnsigned", {1, 0xFFFFFFFFu}, {1, 1}, 1}),
     [](const auto& row) { return std::string(row.param.name); });
@@ -114,6 +115,17 @@ TEST(SnmpUtilTest, AppendGrowsTheIdentifier) {
   ASSERT_NE(SnmpUtilOidCpy(&oid, &source), 0);
   EXPECT_NE(SnmpUtilOidAppend(&oid, &more), 0);
   EXPECT_EQ(Copy(oid), (Ids{1, 3, 6, 1}));
+  SnmpUtilOidFree(&oid);
+}
+
+TEST(SnmpUtilTest, OneSubIdentifierIsCopiedAndAppended) {
+  Ids one = {7};
+  AsnObjectIdentifier source = View(one);
+  AsnObjectIdentifier oid = {};
+  ASSERT_NE(SnmpUtilOidCpy(&oid, &source), 0);
+  EXPECT_EQ(Copy(oid), (Ids{7}));
+  EXPECT_NE(SnmpUtilOidAppend(&oid, &source), 0);
+  EXPECT_EQ(Copy(oid), (Ids{7, 7}));
   SnmpUtilOidFree(&oid);
 }
 

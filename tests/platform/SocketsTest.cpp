@@ -202,6 +202,21 @@ TEST(ListeningSocketTest, HasNoPortBeforeOpen) {
   EXPECT_EQ(listener.Port(), 0);
 }
 
+TEST(ListeningSocketTest, PortOfAnotherListenerIsNotAvailable) {
+  ListeningSocket first;
+  ASSERT_TRUE(first.Open(0));
+  ListeningSocket second;
+  EXPECT_FALSE(second.Open(first.Port()));
+  EXPECT_FALSE(second.IsOpen());
+}
+
+TEST(ListeningSocketTest, NothingIsAcceptedWithoutAConnection) {
+  ListeningSocket listener;
+  EXPECT_EQ(listener.Accept(0), kInvalidSocket);
+  ASSERT_TRUE(listener.Open(0));
+  EXPECT_EQ(listener.Accept(0), kInvalidSocket);
+}
+
 TEST(ConnectTest, PortWithoutAListenerIsRefused) {
   ListeningSocket listener;
   ASSERT_TRUE(listener.Open(0));

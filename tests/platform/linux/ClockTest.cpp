@@ -20,5 +20,11 @@ TEST(PosixClockTest, TickIsTheMonotonicClockInMilliseconds) {
   EXPECT_LE(tick - before, after - before);
 }
 
+TEST(PosixClockTest, SleepOfMoreThanASecondIsNotCut) {
+  const std::uint32_t before = MonotonicMs();
+  Platform::SystemClock().SleepMs(1'050);
+  EXPECT_GE(MonotonicMs() - before, 1'049u);
+}
+
 }  // namespace
 }  // namespace Vask::Tests

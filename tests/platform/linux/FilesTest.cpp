@@ -1,6 +1,9 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
@@ -31,6 +34,24 @@ TEST(LinuxFilesTest, LongestPathOfTheSystemHas4095Characters) {
   files.Close(file);
   EXPECT_EQ(folder.Bytes("file"), "x");
   EXPECT_EQ(files.OpenForAppend(PathOfLength(folder, 4096).c_str()), Platform::kNoFile);
+}
+
+// The master of a pseudo-terminal is a terminal, too.
+TEST(LinuxFilesTest, StandardInputIsATerminalOnlyIfItIsOne) {
+  const int input = fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_GE(terminal, 0);
+  dup2(terminal, STDIN_FILENO);
+  EXPECT_TRUE(Platform::StandardInputIsTerminal());
+  const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
+  dup2(nothing, STDIN_FILENO);
+  EXPECT_FALSE(Platform::StandardInputIsTerminal());
+  close(nothing);
+  close(terminal);
+  if (input >= 0) {
+    dup2(input, STDIN_FILENO);
+    close(input);
+  }
 }
 
 mode_t ModeOf(const std::filesystem::path& path) {
