@@ -66,7 +66,7 @@ void JsonSocket::RequestStop() {
 
 // Start calls this only if there is no thread yet.
 void JsonSocket::OnStart() {
-  static_cast<void>(m_readerLeft.Ensure());  // without the event a stop takes longer
+  static_cast<void>(m_readerLeft.Ensure());  // without the event a stop shuts down at once
   m_reader.End();
   m_waitedMs = kRetryMs;
   m_running.store(true, std::memory_order_relaxed);
