@@ -3,35 +3,22 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
-#include <signal.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <string>
 #include <thread>
 
 #include "platform/Files.h"
-#include "tests/platform/linux/BlockedThread.h"
+#include "tests/platform/linux/Interruption.h"
 
 namespace Vask::Tests {
 namespace {
 
-std::atomic<int> g_signals{0};
-
 class InterruptedAppendTest : public testing::Test {
  protected:
   static constexpr std::size_t kRoom = 4096;
-
-  InterruptedAppendTest() {
-    struct sigaction action {};
-    action.sa_handler = [](int) { ++g_signals; };  // without SA_RESTART
-    sigaction(SIGUSR1, &action, &m_before);
-    g_signals = 0;
-  }
-  ~InterruptedAppendTest() override { sigaction(SIGUSR1, &m_before, nullptr); }
 
   static std::string ReadToEnd(int file) {
     std::string text;
@@ -50,17 +37,12 @@ class InterruptedAppendTest : public testing::Test {
     EXPECT_EQ(fcntl(pipe[1], F_SETPIPE_SZ, static_cast<int>(kRoom)), static_cast<int>(kRoom));
     EXPECT_EQ(write(pipe[1], before.data(), before.size()), std::ssize(before));
 
-    std::atomic<pid_t> id{0};
     bool appended = false;
-    std::thread writer([&] {
-      id = gettid();
+    const Interruption interruption;
+    std::thread writer = Interruption::Run(SYS_write, [&] {
       appended = Platform::SystemFiles().Append(pipe[1], text.data(), text.size());
       close(pipe[1]);
     });
-    while (id == 0) std::this_thread::yield();
-    EXPECT_TRUE(AwaitBlockedIn(SYS_write, id));
-    EXPECT_EQ(pthread_kill(writer.native_handle(), SIGUSR1), 0);
-    while (g_signals == 0) std::this_thread::yield();
 
     std::string got = ReadToEnd(pipe[0]);
     writer.join();
@@ -68,9 +50,6 @@ class InterruptedAppendTest : public testing::Test {
     close(pipe[0]);
     return got;
   }
-
- private:
-  struct sigaction m_before {};
 };
 
 TEST_F(InterruptedAppendTest, TextIsWrittenWhenThereIsRoomAgain) {
