@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -34,6 +35,17 @@ TEST(LinuxFilesTest, LongestPathOfTheSystemHas4095Characters) {
   files.Close(file);
   EXPECT_EQ(folder.Bytes("file"), "x");
   EXPECT_EQ(files.OpenForAppend(PathOfLength(folder, 4096).c_str()), Platform::kNoFile);
+}
+
+// The kernel does not know when a file of /proc was made.
+TEST(LinuxFilesTest, UnknownTimeOfCreationIsMinusOne) {
+  std::int64_t createdAt = 0;
+  const auto visit = [](const Platform::FileEntry& file, void* context) {
+    *static_cast<std::int64_t*>(context) = file.createdAt;
+    return true;
+  };
+  EXPECT_TRUE(Platform::SystemFiles().List("\\proc\\version", visit, &createdAt));
+  EXPECT_EQ(createdAt, -1);
 }
 
 // The master of a pseudo-terminal is a terminal, too.
