@@ -48,6 +48,7 @@ class PresentQuarter {
   static constexpr std::int64_t kQuarterSeconds = 900;
   static constexpr int kQuarterShift = 32;
   static constexpr int kYearShift = 20;
+  static constexpr unsigned kTooLateYear = 4096;  // needs more bits than there are
   static constexpr int kMonthShift = 16;
   static constexpr int kDayShift = 11;
   static constexpr int kHourShift = 6;
@@ -57,7 +58,7 @@ class PresentQuarter {
   [[gnu::cold, gnu::noinline]] LocalTime Renew(std::int64_t epochSeconds) noexcept {
     const std::int64_t quarter = epochSeconds / kQuarterSeconds;
     const LocalTime start = BreakDown(quarter * kQuarterSeconds);
-    if (start.minute % 15 == 0 && start.second == 0) {
+    if (start.minute % 15 == 0 && start.second == 0 && start.year < kTooLateYear) {
       m_kept.store(static_cast<std::uint64_t>(quarter) << kQuarterShift | start.year << kYearShift |
                        start.month << kMonthShift | start.day << kDayShift |
                        start.hour << kHourShift | start.minute,

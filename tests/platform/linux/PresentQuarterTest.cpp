@@ -92,6 +92,16 @@ TEST_P(Zones, TheEpochAndEarlierMomentsAreAsTheSystemBreaksThemDown) {
   }
 }
 
+// The first moment keeps its quarter, and the second one reads it.
+TEST_P(Zones, DistantYearsAreAsTheSystemBreaksThemDown) {
+  const std::int64_t moments[] = {4'118'083'200, 67'074'220'800, 67'105'843'200, 253'386'403'200};
+  const unsigned years[] = {2100, 4095, 4096, 9999};
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(quarter.ToLocal(moments[i]).year, years[i]);
+    ExpectTheSameAt(moments[i] + 1);
+  }
+}
+
 // The answer shows that the zone is read once: the process has another one by now.
 TEST_P(Zones, LocalTimeOfAWholeQuarterIsKept) {
   if (BreakDown(kSummerOf2018).second != 0) return;  // nothing is kept in this zone
