@@ -3,7 +3,7 @@
 set terminal pngcairo size 1000,900
 set output plot_file
 set multiplot layout 4,1 title 'Soak: '.what
-set lmargin 10
+set lmargin 13
 set rmargin 3
 unset key
 set yrange [0:*]
