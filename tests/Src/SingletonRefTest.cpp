@@ -120,6 +120,7 @@ struct Slow : SingletonRef<Slow> {
 };
 
 TEST_F(SingletonRefTest, ThreadsThatAskAtTheSameTimeGetOneInstance) {
+  Slow::constructed = 0;
   std::array<Slow*, 4> seen{};
   // No std::latch: with mingw-w64's C++ library a thread of it may wait for ever.
   std::atomic<size_t> missing{seen.size()};
