@@ -23,8 +23,9 @@ namespace {
 constexpr std::size_t kMiB = std::size_t{1024} * 1024;
 // In addition to the bytes that arrived.
 constexpr std::size_t kMostMemory = 8 * kMiB;
-// In addition to what the heaps held before: the log's history varies a little.
-constexpr std::size_t kMostKept = std::size_t{64} * 1024;
+// In addition to what the heaps held before: the link keeps a text of up to 64 KiB for the
+// next frame, and the log its twenty newest messages of up to 2 KiB each.
+constexpr std::size_t kMostKept = std::size_t{64 + 20 * 2} * 1024;
 
 constexpr std::uint32_t kLongestStopMs = 500;
 
