@@ -12,9 +12,7 @@
 namespace Vask::Tests {
 namespace {
 
-using Platform::kInvalidSocket;
 using Platform::ListeningSocket;
-using Platform::SocketAddress;
 using Platform::SocketHandle;
 using Platform::SystemSocket;
 using Platform::SystemSockets;
